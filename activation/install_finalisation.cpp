@@ -1,0 +1,51 @@
+#include <filesystem>
+
+#include "inputsource/tessal_installer.h"
+#include "installer/content_view.h"
+#include "platform/file_root.h"
+#include "platform/workspace.h"
+
+namespace {
+constexpr LinearAnimation kSuccessAnimation{platform::Seconds(0.3)};
+constexpr const char* kSettingsBundleID = "com.tessal.inputmethod.Orvane.settings";
+}  // namespace
+
+void ContentView::finalizeInstallSuccess(bool /*refreshAgents*/) {
+  removeEnabledInputSourcesChangedNotificationIfNeeded();
+  installProgress.set(1.0, kSuccessAnimation);
+  installationStatus = InstallationStatus::success;
+  isInstalling = false;
+  refreshTextInputAgentsOnce();
+  launchSettingsBootstrapIfNeeded();
+}
+
+void ContentView::refreshTextInputAgentsOnce() {
+  if (didRefreshTextInputAgentsOnce) return;
+  didRefreshTextInputAgentsOnce = true;
+  runCommand("/usr/bin/killall", {"-9", "TextInputMenuAgent"});
+  runCommand("/usr/bin/killall", {"-9", "TextInputSwitcher"});
+}
+
+void ContentView::launchSettingsBootstrapIfNeeded() {
+  if (!shouldLaunchSettingsBootstrapOnSuccess || didLaunchSettingsBootstrap) return;
+  // Set before trying: a failed launch is not retried.
+  didLaunchSettingsBootstrap = true;
+
+  const std::filesystem::path bundled =
+      platform::onDisk(TessalInstaller::appDir() / "Contents" / "MacOS" / "OrvaneSettings.app");
+  if (std::error_code error; std::filesystem::exists(bundled, error)) {
+    platform::openApplication(bundled);
+    appendUILog("已拉起设置应用（首装 bootstrap）\n");
+  } else if (const auto found = platform::findApplication(kSettingsBundleID)) {
+    platform::openApplication(*found);
+    appendUILog("已拉起设置应用（首装 bootstrap，fallback）\n");
+  } else {
+    appendUILog("首装 bootstrap：未找到设置应用，跳过\n");
+  }
+}
+
+void ContentView::registerWithLaunchServicesIfPossible() {
+  if (!TessalInstaller().isInstalled()) return;
+  platform::registerWithLaunchServices(platform::onDisk(TessalInstaller::appDir()),
+                                       /*inUpdate=*/true);
+}

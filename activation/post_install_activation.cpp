@@ -1,0 +1,70 @@
+#include <cstdlib>
+#include <string_view>
+
+#include "inputsource/tessal_installer.h"
+#include "installer/content_view.h"
+
+namespace {
+constexpr const char* kWriteDefaultsVariable = "TESSAL_INSTALLER_WRITE_HITOOLBOX_DEFAULTS";
+constexpr platform::Seconds kFreshDelay{0.25};
+
+bool isDefaultsWriteWanted() {
+  const char* value = std::getenv(kWriteDefaultsVariable);
+  return value && std::string_view(value) == "1";
+}
+}  // namespace
+
+void ContentView::postInstallActivation() {
+  const TessalInstaller installer;
+  if (!installer.isInstalled()) {
+    installationStatus = InstallationStatus::failure("未检测到已安装的输入法");
+    isInstalling = false;
+    return;
+  }
+  shouldLaunchSettingsBootstrapOnSuccess = !installPathExistedBeforeStart;
+
+  const bool isBaseEnabled = installer.isBaseEnabledBestEffort();
+  appendUILog(std::string("启用路径：") +
+              (isBaseEnabled ? "覆盖安装（跳过 enable，仅 select）"
+                             : "全新安装（可能弹出“允许启用”提示）") +
+              "\n");
+  // In place before anything is enabled, so that no answer is missed.
+  if (!isBaseEnabled) registerEnabledInputSourcesChangedNotificationIfNeeded();
+  registerForActivationIfNeeded("");
+
+  if (isBaseEnabled) {
+    if (isDefaultsWriteWanted() && !didEnsureHIToolboxDefaultsOnce) {
+      didEnsureHIToolboxDefaultsOnce = true;
+      installer.ensureOrvaneEnabledInHIToolboxDefaults(TessalInstaller::InputMode::pinyin);
+    }
+    // The user's current input source is left alone; "true" is a constant.
+    installer.isSelected(TessalInstaller::InputMode::pinyin);
+    appendUILog("已处理覆盖安装：跳过切换当前输入法（ok=true）\n");
+    refreshTextInputAgentsOnce();
+    finalizeInstallSuccess(/*refreshAgents=*/true);
+    return;
+  }
+
+  installProgress.set(1.0, LinearAnimation{kFreshDelay});
+  platform::asyncAfter(kFreshDelay, [view = weak_from_this()] {
+    const auto self = view.lock();
+    if (!self) return;
+    self->isInstalling = false;
+    self->installationStatus = InstallationStatus::waitingEnable;
+    self->didAttemptFreshEnableOnce = true;
+    self->attemptFreshEnable("enter-waiting");
+  });
+}
+
+void ContentView::registerForActivationIfNeeded(std::string_view logSuffix) {
+  if (!didRegisterForActivation) {
+    TessalInstaller().registerBundle();
+    didRegisterForActivation = true;
+    appendUILog("已调用 TISRegisterInputSource" + std::string(logSuffix) + "\n");
+  }
+  if (!didRegisterLaunchServicesForActivation) {
+    registerWithLaunchServicesIfPossible();
+    didRegisterLaunchServicesForActivation = true;
+    appendUILog("已调用 LSRegisterURL" + std::string(logSuffix) + "\n");
+  }
+}

@@ -1,0 +1,180 @@
+// The command-line front: one installation, shown in the terminal.
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "installer/content_view.h"
+#include "installer/log_files.h"
+#include "platform/application.h"
+#include "platform/file_root.h"
+
+namespace {
+
+enum ExitStatus {
+  kSuccess = 0,
+  kFailed = 1,
+  kRefused = 2,
+  kLeftWhileWaiting = 3,
+  kBadUsage = 64,
+};
+
+struct Options {
+  bool doesGoEnable = false;
+  bool doesWait = true;
+};
+
+std::string usage() {
+  return "usage: orvane-install [OPTION]...\n"
+         "Installs the input method and waits until it is enabled.\n\n"
+         "  --go-enable   ask for enabling once more and open the keyboard settings\n"
+         "  --no-wait     leave instead of waiting for the user's approval\n" +
+         platform::platformOptionsUsage() +
+         "  --help        show this\n\n"
+         "exit status: 0 installed and enabled, 1 failed, 2 authorisation refused,\n"
+         "  3 left while waiting for approval, 64 bad usage\n";
+}
+
+/// One installation in the terminal. Lives on the main queue.
+class TerminalFront {
+ public:
+  explicit TerminalFront(Options options)
+      : options_(options), isTerminal_(::isatty(STDOUT_FILENO) == 1) {}
+
+  void start() {
+    platform::onTerminationRequest([this] { terminationRequested(); });
+    progressWatch_ = view_->installProgress.observe([this](double, auto) { showProgress(); });
+    installingWatch_ = view_->isInstalling.observe([this](bool, auto) { showProgress(); });
+    statusWatch_ = view_->installationStatus.observe(
+        [this](const InstallationStatus& status, auto) { statusChanged(status); });
+    view_->userPressedInstall();
+  }
+
+ private:
+  void statusChanged(const InstallationStatus& status) {
+    switch (status.value()) {
+      case InstallationStatus::notStarted:
+      case InstallationStatus::installing:
+        return;
+      case InstallationStatus::waitingEnable:
+        return startWaiting();
+      case InstallationStatus::success:
+        showProgress();
+        view_->enableWaitingViewDidDisappear();
+        say("安装成功");
+        return leave(kSuccess);
+      case InstallationStatus::needAdmin:
+        complain("未获得管理员授权，安装未进行");
+        return leave(kRefused);
+      case InstallationStatus::failed:
+        complain(status.message());
+        complain("日志：" + platform::onDisk(kUILogPath).string());
+        return leave(kFailed);
+    }
+  }
+
+  void startWaiting() {
+    showProgress();
+    if (!options_.doesWait || isAskedToLeave_) {
+      say("已安装，尚未启用");
+      return leave(kLeftWhileWaiting);
+    }
+    say("为了正常使用，请将「澄枫输入法」添加到输入法列表");
+    view_->enableWaitingViewDidAppear();
+    if (options_.doesGoEnable) view_->userPressedGoEnable();
+  }
+
+  void terminationRequested() {
+    isAskedToLeave_ = true;
+    if (!view_) return;
+    if (view_->installationStatus->is(InstallationStatus::waitingEnable)) {
+      say("已安装，尚未启用");
+      return leave(kLeftWhileWaiting);
+    }
+    // How the script ends now decides the result.
+    platform::interruptAdminScript();
+  }
+
+  void leave(ExitStatus status) {
+    view_->enableWaitingViewDidDisappear();
+    progressWatch_.reset();
+    installingWatch_.reset();
+    statusWatch_.reset();
+    view_.reset();
+    platform::interruptAdminScript();
+    platform::endMainLoop(status);
+  }
+
+  void showProgress() {
+    const double progress = view_->installProgress;
+    const int percent = static_cast<int>(progress * 100);
+    const std::string text = "正在安装 " + std::to_string(percent) + "%";
+    if (text == shown_) return;
+    shown_ = text;
+    if (!isTerminal_) {
+      std::cout << text << std::endl;
+      return;
+    }
+    constexpr int kCells = 40;
+    const int filled = static_cast<int>(std::lround(progress * kCells));
+    std::cout << "\r\033[K[" << std::string(filled, '=') << std::string(kCells - filled, ' ')
+              << "] " << text << std::flush;
+    isLineOpen_ = true;
+  }
+
+  void endLine() {
+    if (std::exchange(isLineOpen_, false)) std::cout << std::endl;
+  }
+  void say(const std::string& line) {
+    endLine();
+    std::cout << line << std::endl;
+  }
+  void complain(const std::string& line) {
+    endLine();
+    std::cerr << line << std::endl;
+  }
+
+  Options options_;
+  bool isTerminal_;
+  bool isAskedToLeave_ = false;
+  bool isLineOpen_ = false;
+  std::string shown_;
+  std::shared_ptr<ContentView> view_ = ContentView::create();
+  Observation progressWatch_;
+  Observation installingWatch_;
+  Observation statusWatch_;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::vector<std::string> arguments(argv + 1, argv + argc);
+  if (std::find(arguments.begin(), arguments.end(), "--help") != arguments.end()) {
+    std::cout << usage();
+    return kSuccess;
+  }
+  auto problem = platform::takePlatformOptions(arguments);
+  Options options;
+  for (const std::string& argument : arguments) {
+    if (argument == "--go-enable")
+      options.doesGoEnable = true;
+    else if (argument == "--no-wait")
+      options.doesWait = false;
+    else if (!problem)
+      problem = "unknown argument: " + argument;
+  }
+  if (problem) {
+    std::cerr << "orvane-install: " << *problem << "\n\n" << usage();
+    return kBadUsage;
+  }
+
+  TerminalFront front(options);
+  platform::async([&front] { front.start(); });
+  return platform::runMainLoop();
+}

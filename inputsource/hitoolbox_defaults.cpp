@@ -1,0 +1,84 @@
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "inputsource/tessal_installer.h"
+
+using platform::ForeignKeyDictionary;
+using platform::PreferencesHost;
+using platform::PreferencesUser;
+using platform::PropertyListArray;
+using platform::PropertyListDictionary;
+using platform::PropertyListValue;
+
+namespace {
+
+constexpr const char* kDomain = "com.apple.HIToolbox";
+enum class Position { front, back };
+constexpr std::array<std::pair<const char*, Position>, 3> kLists = {{
+    {"AppleEnabledInputSources", Position::back},
+    {"AppleSelectedInputSources", Position::front},
+    {"AppleInputSourceHistory", Position::front},
+}};
+
+constexpr const char* kBundleIDKey = "Bundle ID";
+constexpr const char* kInputModeKey = "Input Mode";
+constexpr const char* kInputSourceKindKey = "InputSourceKind";
+constexpr const char* kInputModeKind = "Input Mode";
+
+bool holdsText(const PropertyListDictionary& entry, const char* key, const std::string& text) {
+  const auto found = entry.find(key);
+  if (found == entry.end()) return false;
+  const auto* value = found->second.as<std::string>();
+  return value && *value == text;
+}
+
+}  // namespace
+
+std::vector<PropertyListDictionary> TessalInstaller::readCFArrayOfDicts(const std::string& appID,
+                                                                        const std::string& key,
+                                                                        PreferencesUser user,
+                                                                        PreferencesHost host) {
+  const auto value = platform::copyPreferencesValue(key, appID, user, host);
+  const auto* array = value ? value->as<PropertyListArray>() : nullptr;
+  if (!array) return {};
+
+  const bool onlyDictionaries = std::all_of(array->begin(), array->end(), [](const auto& element) {
+    return element.template as<PropertyListDictionary>() ||
+           element.template as<ForeignKeyDictionary>();
+  });
+  std::vector<PropertyListDictionary> entries;
+  for (const PropertyListValue& element : *array) {
+    if (const auto* entry = element.as<PropertyListDictionary>())
+      entries.push_back(*entry);
+    else if (onlyDictionaries)
+      entries.emplace_back();  // one with other keys than strings keeps its place, empty
+  }
+  return entries;
+}
+
+bool TessalInstaller::containsInputModeEntry(const std::vector<PropertyListDictionary>& entries,
+                                             const std::string& bundleID,
+                                             const std::string& inputMode) {
+  return std::any_of(entries.begin(), entries.end(), [&](const PropertyListDictionary& entry) {
+    return holdsText(entry, kBundleIDKey, bundleID) && holdsText(entry, kInputModeKey, inputMode);
+  });
+}
+
+bool TessalInstaller::ensureOrvaneEnabledInHIToolboxDefaults(InputMode mode) const {
+  const std::string bundleID = readInstalledBundleIdentifier().value_or(std::string(kBaseBundleID));
+  const std::string inputMode = rawValue(mode);
+  const PropertyListDictionary entry = {
+      {kBundleIDKey, bundleID}, {kInputModeKey, inputMode}, {kInputSourceKindKey, kInputModeKind}};
+
+  for (const auto& [key, position] : kLists) {
+    auto entries =
+        readCFArrayOfDicts(kDomain, key, PreferencesUser::current, PreferencesHost::current);
+    if (containsInputModeEntry(entries, bundleID, inputMode)) continue;
+    entries.insert(position == Position::front ? entries.begin() : entries.end(), entry);
+    platform::setPreferencesValue(key, PropertyListArray(entries.begin(), entries.end()), kDomain,
+                                  PreferencesUser::current, PreferencesHost::current);
+  }
+  platform::synchronizePreferences(kDomain, PreferencesUser::current, PreferencesHost::current);
+  return true;
+}

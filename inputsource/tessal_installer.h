@@ -1,0 +1,79 @@
+#pragma once
+
+#include <array>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/preferences.h"
+#include "platform/text_input_sources.h"
+
+/// The installer's whole layer over the Text Input Sources service. It keeps no
+/// state: make one where it is needed and drop it. Main thread only. Nothing is
+/// cached and nothing throws; a failure of the service reads as not found, not
+/// enabled or not selected.
+class TessalInstaller {
+ public:
+  /// A mode of the input method.
+  enum class InputMode { pinyin };
+  static constexpr std::array kAllModes = {InputMode::pinyin};
+  /// The mode's source identifier, mode identifier and preferences entry.
+  static std::string rawValue(InputMode mode);
+  /// The mode of exactly this raw value, else absent.
+  static std::optional<InputMode> modeFromRawValue(std::string_view rawValue);
+
+  /// Bundle identifier of the input method, and identifier of its base source.
+  static constexpr std::string_view kBaseBundleID = "com.tessal.inputmethod.Orvane";
+
+  // Identities (input_method_identity.cpp).
+  /// The install location "/Library/Input Methods/Orvane.app".
+  static const std::filesystem::path& appDir();
+  /// Whether anything at all lies at the install location.
+  bool isInstalled() const;
+
+  // Lookups (input_source_lookup.cpp).
+  std::vector<platform::InputSource> allInputSources(bool includeAllInstalled) const;
+  /// The base source: both identifiers are kBaseBundleID; null if there is none.
+  platform::InputSource keyboardInputMethodSource(bool includeAllInstalled) const;
+  /// The source of a mode, by source identifier or else by mode identifier; null
+  /// if there is none.
+  platform::InputSource inputModeSource(InputMode mode, bool includeAllInstalled) const;
+  bool isBaseEnabledBestEffort() const;
+  std::vector<InputMode> enabledModes() const;
+  /// Whether the mode is the current keyboard input source.
+  bool isSelected(InputMode mode) const;
+
+  // Actions (input_source_actions.cpp).
+  void registerBundle() const;
+  void enable(std::vector<InputMode> modes = {}) const;
+  void disable(std::vector<InputMode> modes) const;
+  /// Absent means pinyin. Falls back to the base source at the last.
+  void select(std::optional<InputMode> mode) const;
+  /// Whether a select call succeeded.
+  bool selectModeForOverwrite(InputMode mode) const;
+  /// The status of the one call made, or absent if there is no such source.
+  std::optional<platform::Status> enableBaseKeyboardInputMethodBestEffort() const;
+  std::optional<platform::Status> disableBaseKeyboardInputMethodBestEffort() const;
+  std::optional<platform::Status> enableInputModeBestEffort(InputMode mode) const;
+  /// One status for each mode that has a source, in the order of `modes`.
+  std::vector<platform::Status> disableInputModesBestEffort(
+      const std::vector<InputMode>& modes) const;
+
+  // Preferences (hitoolbox_defaults.cpp).
+  /// Adds the mode's entry to the user's three input-source lists where it is
+  /// missing. Always true.
+  bool ensureOrvaneEnabledInHIToolboxDefaults(InputMode mode) const;
+
+ private:
+  std::optional<std::string> readInstalledBundleIdentifier() const;
+  std::map<InputMode, platform::InputSource> getInputSource(const std::vector<InputMode>& modes,
+                                                            bool includeAllInstalled) const;
+  static std::vector<platform::PropertyListDictionary> readCFArrayOfDicts(
+      const std::string& appID, const std::string& key, platform::PreferencesUser user,
+      platform::PreferencesHost host);
+  static bool containsInputModeEntry(const std::vector<platform::PropertyListDictionary>& entries,
+                                     const std::string& bundleID, const std::string& inputMode);
+};

@@ -1,0 +1,115 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/notification_center.h"
+#include "app/window_close_interceptor.h"
+#include "installer/installation_status.h"
+#include "installer/state.h"
+#include "platform/admin_script.h"
+#include "platform/host_window.h"
+#include "platform/main_queue.h"
+#include "platform/text_input_sources.h"
+
+/// The installer's main view: all of its state and every operation on it. Lives
+/// on the main thread, for the life of the window. Blocks that it leaves on the
+/// main queue hold it weakly: they do nothing once it is gone.
+class ContentView : public std::enable_shared_from_this<ContentView> {
+ public:
+  [[nodiscard]] static std::shared_ptr<ContentView> create();
+  ~ContentView();
+
+  // The state, each field with what it means while true or present.
+  /// Everything appended to the UI log since the view was created; only grows.
+  State<std::string> logText;
+  /// 0.0 to 1.0.
+  State<double> installProgress{0.0};
+  /// A run has been started and not yet ended.
+  State<bool> isInstalling{false};
+  State<InstallationStatus> installationStatus{InstallationStatus::notStarted};
+  /// The hosting window has been configured.
+  State<bool> windowConfigured{false};
+  /// Post-install activation has been started for the current run.
+  State<bool> didTriggerActivation{false};
+  State<std::unique_ptr<platform::NotificationObserver>> enableNotificationObserver;
+  /// The deferred handling of the latest enabled-sources notification.
+  State<std::unique_ptr<platform::WorkItem>> pendingEnableNotificationWorkItem;
+  State<bool> didRegisterForActivation{false};
+  State<bool> didRegisterLaunchServicesForActivation{false};
+  /// The one automatic enable attempt of a fresh install has been made.
+  State<bool> didAttemptFreshEnableOnce{false};
+  /// The exit confirmation overlay is shown.
+  State<bool> showExitEnableConfirm{false};
+  State<std::unique_ptr<platform::Timer>> enablePollingTimer;
+  State<bool> didDisableAllForFreshEnable{false};
+  /// When enabling the base source was last requested.
+  State<std::optional<platform::WallClock::time_point>> lastEnableBaseRequestAt;
+  /// When an enabled-sources notification was last handled.
+  State<std::optional<platform::WallClock::time_point>> lastEnabledNotificationAt;
+  State<bool> didEnsureHIToolboxDefaultsOnce{false};
+  State<bool> didRefreshTextInputAgentsOnce{false};
+  /// The input method was there when the run started.
+  State<bool> installPathExistedBeforeStart{false};
+  State<bool> shouldLaunchSettingsBootstrapOnSuccess{false};
+  State<bool> didLaunchSettingsBootstrap{false};
+  /// Never replaced.
+  State<std::unique_ptr<WindowCloseInterceptor>> closeInterceptor{
+      std::make_unique<WindowCloseInterceptor>()};
+
+  // Logs and commands (installer/logs_and_commands.cpp).
+  /// Appends `text` as it is to logText and to the UI log.
+  void appendUILog(std::string_view text);
+  /// Runs a tool and waits for it; failures are dropped.
+  static void runCommand(const std::string& launchPath, const std::vector<std::string>& arguments);
+
+  // The privileged run (installer/privileged_run.cpp).
+  /// What the buttons "安装" and, after a failure, "重试" do.
+  void userPressedInstall();
+  /// What "重试" does after a refused authorisation.
+  void userPressedRetryAuthorisation();
+  void startInstallation();
+
+  // The install log (installer/log_tail.cpp).
+  /// One decoded piece of the install log.
+  void handleInstallLogChunk(const std::string& text);
+
+  // After the script (activation/).
+  void postInstallActivation();
+  void attemptFreshEnable(const std::string& trigger);
+  void registerEnabledInputSourcesChangedNotificationIfNeeded();
+  void removeEnabledInputSourcesChangedNotificationIfNeeded();
+  void handleEnabledKeyboardInputSourcesChanged(const std::string& trigger);
+  void startEnablePolling();
+  void pollEnableState();
+  /// The waiting screen has come on screen, or left it.
+  void enableWaitingViewDidAppear();
+  void enableWaitingViewDidDisappear();
+  /// `refreshAgents` makes no difference: the agents are restarted once a run.
+  void finalizeInstallSuccess(bool refreshAgents);
+  void launchSettingsBootstrapIfNeeded();
+  static void registerWithLaunchServicesIfPossible();
+  void openKeyboardSettings();
+  void userPressedGoEnable();
+
+  // The window (app/window_configuration.cpp, app/window_hooks.cpp).
+  /// Configures the hosting window, the first time that there is one. The window
+  /// keeps asking closeInterceptor until it closes.
+  void configureWindow(platform::HostWindow* window);
+  /// What "退出安装" does.
+  void userPressedExit();
+
+ private:
+  ContentView();
+  void watchWindowHooks();
+  void finishPrivilegedRun(const std::optional<platform::AdminScriptError>& error);
+  void triggerActivation();
+  void registerForActivationIfNeeded(std::string_view logSuffix);
+  void refreshTextInputAgentsOnce();
+
+  Observation waitingEnableWatch_;
+  NotificationToken exitConfirmObserver_;
+};

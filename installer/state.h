@@ -1,0 +1,92 @@
+// One observable field of the view's state.
+
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "platform/main_queue.h"
+
+/// How a change is to be shown: linearly, over this time.
+struct LinearAnimation {
+  platform::Seconds duration;
+  bool operator==(const LinearAnimation&) const = default;
+};
+
+/// Keeps an observer registered; to destroy it is to remove the observer, also
+/// from inside its own call.
+using Observation = std::shared_ptr<void>;
+
+/// A value whose every change reaches its observers. Only the main thread reads
+/// or writes it. Observers are called on the next turn of the main queue, after
+/// the operation that writes has run to its end, so they never see a state half
+/// way between two writes; several writes within a turn reach them as one, with
+/// the last value and the animation of the last write.
+template <class T>
+class State {
+ public:
+  using Observer = std::function<void(const T& value, std::optional<LinearAnimation> animation)>;
+
+  State() : State(T{}) {}
+  explicit State(T initial) : cell_(std::make_shared<Cell>(std::move(initial))) {}
+  State(const State&) = delete;
+  State& operator=(const State&) = delete;
+
+  const T& get() const { return cell_->value; }
+  operator const T&() const { return cell_->value; }
+  const T* operator->() const { return &cell_->value; }
+
+  State& operator=(T value) {
+    set(std::move(value));
+    return *this;
+  }
+  void set(T value, std::optional<LinearAnimation> animation = std::nullopt) {
+    // A handle that the old value owns ends only after the field has its new value.
+    std::swap(cell_->value, value);
+    changed(animation);
+  }
+  /// Changes the value in place.
+  template <class Change>
+  void update(Change&& change) {
+    std::forward<Change>(change)(cell_->value);
+    changed(std::nullopt);
+  }
+
+  /// Calls `observer` after each change from now on.
+  [[nodiscard]] Observation observe(Observer observer) {
+    auto shared = std::make_shared<Observer>(std::move(observer));
+    cell_->observers.push_back(shared);
+    return shared;
+  }
+
+ private:
+  struct Cell {
+    explicit Cell(T initial) : value(std::move(initial)) {}
+    T value;
+    std::optional<LinearAnimation> animation;
+    bool pending = false;
+    std::vector<std::weak_ptr<Observer>> observers;
+  };
+
+  void changed(std::optional<LinearAnimation> animation) {
+    cell_->animation = animation;
+    if (cell_->pending) return;
+    cell_->pending = true;
+    platform::async([weak = std::weak_ptr(cell_)] {
+      if (auto cell = weak.lock()) deliver(*cell);
+    });
+  }
+
+  static void deliver(Cell& cell) {
+    cell.pending = false;
+    std::erase_if(cell.observers, [](const auto& observer) { return observer.expired(); });
+    // By copy: an observer may add or remove others.
+    for (const auto& weak : std::vector(cell.observers))
+      if (auto observer = weak.lock()) (*observer)(cell.value, cell.animation);
+  }
+
+  std::shared_ptr<Cell> cell_;
+};

@@ -1,0 +1,222 @@
+// Administrator rights by sudo: PAM checks the password, the askpass program
+// asks for it.
+
+#include "platform/admin_script.h"
+
+#include <dirent.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <QProcess>
+#include <QString>
+#include <condition_variable>
+#include <fstream>
+#include <map>
+#include <mutex>
+#include <set>
+#include <sstream>
+#include <string_view>
+
+#include "platform/bundle.h"
+#include "platform/linux/file_root_linux.h"
+
+namespace platform {
+namespace {
+
+// The fixed pieces of the only script form that this system needs.
+constexpr std::string_view kBeforePath =
+    R"(do shell script "/bin/sh " & quoted form of POSIX path of ")";
+constexpr std::string_view kBeforePrompt = R"(" with administrator privileges with prompt ")";
+constexpr std::string_view kEnd = R"(")";
+
+constexpr int kSyntaxError = -2741;
+// What sudo says when the askpass program gave no password.
+constexpr std::string_view kNoPassword = "no password was provided";
+
+struct ShellScript {
+  std::string path;
+  std::string prompt;
+};
+
+std::optional<ShellScript> parse(std::string_view source) {
+  if (!source.starts_with(kBeforePath)) return std::nullopt;
+  source.remove_prefix(kBeforePath.size());
+  const auto middle = source.find(kBeforePrompt);
+  if (middle == std::string_view::npos) return std::nullopt;
+  const std::string_view path = source.substr(0, middle);
+  source.remove_prefix(middle + kBeforePrompt.size());
+  if (!source.ends_with(kEnd)) return std::nullopt;
+  source.remove_suffix(kEnd.size());
+  if (path.find('"') != std::string_view::npos || source.find('"') != std::string_view::npos)
+    return std::nullopt;
+  return ShellScript{std::string(path), std::string(source)};
+}
+
+/// The one execution at a time, and how to end it from another thread.
+class Execution {
+ public:
+  static Execution& instance() {
+    static Execution execution;
+    return execution;
+  }
+
+  void begin() {
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [this] { return !isBusy_; });
+    isBusy_ = true;
+    isInterrupted_ = false;
+  }
+
+  void end() {
+    const std::lock_guard lock(mutex_);
+    isBusy_ = false;
+    changed_.notify_all();
+  }
+
+  /// False if the child must not be started any more.
+  bool mayStart() {
+    const std::lock_guard lock(mutex_);
+    return !isInterrupted_;
+  }
+
+  void started(pid_t child) {
+    const std::lock_guard lock(mutex_);
+    child_ = child;
+    if (isInterrupted_) endProcesses();
+  }
+
+  void finished() {
+    const std::lock_guard lock(mutex_);
+    child_ = 0;
+  }
+
+  void interrupt() {
+    std::unique_lock lock(mutex_);
+    isInterrupted_ = true;
+    endProcesses();
+    changed_.wait(lock, [this] { return !isBusy_; });
+  }
+
+ private:
+  /// SIGTERM for the child and all below it, as far as this user may: sudo itself
+  /// belongs to root, its askpass program to the user.
+  void endProcesses() const {
+    if (child_ <= 0) return;
+    std::multimap<pid_t, pid_t> childrenOf;
+    const std::unique_ptr<DIR, int (*)(DIR*)> processes(::opendir("/proc"), ::closedir);
+    while (const dirent* entry = processes ? ::readdir(processes.get()) : nullptr) {
+      std::ifstream stat(std::string("/proc/") + entry->d_name + "/stat");
+      std::string line;
+      if (!std::getline(stat, line)) continue;
+      // "PID (NAME) STATE PARENT …": the name may hold anything.
+      std::istringstream rest(line.substr(line.rfind(')') + 1));
+      char state = 0;
+      pid_t parent = 0;
+      if (rest >> state >> parent) childrenOf.emplace(parent, std::atoi(entry->d_name));
+    }
+    std::set<pid_t> toEnd = {child_};
+    for (auto next = toEnd.begin(); next != toEnd.end(); ++next) {
+      const auto [first, last] = childrenOf.equal_range(*next);
+      for (auto child = first; child != last; ++child) toEnd.insert(child->second);
+    }
+    for (const pid_t process : toEnd) ::kill(process, SIGTERM);
+  }
+
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  bool isBusy_ = false;
+  bool isInterrupted_ = false;
+  pid_t child_ = 0;
+};
+
+struct Outcome {
+  int status = 0;
+  std::string standardError;
+};
+
+/// Runs a program to its end; its standard input is empty.
+Outcome run(const QString& program, const QStringList& arguments,
+            const QProcessEnvironment& environment) {
+  Execution& execution = Execution::instance();
+  if (!execution.mayStart()) return {kAdminScriptCancelled, ""};
+  QProcess process;
+  process.setProcessEnvironment(environment);
+  process.setStandardInputFile(QProcess::nullDevice());
+  process.setStandardOutputFile(QProcess::nullDevice());
+  process.start(program, arguments);
+  if (!process.waitForStarted(-1))
+    return {127, (program + ": " + process.errorString()).toStdString()};
+  execution.started(static_cast<pid_t>(process.processId()));
+  process.waitForFinished(-1);
+  execution.finished();
+  const bool isCrashed = process.exitStatus() == QProcess::CrashExit;
+  return {isCrashed ? 128 + process.exitCode() : process.exitCode(),
+          process.readAllStandardError().trimmed().toStdString()};
+}
+
+QString askpassProgram() {
+  const QString own = qEnvironmentVariable("SUDO_ASKPASS");
+  if (!own.isEmpty()) return own;
+  return QString::fromStdString((bundleLocation() / "Contents/Helpers/askpass").string());
+}
+
+AdminScriptError cancelled() {
+  return {kAdminScriptCancelled, "User canceled."};
+}
+
+std::optional<AdminScriptError> result(const Outcome& outcome) {
+  if (outcome.status == 0) return std::nullopt;
+  return AdminScriptError{outcome.status, outcome.standardError};
+}
+
+/// The askpass program's exit status alone decides; the script runs as this user.
+std::optional<AdminScriptError> runBelow(const std::filesystem::path& root,
+                                         const ShellScript& script) {
+  auto environment = QProcessEnvironment::systemEnvironment();
+  const Outcome asked = run(askpassProgram(), {QString::fromStdString(script.prompt)}, environment);
+  if (asked.status != 0) return cancelled();
+  environment.insert("INSTALL_ROOT", QString::fromStdString(root.string()));
+  return result(run("/bin/sh", {QString::fromStdString(script.path)}, environment));
+}
+
+std::optional<AdminScriptError> runWithSudo(const ShellScript& script) {
+  auto environment = QProcessEnvironment::systemEnvironment();
+  environment.insert("SUDO_ASKPASS", askpassProgram());
+  environment.insert("LC_ALL", "C.UTF-8");  // its messages are read below
+  // In a prompt of sudo a percent sign introduces an escape.
+  const QString prompt = QString::fromStdString(script.prompt).replace('%', "%%");
+  const Outcome outcome =
+      run("sudo", {"-A", "-k", "-p", prompt, "--", "/bin/sh", QString::fromStdString(script.path)},
+          environment);
+  const std::string_view message = outcome.standardError;
+  if (outcome.status != 0 && message.starts_with("sudo: ") &&
+      message.find(kNoPassword) != std::string_view::npos &&
+      message.find("incorrect password") == std::string_view::npos)
+    return cancelled();
+  return result(outcome);
+}
+
+}  // namespace
+
+std::optional<AdminScriptError> executeAdminScript(const std::string& source) {
+  const auto script = parse(source);
+  if (!script) return AdminScriptError{kSyntaxError, "syntax error in script: " + source};
+
+  Execution::instance().begin();
+  std::optional<AdminScriptError> error;
+  if (const auto root = linux_::fileRoot())
+    error = runBelow(*root, *script);
+  else if (::geteuid() == 0)
+    error = result(run("/bin/sh", {QString::fromStdString(script->path)},
+                       QProcessEnvironment::systemEnvironment()));
+  else
+    error = runWithSudo(*script);
+  Execution::instance().end();
+  return error;
+}
+
+void interruptAdminScript() {
+  Execution::instance().interrupt();
+}
+
+}  // namespace platform

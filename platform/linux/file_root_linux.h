@@ -1,0 +1,29 @@
+// The root below which a program of the workbench keeps everything.
+
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/file_root.h"
+
+namespace platform::linux_ {
+
+/// Makes the product's absolute paths and the user's stores lie below this
+/// absolute folder. Before other threads run and before any service is used.
+void setFileRoot(const std::filesystem::path& folder);
+
+/// The folder given to setFileRoot(); absent if there was none. Any thread.
+std::optional<std::filesystem::path> fileRoot();
+
+/// The options that start a child on the same root: "--root" and the folder, or
+/// none. Any thread.
+std::vector<std::string> rootArguments();
+
+/// The folder of this user's stores (preferences, input sources, registered
+/// applications); it need not exist yet. Any thread.
+std::filesystem::path userStore();
+
+}  // namespace platform::linux_

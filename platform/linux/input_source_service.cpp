@@ -1,0 +1,337 @@
+#include "platform/linux/input_source_service.h"
+
+#include <QFileSystemWatcher>
+#include <algorithm>
+#include <cstdlib>
+#include <functional>
+#include <set>
+#include <utility>
+
+#include "platform/bundle.h"
+#include "platform/linux/detached_process.h"
+#include "platform/linux/file_root_linux.h"
+#include "platform/linux/property_list_file.h"
+
+namespace platform::linux_ {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct State {
+  /// Bundles, as paths within the folder of input methods.
+  std::set<std::string> registered;
+  /// Bundle identifiers.
+  std::set<std::string> allowed;
+  std::set<std::string> asked;
+  /// Source identifiers, without the built-in layout.
+  std::set<std::string> enabled;
+  std::string current = kBuiltInLayoutId;
+
+  bool operator==(const State&) const = default;
+};
+
+fs::path stateFile() {
+  return userStore() / "InputSources.plist";
+}
+fs::path inputMethodsFolder() {
+  return onDisk("/Library/Input Methods");
+}
+
+State stateFrom(const PropertyListDictionary& stored) {
+  const auto setIn = [&](const char* key) {
+    const auto texts = textsIn(stored, key);
+    return std::set<std::string>(texts.begin(), texts.end());
+  };
+  return {setIn("registered"), setIn("allowed"), setIn("asked"), setIn("enabled"),
+          textIn(stored, "current").value_or(kBuiltInLayoutId)};
+}
+
+void store(const State& state, PropertyListDictionary& stored) {
+  const auto array = [](const std::set<std::string>& texts) {
+    return PropertyListArray(texts.begin(), texts.end());
+  };
+  stored["registered"] = array(state.registered);
+  stored["allowed"] = array(state.allowed);
+  stored["asked"] = array(state.asked);
+  stored["enabled"] = array(state.enabled);
+  stored["current"] = state.current;
+}
+
+State readState() {
+  return stateFrom(readPropertyListDictionary(stateFile()).value_or(PropertyListDictionary()));
+}
+
+/// Makes one change with no other process in between; answers its status.
+Status changeState(const std::function<Status(State&)>& change) {
+  Status status = kNoError;
+  const bool written = editPropertyListFile(stateFile(), [&](PropertyListDictionary& stored) {
+    const State before = stateFrom(stored);
+    State after = before;
+    status = change(after);
+    if (after != before) store(after, stored);
+  });
+  return written ? status : kInputOutputError;
+}
+
+/// The sources that an information dictionary declares: the base source first.
+std::vector<InputSourceInfo> declaredSources(const PropertyListDictionary& info) {
+  const auto bundleId = textIn(info, "CFBundleIdentifier");
+  if (!bundleId) return {};
+  InputSourceInfo base;
+  base.id = *bundleId;
+  base.bundleId = *bundleId;
+  base.name = textIn(info, "CFBundleDisplayName")
+                  .value_or(textIn(info, "CFBundleName").value_or(*bundleId));
+
+  std::vector<InputSourceInfo> sources{base};
+  const auto dictionaryIn = [](const PropertyListDictionary& outer, const char* key) {
+    const auto* value = valueIn(outer, key);
+    return value ? value->as<PropertyListDictionary>() : nullptr;
+  };
+  const auto* component = dictionaryIn(info, "ComponentInputModeDict");
+  const auto* modes = component ? dictionaryIn(*component, "tsInputModeListKey") : nullptr;
+  for (const auto& [modeId, value] : modes ? *modes : PropertyListDictionary()) {
+    const auto* declared = value.as<PropertyListDictionary>();
+    if (!declared) continue;
+    InputSourceInfo mode = base;
+    mode.id = textIn(*declared, "TISInputSourceID").value_or(modeId);
+    mode.modeId = modeId;
+    mode.name = base.name + " – " + modeId.substr(modeId.rfind('.') + 1);
+    mode.isSelectCapable = true;
+    sources.push_back(std::move(mode));
+  }
+  // With modes, it is they that the user types with.
+  sources.front().isSelectCapable = sources.size() == 1;
+  return sources;
+}
+
+std::vector<InputSourceInfo> sourcesOf(const State& state) {
+  InputSourceInfo layout;
+  layout.id = kBuiltInLayoutId;
+  layout.bundleId = "com.apple.keyboardlayout.all";
+  layout.name = "ABC";
+  layout.isSelectCapable = layout.isEnabled = layout.isAllowed = true;
+
+  std::vector<InputSourceInfo> sources{layout};
+  for (const auto& bundle : state.registered) {
+    const auto info =
+        readPropertyListDictionary(inputMethodsFolder() / bundle / "Contents" / "Info.plist");
+    for (auto& source : info ? declaredSources(*info) : std::vector<InputSourceInfo>()) {
+      source.isEnabled = state.enabled.contains(source.id);
+      source.isAllowed = state.allowed.contains(source.bundleId);
+      source.isAsked = state.asked.contains(source.bundleId);
+      sources.push_back(std::move(source));
+    }
+  }
+  const auto current = std::find_if(sources.begin(), sources.end(), [&](const auto& source) {
+    return source.id == state.current && source.isEnabled;
+  });
+  (current != sources.end() ? *current : sources.front()).isCurrent = true;
+  return sources;
+}
+
+std::optional<InputSourceInfo> find(const std::string& id, const State& state) {
+  for (auto& source : sourcesOf(state)) {
+    if (source.id == id) return std::move(source);
+  }
+  return std::nullopt;
+}
+
+/// The source if it is of a bundle, so that the user's permission is needed.
+std::optional<InputSourceInfo> findInBundle(const std::string& id, const State& state) {
+  return id == kBuiltInLayoutId ? std::nullopt : find(id, state);
+}
+
+void setEnabled(State& state, const std::string& id, bool enabled) {
+  if (enabled) {
+    state.enabled.insert(id);
+  } else {
+    state.enabled.erase(id);
+    if (state.current == id) state.current = kBuiltInLayoutId;
+  }
+}
+
+void setAllEnabled(State& state, const std::string& bundleId, bool enabled) {
+  for (const auto& source : sourcesOf(state)) {
+    if (source.bundleId == bundleId) setEnabled(state, source.id, enabled);
+  }
+}
+
+bool hasInputMethodComponent(const std::string& identifier) {
+  return ("." + identifier + ".").find(".inputmethod.") != std::string::npos;
+}
+
+struct Subscription {
+  WatchedState watched;
+  Block block;
+};
+
+/// Follows the state for all observers of this process; they own it together.
+class StateWatch : public std::enable_shared_from_this<StateWatch> {
+ public:
+  static std::shared_ptr<StateWatch> shared() {
+    static std::weak_ptr<StateWatch> existing;
+    auto watch = existing.lock();
+    if (!watch) {
+      existing = watch = std::make_shared<StateWatch>();
+      // File notifications need the main loop. What changes until it runs shows
+      // against the state remembered here.
+      async([started = existing] {
+        if (const auto self = started.lock()) self->start();
+      });
+    }
+    return watch;
+  }
+
+  std::shared_ptr<Subscription> subscribe(WatchedState watched, Block block) {
+    auto subscription = std::make_shared<Subscription>(Subscription{watched, std::move(block)});
+    subscriptions_.push_back(subscription);
+    return subscription;
+  }
+
+ private:
+  void start() {
+    const fs::path folder = stateFile().parent_path();
+    std::error_code error;
+    fs::create_directories(folder, error);
+    watcher_ = std::make_unique<QFileSystemWatcher>();
+    // The folder, as the file itself gets replaced.
+    watcher_->addPath(QString::fromStdString(folder.string()));
+    QObject::connect(watcher_.get(), &QFileSystemWatcher::directoryChanged, watcher_.get(),
+                     [this] { compare(); });
+    compare();
+  }
+
+  void compare() {
+    const State before = std::exchange(seen_, readState());
+    if (seen_ == before) return;
+    std::erase_if(subscriptions_, [](const auto& subscription) { return subscription.expired(); });
+    for (const auto& subscription : subscriptions_) {
+      const auto alive = subscription.lock();
+      if (alive->watched == WatchedState::enabledSources && seen_.enabled == before.enabled) {
+        continue;
+      }
+      async([subscription] {
+        // Kept while it runs: the block may remove its own observer.
+        if (const auto running = subscription.lock()) running->block();
+      });
+    }
+  }
+
+  State seen_ = readState();
+  std::unique_ptr<QFileSystemWatcher> watcher_;
+  std::vector<std::weak_ptr<Subscription>> subscriptions_;
+};
+
+class StateObserver final : public NotificationObserver {
+ public:
+  StateObserver(WatchedState watched, Block block)
+      : subscription_(watch_->subscribe(watched, std::move(block))) {}
+
+ private:
+  std::shared_ptr<StateWatch> watch_ = StateWatch::shared();
+  std::shared_ptr<Subscription> subscription_;
+};
+
+}  // namespace
+
+std::vector<InputSourceInfo> installedInputSources() {
+  return sourcesOf(readState());
+}
+
+std::optional<InputSourceInfo> findInputSource(const std::string& id) {
+  return find(id, readState());
+}
+
+Status registerInputMethod(const fs::path& bundle) {
+  const auto info = readPropertyListDictionary(bundle / "Contents" / "Info.plist");
+  if (!info) return kFileNotFound;
+  if (!hasInputMethodComponent(textIn(*info, "CFBundleIdentifier").value_or(""))) return kNoError;
+  const fs::path place = (bundle / "")
+                             .lexically_normal()
+                             .parent_path()
+                             .lexically_relative(inputMethodsFolder().lexically_normal());
+  if (place.empty() || place == "." || *place.begin() == "..") return kParameterError;
+  return changeState([&](State& state) {
+    state.registered.insert(place.string());
+    return kNoError;
+  });
+}
+
+Status enableInputSource(const std::string& id) {
+  std::string toAsk;
+  const Status status = changeState([&](State& state) {
+    const auto source = find(id, state);
+    if (!source) return kParameterError;
+    if (source->id == kBuiltInLayoutId) return kNoError;
+    if (!source->isAllowed) {
+      state.asked.insert(toAsk = source->bundleId);
+    } else if (source->modeId) {
+      setEnabled(state, id, true);
+    } else {
+      setAllEnabled(state, source->bundleId, true);
+    }
+    return kNoError;
+  });
+  if (status == kNoError && !toAsk.empty()) startInputSourceAgent({"--consent", toAsk});
+  return status;
+}
+
+Status disableInputSource(const std::string& id) {
+  return changeState([&](State& state) {
+    if (!findInBundle(id, state)) return kParameterError;
+    setEnabled(state, id, false);
+    return kNoError;
+  });
+}
+
+Status selectInputSource(const std::string& id) {
+  return changeState([&](State& state) {
+    const auto source = find(id, state);
+    if (!source || !source->isEnabled || !source->isSelectCapable) return kParameterError;
+    state.current = id;
+    return kNoError;
+  });
+}
+
+Status allowInputMethod(const std::string& id) {
+  return changeState([&](State& state) {
+    const auto source = findInBundle(id, state);
+    if (!source) return kParameterError;
+    state.allowed.insert(source->bundleId);
+    state.asked.erase(source->bundleId);
+    setAllEnabled(state, source->bundleId, true);
+    return kNoError;
+  });
+}
+
+Status denyInputMethod(const std::string& id) {
+  return changeState([&](State& state) {
+    const auto source = findInBundle(id, state);
+    if (!source) return kParameterError;
+    state.allowed.erase(source->bundleId);
+    state.asked.erase(source->bundleId);
+    setAllEnabled(state, source->bundleId, false);
+    return kNoError;
+  });
+}
+
+bool startInputSourceAgent(std::vector<std::string> arguments) {
+  const auto isSet = [](const char* name) {
+    const char* value = std::getenv(name);
+    return value && *value;
+  };
+  const fs::path agent = bundleLocation() / "Contents" / "Helpers" / "input-source-agent";
+  std::error_code error;
+  if (!fs::exists(agent, error) || !(isSet("DISPLAY") || isSet("WAYLAND_DISPLAY"))) return false;
+  const auto root = rootArguments();
+  arguments.insert(arguments.begin(), root.begin(), root.end());
+  return startDetached(agent, arguments);
+}
+
+std::unique_ptr<NotificationObserver> observeInputSources(WatchedState watched, Block block) {
+  return std::make_unique<StateObserver>(watched, std::move(block));
+}
+
+}  // namespace platform::linux_

@@ -1,0 +1,115 @@
+// Start-up, main loop and end of a program on Linux.
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <QCoreApplication>
+#include <QSocketNotifier>
+#include <array>
+#include <csignal>
+#include <filesystem>
+#include <utility>
+
+#include "platform/application.h"
+#include "platform/linux/file_root_linux.h"
+
+namespace platform {
+namespace {
+
+constexpr std::string_view kRootOption = "--root";
+
+std::optional<std::string> useRoot(const std::string& directory) {
+  if (directory.empty()) return "--root needs a folder";
+  std::error_code error;
+  std::filesystem::create_directories(directory, error);
+  const auto root = error ? std::filesystem::path() : std::filesystem::canonical(directory, error);
+  if (!error) std::filesystem::create_directories(root / "tmp", error);
+  if (error) return "--root " + directory + ": " + error.message();
+  linux_::setFileRoot(root);
+  return std::nullopt;
+}
+
+/// Carries a signal out of its handler onto the main queue.
+class TerminationSignals {
+ public:
+  static TerminationSignals& instance() {
+    static TerminationSignals carrier;
+    return carrier;
+  }
+
+  void onSignal(Block block) {
+    block_ = std::move(block);
+    if (pipe_[0] >= 0 || ::pipe2(pipe_.data(), O_CLOEXEC | O_NONBLOCK) != 0) return;
+    // Once the main loop is there to watch it.
+    async([this] {
+      notifier_ = std::make_unique<QSocketNotifier>(pipe_[0], QSocketNotifier::Read);
+      QObject::connect(notifier_.get(), &QSocketNotifier::activated, [this] {
+        char signal = 0;
+        while (::read(pipe_[0], &signal, 1) > 0) async(block_);
+      });
+    });
+    struct sigaction action {};
+    action.sa_handler = [](int signal) {
+      const char byte = static_cast<char>(signal);
+      [[maybe_unused]] const auto written = ::write(instance().pipe_[1], &byte, 1);
+    };
+    action.sa_flags = SA_RESTART;
+    ::sigaction(SIGINT, &action, nullptr);
+    ::sigaction(SIGTERM, &action, nullptr);
+  }
+
+  void stop() { notifier_.reset(); }
+
+ private:
+  std::array<int, 2> pipe_{-1, -1};
+  std::unique_ptr<QSocketNotifier> notifier_;
+  Block block_;
+};
+
+}  // namespace
+
+std::optional<std::string> takePlatformOptions(std::vector<std::string>& arguments) {
+  for (auto argument = arguments.begin(); argument != arguments.end();) {
+    std::string directory;
+    auto end = argument + 1;
+    if (*argument == kRootOption) {
+      if (end != arguments.end()) directory = *end++;
+    } else if (argument->starts_with(std::string(kRootOption) + "=")) {
+      directory = argument->substr(kRootOption.size() + 1);
+    } else {
+      ++argument;
+      continue;
+    }
+    if (auto problem = useRoot(directory)) return problem;
+    argument = arguments.erase(argument, end);
+  }
+  return std::nullopt;
+}
+
+std::string platformOptionsUsage() {
+  return "  --root DIR    keep everything below DIR and run the script as this user\n";
+}
+
+int runMainLoop() {
+  static int argc = 1;
+  static std::array<char, 8> name = {"orvane"};
+  static std::array<char*, 2> argv = {name.data(), nullptr};
+  QCoreApplication application(argc, argv.data());
+  const int status = QCoreApplication::exec();
+  TerminationSignals::instance().stop();
+  return status;
+}
+
+void endMainLoop(int status) {
+  QCoreApplication::exit(status);
+}
+
+void onTerminationRequest(Block block) {
+  TerminationSignals::instance().onSignal(std::move(block));
+}
+
+void terminateApplication() {
+  QCoreApplication::exit(0);
+}
+
+}  // namespace platform

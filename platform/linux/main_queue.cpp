@@ -1,0 +1,117 @@
+#include "platform/main_queue.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <QObject>
+#include <QThreadPool>
+#include <QTimer>
+#include <cmath>
+#include <deque>
+#include <mutex>
+#include <utility>
+
+namespace platform {
+namespace {
+
+/// One block an event, so that input, drawing and timers get their turn between
+/// two blocks however many are waiting.
+class MainQueue : public QObject {
+ public:
+  static MainQueue& instance() {
+    static MainQueue queue;
+    return queue;
+  }
+
+  void push(Block block) {
+    const std::lock_guard lock(mutex_);
+    blocks_.push_back(std::move(block));
+    if (blocks_.size() == 1) QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+  }
+
+ protected:
+  bool event(QEvent* event) override {
+    if (event->type() != QEvent::User) return QObject::event(event);
+    Block block;
+    {
+      const std::lock_guard lock(mutex_);
+      block = std::move(blocks_.front());
+      blocks_.pop_front();
+      if (!blocks_.empty()) QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+    }
+    block();
+    return true;
+  }
+
+ private:
+  std::mutex mutex_;
+  std::deque<Block> blocks_;
+};
+
+// Made on the main thread, before any other thread can ask for it.
+[[maybe_unused]] const MainQueue& mainThreadQueue = MainQueue::instance();
+
+std::chrono::milliseconds atLeast(Seconds delay) {
+  return std::chrono::ceil<std::chrono::milliseconds>(delay);
+}
+
+class QtWorkItem : public WorkItem {
+ public:
+  QtWorkItem(Seconds delay, Block block) : block_(std::move(block)) {
+    timer_.setSingleShot(true);
+    timer_.setTimerType(Qt::PreciseTimer);
+    QObject::connect(&timer_, &QTimer::timeout, [this] {
+      const Block running = std::move(block_);  // outlives this item, which it may destroy
+      running();
+    });
+    timer_.start(atLeast(delay));
+  }
+  void cancel() override { timer_.stop(); }
+
+ private:
+  QTimer timer_;
+  Block block_;
+};
+
+class QtTimer : public Timer {
+ public:
+  QtTimer(Seconds interval, Block block) : block_(std::make_shared<Block>(std::move(block))) {
+    timer_.setTimerType(Qt::PreciseTimer);
+    QObject::connect(&timer_, &QTimer::timeout, [this] {
+      const auto running = block_;  // outlives this timer, which it may destroy
+      (*running)();
+    });
+    timer_.start(atLeast(interval));
+  }
+
+ private:
+  QTimer timer_;
+  std::shared_ptr<Block> block_;
+};
+
+}  // namespace
+
+void async(Block block) {
+  MainQueue::instance().push(std::move(block));
+}
+
+void asyncAfter(Seconds delay, Block block) {
+  QTimer::singleShot(atLeast(delay), Qt::PreciseTimer, &MainQueue::instance(), std::move(block));
+}
+
+std::unique_ptr<WorkItem> scheduleWorkItem(Seconds delay, Block block) {
+  return std::make_unique<QtWorkItem>(delay, std::move(block));
+}
+
+std::unique_ptr<Timer> scheduleTimer(Seconds interval, Block block) {
+  return std::make_unique<QtTimer>(interval, std::move(block));
+}
+
+WallClock::time_point now() {
+  return WallClock::now();
+}
+
+void asyncOnWorker(Block block) {
+  QThreadPool::globalInstance()->start(std::move(block));
+}
+
+}  // namespace platform

@@ -1,0 +1,55 @@
+// The main queue, its delayed blocks and timers, the wall clock, and one
+// background worker.
+
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+
+namespace platform {
+
+using Block = std::function<void()>;
+using Seconds = std::chrono::duration<double>;
+using WallClock = std::chrono::system_clock;
+
+/// Puts `block` at the end of the main queue and returns at once. Callable on
+/// any thread. Blocks run on the main thread, one at a time, in the order of
+/// the calls; input and drawing get their turn between two of them. A block
+/// still queued when the process ends is destroyed unrun.
+void async(Block block);
+
+/// As async(), but not before `delay` has passed. Main thread only.
+void asyncAfter(Seconds delay, Block block);
+
+/// A delayed block that can be taken back. The caller owns it: to destroy it is
+/// to cancel it, also from inside its own block. Main thread only.
+class WorkItem {
+ public:
+  virtual ~WorkItem() = default;
+  /// The block will not run any more; nothing happens if it has run already.
+  virtual void cancel() = 0;
+};
+
+/// Runs `block` once on the main queue, `delay` from now. Never null.
+[[nodiscard]] std::unique_ptr<WorkItem> scheduleWorkItem(Seconds delay, Block block);
+
+/// A repeating timer. The caller owns it: to destroy it is to stop it, also from
+/// inside its own block. Main thread only.
+class Timer {
+ public:
+  virtual ~Timer() = default;
+};
+
+/// Runs `block` on the main thread every `interval`, first one interval from
+/// now. Never null.
+[[nodiscard]] std::unique_ptr<Timer> scheduleTimer(Seconds interval, Block block);
+
+/// The wall clock: it may jump when the user sets it.
+WallClock::time_point now();
+
+/// Runs `block` on a background worker of quality of service userInitiated and
+/// returns at once. The process may end while it runs.
+void asyncOnWorker(Block block);
+
+}  // namespace platform

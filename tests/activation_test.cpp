@@ -1,0 +1,273 @@
+// What follows a successful script, on the virtual clock.
+
+#include <cstdlib>
+
+#include "tests/view_test.h"
+
+namespace {
+
+const std::string kBase = "com.tessal.inputmethod.Orvane";
+const std::string kPinyin = "com.tessal.inputmethod.Orvane.pinyin";
+const std::string kNotified =
+    "收到输入源启用状态更新（kTISNotifyEnabledKeyboardInputSourcesChanged）\n";
+const std::vector<std::string> kRestarts = {"run /usr/bin/killall -9 TextInputMenuAgent",
+                                            "run /usr/bin/killall -9 TextInputSwitcher"};
+const std::string kSettingsApp =
+    "open application Library/Input Methods/Orvane.app/Contents/MacOS/OrvaneSettings.app";
+
+class ActivationTest : public ViewTest {
+ protected:
+  /// The user has allowed the input method.
+  void allow() {
+    platform.setEnabled(kBase, true);
+    platform.setEnabled(kPinyin, true);
+    platform.appliesSelect = true;
+  }
+  std::size_t handledCount() { return calls({"select"}).size(); }
+  void TearDown() override { ::unsetenv("TESSAL_INSTALLER_WRITE_HITOOLBOX_DEFAULTS"); }
+};
+
+TEST_F(ActivationTest, FreshInstallFromScriptToSettings) {
+  platform.addInputMethod();
+  platform.putFile("/unused", "");
+  runScript();
+  platform.putFile("/Library/Input Methods/Orvane.app/Contents/MacOS/OrvaneSettings.app/x", "");
+  platform.takeJournal();
+  platform.advance(0.2499);
+  EXPECT_EQ(status(), InstallationStatus::installing);
+  EXPECT_TRUE(view->isInstalling);
+  platform.advance(0.0002);
+  EXPECT_EQ(status(), InstallationStatus::waitingEnable);
+  EXPECT_FALSE(view->isInstalling);
+  EXPECT_EQ(platform.takeJournal(),
+            (Lines{"activate", "disable " + kPinyin, "disable " + kBase, "enable " + kBase}));
+
+  view->enableWaitingViewDidAppear();
+  EXPECT_TRUE(platform.journal.empty());
+  allow();
+  platform.notifyEnabledSourcesChanged();
+  platform.advance(0.35);
+  EXPECT_EQ(status(), InstallationStatus::success);
+  EXPECT_EQ(platform.journal, (Lines{"deselect " + kPinyin, "select " + kPinyin, "stop observing",
+                                     kRestarts[0], kRestarts[1], kSettingsApp}));
+  EXPECT_EQ(
+      uiLog(),
+      "开始注册并激活输入法...\n启用路径：全新安装（可能弹出“允许启用”提示）\n"
+      "已调用 TISRegisterInputSource\n已调用 LSRegisterURL\n"
+      "已调用 TISDisableInputSource（fresh:disableAll，一次，mode=[0], base=0）\n"
+      "已调用 TISEnableInputSource（fresh:enableBase=0，trigger=enter-waiting）\n" +
+          kNotified +
+          "已调用 TISSelectInputSource（来自通知：kTISNotifyEnabledKeyboardInputSourcesChanged"
+          "，ok=true）\n已拉起设置应用（首装 bootstrap）\n");
+
+  view->finalizeInstallSuccess(true);
+  EXPECT_EQ(calls({"run", "open application"}).size(), 3U);
+}
+
+TEST_F(ActivationTest, OverwriteInstallEndsAtOnceAndSelectsNothing) {
+  platform.addInputMethod();
+  platform.putInstalledBundle();
+  platform.setEnabled(kBase, true);
+  runScript();
+  EXPECT_EQ(status(), InstallationStatus::success);
+  EXPECT_EQ(calls({"observe", "enable", "select", "register", "run", "open application", "set"}),
+            (Lines{"register Library/Input Methods/Orvane.app",
+                   "register with Launch Services Library/Input Methods/Orvane.app (update)",
+                   kRestarts[0], kRestarts[1]}));
+  EXPECT_TRUE(view->logText->ends_with("已处理覆盖安装：跳过切换当前输入法（ok=true）\n"));
+
+  // Registration is once a window; defaults and agents are once a run.
+  for (const char* value : {"true", " 1", "1"}) {
+    platform.takeJournal();
+    ::setenv("TESSAL_INSTALLER_WRITE_HITOOLBOX_DEFAULTS", value, 1);
+    runScript();
+    EXPECT_EQ(calls({"register"}), Lines{});
+    EXPECT_EQ(calls({"set"}).size(), value == std::string("1") ? 3U : 0U) << value;
+    EXPECT_EQ(calls({"run"}), kRestarts);
+  }
+}
+
+TEST_F(ActivationTest, ReinstallOverDisabledCopyIsFreshWithoutSettings) {
+  platform.putInstalledBundle();
+  runFreshInstallUpToWaiting();
+  platform.appliesSelect = true;
+  allow();
+  view->handleEnabledKeyboardInputSourcesChanged("x");
+  EXPECT_EQ(status(), InstallationStatus::success);
+  EXPECT_EQ(calls({"open application"}), Lines{});
+  EXPECT_EQ(view->logText->find("bootstrap"), std::string::npos);
+}
+
+TEST_F(ActivationTest, SettingsAreFoundElsewhereOrSkipped) {
+  view->shouldLaunchSettingsBootstrapOnSuccess = true;
+  view->launchSettingsBootstrapIfNeeded();
+  view->launchSettingsBootstrapIfNeeded();
+  EXPECT_EQ(uiLog(), "首装 bootstrap：未找到设置应用，跳过\n");
+  view->didLaunchSettingsBootstrap = false;
+  platform.applications["com.tessal.inputmethod.Orvane.settings"] = platform.root / "Elsewhere.app";
+  view->launchSettingsBootstrapIfNeeded();
+  EXPECT_TRUE(view->logText->ends_with("已拉起设置应用（首装 bootstrap，fallback）\n"));
+  EXPECT_EQ(calls({"open"}), Lines{"open application Elsewhere.app"});
+}
+
+TEST_F(ActivationTest, EnableRequestsKeepSixSecondsApart) {
+  runFreshInstallUpToWaiting();
+  platform.takeJournal();
+  platform.advance(5.9);
+  view->attemptFreshEnable("user");
+  EXPECT_EQ(platform.takeJournal(), Lines{"activate"});
+  platform.advance(0.1);
+  platform.statuses["enable"] = {-50};
+  view->attemptFreshEnable("user");
+  EXPECT_EQ(platform.takeJournal(), (Lines{"activate", "enable " + kBase}));
+  EXPECT_TRUE(view->logText->ends_with(
+      "已调用 TISEnableInputSource（fresh:enableBase=-50，trigger=user）\n"));
+  view->attemptFreshEnable("user");  // a failing request counts too
+  EXPECT_EQ(platform.takeJournal(), Lines{"activate"});
+
+  platform.setEnabled(kBase, true);
+  platform.advance(10);
+  view->attemptFreshEnable("user");
+  EXPECT_EQ(platform.takeJournal(), Lines{"activate"});
+  view->installationStatus = InstallationStatus::success;
+  view->attemptFreshEnable("user");
+  EXPECT_TRUE(platform.journal.empty());
+}
+
+TEST_F(ActivationTest, AttemptWithoutBaseSourceIsNotThrottled) {
+  view->attemptFreshEnable("auto");
+  view->attemptFreshEnable("user");
+  EXPECT_EQ(uiLog(),
+            "已调用 TISRegisterInputSource\n已调用 LSRegisterURL\n"
+            "已调用 TISDisableInputSource（fresh:disableAll，一次，mode=[], base=nil）\n"
+            "未找到 base 输入源，无法调用 TISEnableInputSource（trigger=auto）\n"
+            "未找到 base 输入源，无法调用 TISEnableInputSource（trigger=user）\n");
+  // Nothing is installed, so Launch Services was not asked.
+  EXPECT_EQ(calls({"register"}), Lines{"register Library/Input Methods/Orvane.app"});
+}
+
+TEST_F(ActivationTest, BurstOfNotificationsIsHandledOnce) {
+  runFreshInstallUpToWaiting();
+  view->registerEnabledInputSourcesChangedNotificationIfNeeded();
+  EXPECT_EQ(calls({"observe"}).size(), 1U);
+  const std::size_t logged = view->logText->size();
+  for (int i = 0; i < 3; ++i) {
+    platform.notifyEnabledSourcesChanged();
+    platform.advance(0.1);
+  }
+  EXPECT_EQ(view->logText->substr(logged), kNotified + kNotified + kNotified);
+  platform.advance(0.2499);
+  EXPECT_EQ(handledCount(), 0U);
+  platform.statuses["select"] = {-1, -1};
+  platform.advance(0.0002);
+  EXPECT_EQ(handledCount(), 2U);
+  EXPECT_EQ(calls({"enable " + kPinyin}).size(), 1U);
+  EXPECT_TRUE(view->logText->ends_with("，ok=false）\n"));
+  EXPECT_EQ(status(), InstallationStatus::waitingEnable);
+
+  platform.notifyEnabledSourcesChanged();
+  platform.drain();
+  view->removeEnabledInputSourcesChangedNotificationIfNeeded();
+  platform.advance(1);
+  EXPECT_EQ(handledCount(), 2U);
+  EXPECT_TRUE(platform.observers.empty());
+}
+
+TEST_F(ActivationTest, PollStandsBackAfterNotificationAndStopsWithTheScreen) {
+  runFreshInstallUpToWaiting();
+  view->enableWaitingViewDidAppear();
+  view->startEnablePolling();
+  EXPECT_EQ(platform.liveTimers(), 1U);
+  platform.advance(1.4);
+  view->handleEnabledKeyboardInputSourcesChanged("x");  // at 1.4 s: ticks at 1.5 and 3.0 wait
+  allow();
+  platform.advance(2.9);
+  EXPECT_EQ(status(), InstallationStatus::waitingEnable);
+  platform.advance(0.3);  // the tick at 4.5 s
+  EXPECT_EQ(status(), InstallationStatus::success);
+  EXPECT_EQ(platform.liveTimers(), 1U);
+  view->enableWaitingViewDidDisappear();
+  EXPECT_EQ(platform.liveTimers(), 0U);
+}
+
+TEST_F(ActivationTest, PollFindsSelectionMadeElsewhereWithoutSelecting) {
+  runFreshInstallUpToWaiting();
+  view->startEnablePolling();
+  platform.advance(1.5);
+  EXPECT_EQ(handledCount(), 0U);  // base not enabled: nothing to select
+  platform.current = platform.sources.back();
+  platform.advance(1.5);
+  EXPECT_EQ(status(), InstallationStatus::success);
+  EXPECT_EQ(handledCount(), 0U);
+}
+
+TEST_F(ActivationTest, EarlyFinalisationIsOvertakenByTheDelayedBlock) {
+  platform.addInputMethod();
+  runScript();
+  platform.current = platform.sources.back();
+  platform.setEnabled(kBase, true);
+  view->handleEnabledKeyboardInputSourcesChanged("x");
+  EXPECT_EQ(status(), InstallationStatus::success);
+  platform.advance(0.25);
+  EXPECT_EQ(status(), InstallationStatus::waitingEnable);
+  view->enableWaitingViewDidAppear();
+  platform.advance(2.7);
+  EXPECT_EQ(status(), InstallationStatus::waitingEnable);
+  platform.advance(1.0);
+  EXPECT_EQ(status(), InstallationStatus::success);
+  EXPECT_EQ(calls({"run"}), kRestarts);
+  EXPECT_EQ(calls({"enable"}), Lines{});
+}
+
+TEST_F(ActivationTest, AutoAttemptIsMadeOnlyIfNoneWas) {
+  platform.addInputMethod();
+  view->installationStatus = InstallationStatus::waitingEnable;
+  view->enableWaitingViewDidAppear();
+  view->enableWaitingViewDidDisappear();
+  platform.advance(7);
+  view->enableWaitingViewDidAppear();
+  EXPECT_EQ(calls({"enable"}).size(), 1U);
+  EXPECT_NE(view->logText->find("trigger=auto"), std::string::npos);
+  EXPECT_EQ(platform.liveTimers(), 1U);
+}
+
+TEST_F(ActivationTest, GoEnableOpensSettingsAfterTheRequest) {
+  const std::string first = "x-apple.systempreferences:com.apple.preference.keyboard?InputSources";
+  const std::string second = "x-apple.systempreferences:com.apple.Keyboard-Settings.extension";
+  const std::string opening =
+      "openKeyboardSettings(): opening System Settings → Keyboard → Input Sources (may show the "
+      "Add Input Source sheet)\n";
+  view->showExitEnableConfirm = true;
+  view->userPressedGoEnable();
+  EXPECT_FALSE(view->showExitEnableConfirm);
+  platform.advance(0.3499);
+  EXPECT_EQ(calls({"open"}), Lines{});
+  platform.advance(0.0002);
+  EXPECT_EQ(calls({"open"}), Lines{"open " + first});
+  EXPECT_TRUE(view->logText->ends_with(opening + "openKeyboardSettings(): try " + first +
+                                       "\nopenKeyboardSettings(): opened " + first + "\n"));
+
+  platform.refusedUrls = {first, second};
+  platform.takeJournal();
+  view->openKeyboardSettings();
+  EXPECT_EQ(platform.journal,
+            (Lines{"open " + first, "open " + second,
+                   "open file:///System/Library/PreferencePanes/Keyboard.prefPane"}));
+  EXPECT_TRUE(view->logText->ends_with(opening + "openKeyboardSettings(): try " + first +
+                                       "\nopenKeyboardSettings(): try " + second +
+                                       "\nopenKeyboardSettings(): fallback Keyboard.prefPane\n"));
+}
+
+TEST_F(ActivationTest, BlocksLeftBehindDoNothingOnceTheViewIsGone) {
+  runFreshInstallUpToWaiting();
+  view->startEnablePolling();
+  platform.notifyEnabledSourcesChanged();
+  view->userPressedGoEnable();
+  platform.takeJournal();
+  view.reset();
+  platform.advance(10);
+  EXPECT_EQ(platform.journal, Lines{"stop observing"});
+  EXPECT_EQ(platform.liveTimers(), 0U);
+}
+
+}  // namespace

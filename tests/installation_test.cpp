@@ -1,0 +1,180 @@
+// The state, the logs, the privileged run and the progress from its log.
+
+#include "installer/admin_script_source.h"
+#include "tests/view_test.h"
+
+namespace {
+
+using InstallationTest = ViewTest;
+constexpr const char* kExecute =
+    "execute do shell script \"/bin/sh \" & quoted form of POSIX path of "
+    "\"/Volumes/Orvane/Orvane Installer.app/Contents/Resources/install.sh\" with administrator "
+    "privileges with prompt \"Orvane Installer 想要进行更改\"";
+
+TEST_F(InstallationTest, EveryWayOfWritingReachesObserversOnceTheOperationIsOver) {
+  std::vector<std::string> seen;
+  const auto log =
+      view->logText.observe([&](const std::string& text, auto) { seen.push_back("log " + text); });
+  const auto progress = view->installProgress.observe([&](double value, auto animation) {
+    seen.push_back(std::to_string(value) +
+                   (animation ? " over " + std::to_string(animation->duration.count()) : ""));
+  });
+  auto status = view->installationStatus.observe(
+      [&](const auto& value, auto) { seen.push_back("status " + value.message()); });
+
+  view->handleInstallLogChunk("unzip package\n");
+  view->installationStatus = InstallationStatus::failure("安装失败");
+  EXPECT_TRUE(seen.empty());
+  platform.drain();
+  EXPECT_EQ(seen, (Lines{"0.150000 over 0.250000", "log unzip package\n", "status 安装失败"}));
+
+  seen.clear();
+  status.reset();
+  view->installationStatus = InstallationStatus::success;
+  view->installProgress = 0.5;
+  view->installProgress.set(1.0, LinearAnimation{platform::Seconds(0.3)});
+  platform.drain();
+  EXPECT_EQ(seen, (Lines{"1.000000 over 0.300000"}));
+}
+
+TEST_F(InstallationTest, UILogKeepsTextUnchangedAndMemoryKeepsEverything) {
+  platform.putFile("/tmp/tessal_installer_ui.log", "earlier ");
+  view->appendUILog("一\r\n");
+  view->appendUILog("\xff broken");
+  view->appendUILog("");
+  EXPECT_EQ(uiLog(), "earlier 一\r\n");
+  EXPECT_EQ(view->logText.get(), "一\r\n\xff broken");
+
+  std::filesystem::remove(platform.root / "tmp/tessal_installer_ui.log");
+  view->appendUILog("");
+  EXPECT_TRUE(std::filesystem::exists(platform.root / "tmp/tessal_installer_ui.log"));
+  std::filesystem::remove_all(platform.root / "tmp");
+  view->appendUILog("kept");
+  EXPECT_TRUE(view->logText->ends_with("kept"));
+}
+
+TEST_F(InstallationTest, FirstMarkerInTableOrderDecides) {
+  const std::vector<std::pair<std::string, double>> pieces = {
+      {"unzip package\n", 0.15},
+      {"kill Orvane\n", 0.25},
+      {"move app bundle to destination directory\n", 0.4},
+      {"permission change successful\n", 0.5},
+      {"install Sondrel\n", 0.6},
+      {"move Sondrel to Applications\n", 0.7},
+      {"Sondrel installed successfully\n", 0.8},
+      {"install Cogwen\n", 0.84},
+      {"move Cogwen to Applications\n", 0.88},
+      {"Unzip package\n", 0.88},
+      {"move package to install path\n", 0.4},
+      {"permission change successful\nunzip package\n", 0.15},
+      {"Cogwen installed successfully\nfinish\n", 0.92},
+  };
+  std::string all;
+  for (const auto& [piece, progress] : pieces) {
+    view->handleInstallLogChunk(piece);
+    EXPECT_EQ(view->installProgress.get(), progress) << piece;
+    all += piece;
+  }
+  EXPECT_EQ(uiLog(), all);
+  EXPECT_FALSE(view->didTriggerActivation);
+}
+
+TEST_F(InstallationTest, FinishStartsActivationOnceAndIsLoggedAfterIt) {
+  platform.putInstalledBundle();
+  view->installProgress = 0.97;
+  view->handleInstallLogChunk("finished\n");
+  EXPECT_EQ(view->installProgress.get(), 1.0);  // sent there by the fresh path
+  EXPECT_TRUE(view->logText->starts_with("开始注册并激活输入法...\n启用路径："));
+  EXPECT_TRUE(view->logText->ends_with("已调用 LSRegisterURL\nfinished\n"));
+  view->handleInstallLogChunk("finish");
+  EXPECT_TRUE(view->logText->ends_with("finished\nfinish"));
+}
+
+TEST_F(InstallationTest, RunEmptiesLogsFollowsTheInstallLogAndRunsTheScript) {
+  platform.putFile("/tmp/tessal_installer_ui.log", "old");
+  platform.putFile("/tmp/tessal_installer.log", "finish");
+  view->logText = "kept ";
+  view->userPressedInstall();
+  EXPECT_TRUE(view->isInstalling);
+  EXPECT_EQ(status(), InstallationStatus::installing);
+  EXPECT_EQ(platform.readFile("/tmp/tessal_installer.log"), "");
+
+  // Pieces come off the main thread and are handled on it, in order.
+  platform.outputHandler("kill Orvane\n");
+  platform.outputHandler("split \xe5\xae");
+  platform.outputHandler("more\n");
+  EXPECT_EQ(view->installProgress.get(), 0.0);
+  platform.drain();
+  EXPECT_EQ(uiLog(), "kill Orvane\nmore\n");
+  EXPECT_EQ(view->logText.get(), "kept kill Orvane\nmore\n");
+
+  platform.runWorker();
+  platform.drain();
+  EXPECT_EQ(platform.journal, (Lines{"launch /usr/bin/tail -n +1 -F " +
+                                         (platform.root / "tmp/tessal_installer.log").string(),
+                                     kExecute, "terminate"}));
+  EXPECT_EQ(status(), InstallationStatus::failed);
+  EXPECT_EQ(view->installationStatus->message(), "未检测到已安装的输入法");
+  EXPECT_FALSE(view->isInstalling);
+}
+
+TEST_F(InstallationTest, MissingScriptAndMissingFollower) {
+  platform.hasInstallScript = false;
+  view->userPressedInstall();
+  EXPECT_EQ(view->installationStatus->message(), "找不到安装脚本 install.sh");
+  EXPECT_FALSE(view->isInstalling);
+  EXPECT_EQ(uiLog(), "未找到 install.sh，请将其加入 Copy Bundle Resources\n");
+  EXPECT_TRUE(platform.journal.empty());
+  EXPECT_TRUE(platform.workerBlocks.empty());
+
+  platform.hasInstallScript = true;
+  platform.launchProblem = "no such tool";
+  view->userPressedInstall();
+  EXPECT_EQ(uiLog(), "无法启动日志跟踪: no such tool\n");
+  platform.runWorker();
+  platform.drain();
+  EXPECT_EQ(calls({"terminate"}), Lines{});
+  EXPECT_EQ(calls({"execute"}), Lines{kExecute});
+}
+
+TEST_F(InstallationTest, RefusalAndFailureKeepTheRunOnScreen) {
+  const auto endWith = [this](std::optional<int> number, std::optional<std::string> message) {
+    platform.adminScriptError = platform::AdminScriptError{number, std::move(message)};
+    view->userPressedInstall();
+    platform.outputHandler("unzip package\n");
+    platform.runWorker();
+    platform.drain();
+    EXPECT_TRUE(view->isInstalling);
+    EXPECT_EQ(view->installProgress.get(), 0.15);
+    return status();
+  };
+  for (const char* message : {"x USER Canceled.", "操作被用户取消了", "Not Authorized to do this"})
+    EXPECT_EQ(endWith(1, message), InstallationStatus::needAdmin) << message;
+  EXPECT_EQ(endWith(-128, std::nullopt), InstallationStatus::needAdmin);
+  EXPECT_EQ(uiLog(), "unzip package\n");
+
+  EXPECT_EQ(endWith(3, "disk full"), InstallationStatus::failed);
+  EXPECT_EQ(view->installationStatus->message(), "安装失败");
+  EXPECT_EQ(uiLog(), "unzip package\n管理员授权失败: disk full\n");
+  EXPECT_EQ(endWith(std::nullopt, std::nullopt), InstallationStatus::failed);
+}
+
+TEST_F(InstallationTest, NewRunResetsItsOwnFieldsOnly) {
+  runFreshInstallUpToWaiting();
+  view->startEnablePolling();
+  view->showExitEnableConfirm = true;
+  const std::string log = view->logText.get();
+  view->userPressedRetryAuthorisation();
+  EXPECT_EQ(view->installProgress.get(), 0.0);
+  EXPECT_FALSE(view->didAttemptFreshEnableOnce || view->showExitEnableConfirm ||
+               view->didDisableAllForFreshEnable || view->shouldLaunchSettingsBootstrapOnSuccess);
+  EXPECT_FALSE(view->lastEnableBaseRequestAt->has_value());
+  EXPECT_EQ(platform.liveTimers(), 0U);
+  EXPECT_TRUE(view->installPathExistedBeforeStart);
+  EXPECT_TRUE(view->didRegisterForActivation && view->didRegisterLaunchServicesForActivation);
+  EXPECT_TRUE(view->didTriggerActivation);  // this button leaves it
+  EXPECT_NE(view->enableNotificationObserver.get(), nullptr);
+  EXPECT_EQ(view->logText.get(), log);
+}
+
+}  // namespace

@@ -1,0 +1,207 @@
+// What every platform must do, run against the one that is linked. It needs no
+// window, changes nothing of the user's, and keeps its files in a folder of its
+// own.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+#include "platform/admin_script.h"
+#include "platform/application.h"
+#include "platform/bundle.h"
+#include "platform/child_process.h"
+#include "platform/main_queue.h"
+#include "platform/preferences.h"
+#include "platform/workspace.h"
+
+namespace {
+
+using namespace platform;
+using namespace std::chrono_literals;
+
+/// Runs `block` on the main queue and the main loop until endMainLoop().
+int runOnMainLoop(Block block) {
+  async(std::move(block));
+  return runMainLoop();
+}
+
+TEST(Contract, MainQueueKeepsOrderAcrossThreads) {
+  std::vector<int> order;
+  const auto mainThread = std::this_thread::get_id();
+  const int status = runOnMainLoop([&] {
+    asyncOnWorker([&] {
+      EXPECT_NE(std::this_thread::get_id(), mainThread);
+      for (int i = 0; i < 1000; ++i)
+        async([&order, i, mainThread] {
+          EXPECT_EQ(std::this_thread::get_id(), mainThread);
+          order.push_back(i);
+        });
+      async([] { endMainLoop(7); });
+    });
+  });
+  EXPECT_EQ(status, 7);
+  ASSERT_EQ(order.size(), 1000U);
+  EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
+}
+
+TEST(Contract, DelayedBlocksGetTheirTurnInLongQueues) {
+  // Blocks that keep coming must not hold back what is due.
+  int turns = 0;
+  bool isDue = false;
+  Block again = [&] {
+    ++turns;
+    isDue ? endMainLoop(0) : async(again);
+  };
+  runOnMainLoop([&] {
+    asyncAfter(20ms, [&] { isDue = true; });
+    again();
+  });
+  EXPECT_TRUE(isDue);
+  EXPECT_GT(turns, 1);
+}
+
+TEST(Contract, WorkItemsAndTimersEndWithTheirHandles) {
+  std::vector<std::string> ran;
+  std::unique_ptr<WorkItem> cancelled, dropped, own;
+  std::unique_ptr<Timer> timer;
+  const auto start = now();
+  runOnMainLoop([&] {
+    cancelled = scheduleWorkItem(5ms, [&] { ran.emplace_back("cancelled"); });
+    dropped = scheduleWorkItem(5ms, [&] { ran.emplace_back("dropped"); });
+    own = scheduleWorkItem(10ms, [&] {
+      ran.emplace_back("own");
+      own.reset();
+    });
+    timer = scheduleTimer(15ms, [&] {
+      ran.emplace_back("tick");
+      if (ran.size() == 3) {
+        timer.reset();
+        asyncAfter(40ms, [] { endMainLoop(0); });
+      }
+    });
+    cancelled->cancel();
+    dropped.reset();
+  });
+  EXPECT_EQ(ran, (std::vector<std::string>{"own", "tick", "tick"}));
+  EXPECT_GE(now() - start, 70ms);
+}
+
+TEST(Contract, ChildOutputArrivesWholeAndInOrder) {
+  std::string output;
+  {
+    ChildProcess child("/bin/sh",
+                       {"-c",
+                        "i=0; while [ $i -lt 20000 ]; do echo line $i; i=$((i+1)); done; "
+                        "echo \"$1\" >&2",
+                        "-", "an argument with blanks"},
+                       [&](std::string_view piece) {
+                         EXPECT_FALSE(piece.empty());
+                         output += piece;
+                       });
+    ASSERT_EQ(child.launch(), std::nullopt);
+    while (child.isRunning()) std::this_thread::sleep_for(1ms);
+  }
+  std::string expected;
+  for (int i = 0; i < 20000; ++i) expected += "line " + std::to_string(i) + "\n";
+  EXPECT_EQ(output, expected + "an argument with blanks\n");
+}
+
+TEST(Contract, ChildEndsWhenToldAndWithItsHandle) {
+  ChildProcess told("/bin/sleep", {"100"}, [](std::string_view) {});
+  EXPECT_FALSE(told.isRunning());
+  ASSERT_EQ(told.launch(), std::nullopt);
+  EXPECT_TRUE(told.isRunning());
+  told.terminate();
+  while (told.isRunning()) std::this_thread::sleep_for(1ms);
+
+  std::string output;
+  {
+    // A grandchild keeps the pipe open; the handle must not wait for it.
+    ChildProcess stubborn("/bin/sh", {"-c", "trap '' TERM; sleep 5 & echo ready; wait"},
+                          [&](std::string_view piece) { output += piece; });
+    ASSERT_EQ(stubborn.launch(), std::nullopt);
+    std::this_thread::sleep_for(100ms);
+  }
+  EXPECT_EQ(output, "ready\n");
+
+  ChildProcess missing("/no/such/tool", {}, [](std::string_view) {});
+  EXPECT_NE(missing.launch().value_or(""), "");
+  EXPECT_FALSE(missing.isRunning());
+  missing.terminate();
+  runAndWait("/no/such/tool", {});
+}
+
+TEST(Contract, AdminScriptOfAnotherFormIsAnError) {
+  for (const char* source :
+       {"", "do shell script \"id\"",
+        "do shell script \"/bin/sh \" & quoted form of POSIX path of \"/a\"b\" "
+        "with administrator privileges with prompt \"p\""}) {
+    const auto error = executeAdminScript(source);
+    ASSERT_TRUE(error.has_value()) << source;
+    EXPECT_NE(error->number, kAdminScriptCancelled);
+    EXPECT_NE(error->message.value_or(""), "");
+  }
+}
+
+TEST(Contract, PropertyListsAreReadWithTheirTypes) {
+  const auto file = std::filesystem::temp_directory_path() / "orvane-contract.plist";
+  std::ofstream(file) << R"(<?xml version="1.0" encoding="UTF-8"?><plist version="1.0"><dict>
+    <key>yes</key><true/><key>one</key><integer>1</integer><key>minus</key><integer>-5</integer>
+    <key>half</key><real>0.5</real><key>name</key><string>澄枫</string>
+    <key>list</key><array><string>a</string><dict/></array></dict></plist>)";
+  const auto read = readPropertyListDictionary(file);
+  ASSERT_TRUE(read.has_value());
+  EXPECT_EQ(*read,
+            (PropertyListDictionary{{"yes", true},
+                                    {"one", std::int64_t{1}},
+                                    {"minus", std::int64_t{-5}},
+                                    {"half", 0.5},
+                                    {"name", "澄枫"},
+                                    {"list", PropertyListArray{"a", PropertyListDictionary{}}}}));
+  for (const char* content : {"", "no property list", "<plist><array/></plist>"}) {
+    std::ofstream(file) << content;
+    EXPECT_EQ(readPropertyListDictionary(file), std::nullopt) << content;
+  }
+  std::filesystem::remove(file);
+  EXPECT_EQ(readPropertyListDictionary(file), std::nullopt);
+}
+
+TEST(Contract, PreferencesGiveBackWhatWasSet) {
+  const std::string domain = "com.tessal.installer.contract-test";
+  const PropertyListValue value = PropertyListArray{
+      PropertyListDictionary{{"flag", true}, {"number", std::int64_t{-3}}, {"text", "好"}}, 1.5};
+  setPreferencesValue("key", value, domain, PreferencesUser::current, PreferencesHost::current);
+  EXPECT_TRUE(synchronizePreferences(domain, PreferencesUser::current, PreferencesHost::current));
+  EXPECT_EQ(copyPreferencesValue("key", domain, PreferencesUser::current, PreferencesHost::current),
+            value);
+  EXPECT_EQ(copyPreferencesValue("key", domain, PreferencesUser::current, PreferencesHost::any),
+            std::nullopt);
+  EXPECT_EQ(
+      copyPreferencesValue("other", domain, PreferencesUser::current, PreferencesHost::current),
+      std::nullopt);
+}
+
+TEST(Contract, UrlsAreParsedAndPathsEscaped) {
+  EXPECT_TRUE(parseUrl("x-apple.systempreferences:com.apple.preference.keyboard?InputSources"));
+  EXPECT_FALSE(parseUrl("http://[bad"));
+  EXPECT_EQ(fileUrl("/Library/Input Methods/澄.app").text,
+            "file:///Library/Input%20Methods/%E6%BE%84.app");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  testing::InitGoogleTest(&argc, argv);
+  // Where the platform knows no other root, the user's own stores are used, under
+  // a domain of the test's.
+  std::string root = std::filesystem::temp_directory_path() / "orvane-contract-XXXXXX";
+  std::vector<std::string> arguments = {"--root", ::mkdtemp(root.data())};
+  takePlatformOptions(arguments);
+  const int status = RUN_ALL_TESTS();
+  std::filesystem::remove_all(root);
+  return status;
+}

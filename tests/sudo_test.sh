@@ -1,0 +1,61 @@
+#!/bin/sh
+# Installs without --root, for a user with a password, through the real sudo, in
+# a copy-on-write view of this machine that leaves nothing behind.
+# usage: sudo_test.sh APP_BUNDLE   Exit status 77: it cannot run here.
+set -u
+
+if [ "${1:-}" != --inside ]; then
+  [ "$(id -u)" -eq 0 ] || { echo "skipped: only root can set the test machine up"; exit 77; }
+  unshare --mount true 2>/dev/null || { echo "skipped: no mount namespaces here"; exit 77; }
+  exec unshare --mount sh "$0" --inside "$1"
+fi
+
+app=$2
+machine=$(mktemp -d) || exit 1
+trap 'umount -R -l "$machine" 2>/dev/null; rmdir "$machine"' EXIT
+mount -t tmpfs tmpfs "$machine" && mkdir "$machine/changes" "$machine/work" "$machine/root" &&
+  mount -t overlay overlay \
+    -o "lowerdir=/,upperdir=$machine/changes,workdir=$machine/work" "$machine/root" 2>/dev/null ||
+  { echo "skipped: no overlay file system here"; exit 77; }
+cp -R "$app" "$machine/root/opt/" || exit 1
+app=/opt/$(basename "$app")
+mount --rbind /proc "$machine/root/proc" && mount --rbind /dev "$machine/root/dev" &&
+  mount -t tmpfs -o mode=1777 tmpfs "$machine/root/tmp" || exit 1
+
+inside() { chroot "$machine/root" "$@"; }
+failures=0
+fail() { echo "  FAILED: $*"; failures=$((failures + 1)); }
+
+inside useradd --create-home installer-tester || exit 1
+echo 'installer-tester:das richtige' | inside chpasswd || exit 1
+echo 'installer-tester ALL=(ALL:ALL) ALL' >"$machine/root/etc/sudoers.d/installer-tester"
+chmod 440 "$machine/root/etc/sudoers.d/installer-tester"
+askpass() { # askpass NAME COMMAND
+  printf '#!/bin/sh\necho "$1" >>/tmp/prompts\n%s\n' "$2" >"$machine/root/opt/askpass-$1"
+  chmod 755 "$machine/root/opt/askpass-$1"
+}
+askpass right "echo 'das richtige'"
+askpass wrong "echo falsch"
+askpass closed "exit 1"
+install() { # install ASKPASS EXPECTED_STATUS
+  echo "$1"
+  inside su installer-tester -c "SUDO_ASKPASS=/opt/askpass-$1 timeout 100 \
+    '$app/Contents/MacOS/orvane-install' --no-wait" >/dev/null 2>&1
+  status=$?
+  [ $status -eq "$2" ] || fail "exit status $status instead of $2"
+}
+ui_log=$machine/root/tmp/tessal_installer_ui.log
+
+install closed 2
+[ ! -s "$ui_log" ] || fail "the UI log says something about a refusal"
+install wrong 1
+grep -q '管理员授权失败: .*' "$ui_log" && grep -q 'incorrect password' "$ui_log" ||
+  fail "the UI log does not say why"
+[ ! -e "$machine/root/Library" ] || fail "something was installed"
+install right 3
+[ "$(stat -c %U:%G "$machine/root/Library/Input Methods/Orvane.app")" = root:root ] ||
+  fail "the bundle is not root's"
+grep -q finish "$machine/root/tmp/tessal_installer.log" || fail "no finish in the install log"
+grep -q 'Orvane Installer 想要进行更改' "$machine/root/tmp/prompts" || fail "another prompt"
+
+[ $failures -eq 0 ] || { echo "$failures failed"; exit 1; }

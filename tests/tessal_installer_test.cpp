@@ -1,0 +1,203 @@
+// Lookups, actions and preferences against the scripted service.
+
+#include "inputsource/tessal_installer.h"
+
+#include <gtest/gtest.h>
+
+#include "inputsource/source_properties.h"
+#include "tests/platform/test_platform.h"
+
+namespace {
+
+using platform::ForeignKeyDictionary;
+using platform::InputSourceProperty;
+using platform::PropertyListArray;
+using platform::PropertyListDictionary;
+using platform::PropertyListValue;
+using Mode = TessalInstaller::InputMode;
+using Lines = std::vector<std::string>;
+
+const std::string kBase = "com.tessal.inputmethod.Orvane";
+const std::string kPinyin = "com.tessal.inputmethod.Orvane.pinyin";
+const std::string kEnabled = "AppleEnabledInputSources";
+const std::string kSelected = "AppleSelectedInputSources";
+const std::string kHistory = "AppleInputSourceHistory";
+
+class TessalInstallerTest : public testing::Test {
+ protected:
+  test::Platform platform;
+  TessalInstaller installer;
+
+  static PropertyListValue list(PropertyListArray elements) { return elements; }
+  PropertyListDictionary entry(const std::string& bundleID = kBase) const {
+    return {{"Bundle ID", bundleID}, {"Input Mode", kPinyin}, {"InputSourceKind", "Input Mode"}};
+  }
+};
+
+TEST_F(TessalInstallerTest, IdentitiesAreExact) {
+  EXPECT_EQ(TessalInstaller::modeFromRawValue(kPinyin), Mode::pinyin);
+  EXPECT_EQ(TessalInstaller::modeFromRawValue(kPinyin + " "), std::nullopt);
+  EXPECT_EQ(TessalInstaller::modeFromRawValue("COM.tessal.inputmethod.Orvane.pinyin"),
+            std::nullopt);
+  EXPECT_FALSE(installer.isInstalled());
+  platform.putFile("/Library/Input Methods/Orvane.app", "a plain file");
+  EXPECT_TRUE(installer.isInstalled());
+}
+
+TEST_F(TessalInstallerTest, BaseSourceIsTheFirstWithBothIdentifiers) {
+  platform.addSource("another.bundle", kBase);
+  EXPECT_EQ(installer.keyboardInputMethodSource(true), nullptr);
+  const auto first = platform.addSource(kBase, kBase);
+  platform.addSource(kBase, kBase);
+  EXPECT_EQ(installer.keyboardInputMethodSource(true), first);
+  EXPECT_EQ(installer.keyboardInputMethodSource(false), nullptr);
+}
+
+TEST_F(TessalInstallerTest, ModeSourceIsTheLastByIdentifierThenByModeIdentifier) {
+  const auto byMode = platform.addSource("x", "other.id");
+  byMode->properties[InputSourceProperty::inputModeID] = kPinyin;
+  byMode->properties[InputSourceProperty::isEnabled] = true;
+  EXPECT_EQ(installer.inputModeSource(Mode::pinyin, true), byMode);
+  EXPECT_TRUE(installer.enabledModes().empty());
+
+  platform.addSource("x", kPinyin);
+  const auto last = platform.addSource("y", kPinyin);
+  EXPECT_EQ(installer.inputModeSource(Mode::pinyin, true), last);
+  last->properties[InputSourceProperty::isEnabled] = true;
+  EXPECT_EQ(installer.enabledModes(), std::vector{Mode::pinyin});
+  platform.answersNoList = true;
+  EXPECT_EQ(installer.inputModeSource(Mode::pinyin, true), nullptr);
+}
+
+TEST_F(TessalInstallerTest, BaseCountsAsEnabledByIdentifierInTheEnabledList) {
+  EXPECT_FALSE(installer.isBaseEnabledBestEffort());
+  const auto base = platform.addSource(kBase, kBase);
+  base->properties[InputSourceProperty::isEnabled] = std::int64_t{1};  // a number is no boolean
+  EXPECT_EQ(getBool(base, InputSourceProperty::isEnabled), std::nullopt);
+  EXPECT_FALSE(installer.isBaseEnabledBestEffort());
+  const auto foreign = platform.addSource("another.bundle", kBase);
+  foreign->properties[InputSourceProperty::isEnabled] = true;
+  EXPECT_TRUE(installer.isBaseEnabledBestEffort());
+}
+
+TEST_F(TessalInstallerTest, SelectedMeansTheModeAndNotTheBase) {
+  EXPECT_FALSE(installer.isSelected(Mode::pinyin));
+  platform.addInputMethod();
+  platform.current = platform.sources[0];
+  EXPECT_FALSE(installer.isSelected(Mode::pinyin));
+  platform.current = platform.sources[1];
+  EXPECT_TRUE(installer.isSelected(Mode::pinyin));
+  platform.sources[1]->properties.erase(InputSourceProperty::inputModeID);
+  EXPECT_TRUE(installer.isSelected(Mode::pinyin));
+}
+
+TEST_F(TessalInstallerTest, SelectForOverwriteTriesTwiceAtMost) {
+  EXPECT_FALSE(installer.selectModeForOverwrite(Mode::pinyin));
+  platform.addInputMethod();
+  auto& capable = platform.sources[1]->properties[InputSourceProperty::isSelectCapable];
+  capable = false;
+  EXPECT_FALSE(installer.selectModeForOverwrite(Mode::pinyin));
+  EXPECT_TRUE(platform.journal.empty());
+
+  capable = true;
+  EXPECT_TRUE(installer.selectModeForOverwrite(Mode::pinyin));
+  EXPECT_EQ(platform.takeJournal(), (Lines{"deselect " + kPinyin, "select " + kPinyin}));
+  platform.statuses["select"] = {-50, 0};
+  EXPECT_TRUE(installer.selectModeForOverwrite(Mode::pinyin));
+  EXPECT_EQ(platform.takeJournal(),
+            (Lines{"deselect " + kPinyin, "select " + kPinyin, "enable " + kPinyin,
+                   "deselect " + kPinyin, "select " + kPinyin}));
+  platform.setEnabled(kPinyin, true);
+  platform.statuses["select"] = {-50, -50, 0};
+  EXPECT_FALSE(installer.selectModeForOverwrite(Mode::pinyin));
+  EXPECT_EQ(platform.journal.size(), 4U);
+}
+
+TEST_F(TessalInstallerTest, SelectFallsBackStepByStep) {
+  installer.select(std::nullopt);
+  EXPECT_TRUE(platform.journal.empty());
+  platform.addSource(kBase, kBase);
+  installer.select(std::nullopt);
+  EXPECT_EQ(platform.takeJournal(),
+            (Lines{"enable " + kBase, "deselect " + kBase, "select " + kBase}));
+  const auto byMode = platform.addSource("x", "other.id");
+  byMode->properties[InputSourceProperty::inputModeID] = kPinyin;
+  installer.select(Mode::pinyin);
+  EXPECT_EQ(platform.takeJournal(),
+            (Lines{"enable " + kBase, "enable other.id", "deselect other.id", "select other.id"}));
+  platform.addSource(kBase, kPinyin);
+  platform.setEnabled(kPinyin, true);
+  installer.select(Mode::pinyin);
+  EXPECT_EQ(platform.journal, (Lines{"deselect " + kPinyin, "select " + kPinyin}));
+}
+
+TEST_F(TessalInstallerTest, EnableAndDisableActOnWhatNeedsIt) {
+  platform.addInputMethod();
+  installer.enable();
+  EXPECT_EQ(platform.takeJournal(), (Lines{"enable " + kBase, "enable " + kPinyin}));
+  installer.disable({});
+  EXPECT_TRUE(platform.journal.empty());
+  platform.setEnabled(kPinyin, true);
+  installer.disable({});
+  installer.enable({Mode::pinyin});
+  EXPECT_EQ(platform.journal, (Lines{"disable " + kPinyin, "enable " + kBase}));
+}
+
+TEST_F(TessalInstallerTest, BestEffortActionsReportRawStatuses) {
+  EXPECT_EQ(installer.enableBaseKeyboardInputMethodBestEffort(), std::nullopt);
+  EXPECT_EQ(installer.disableInputModesBestEffort({Mode::pinyin}), std::vector<int>{});
+  platform.addInputMethod();
+  platform.statuses = {{"enable", {-7}}, {"disable", {-8}}};
+  EXPECT_EQ(installer.enableBaseKeyboardInputMethodBestEffort(), -7);
+  EXPECT_EQ(installer.enableInputModeBestEffort(Mode::pinyin), 0);
+  EXPECT_EQ(installer.disableInputModesBestEffort({Mode::pinyin}), std::vector<int>{-8});
+  EXPECT_EQ(installer.disableBaseKeyboardInputMethodBestEffort(), 0);
+  EXPECT_TRUE(installer.disableInputModesBestEffort({}).empty());
+  EXPECT_EQ(platform.journal, (Lines{"enable " + kBase, "enable " + kPinyin, "disable " + kPinyin,
+                                     "disable " + kBase}));
+}
+
+TEST_F(TessalInstallerTest, DefaultsGetTheEntryWhereItIsMissing) {
+  platform.putInstalledBundle();
+  const PropertyListDictionary other = {{"Bundle ID", "com.apple.other"}};
+  const PropertyListDictionary known = {{"Bundle ID", kBase}, {"Input Mode", kPinyin}};
+  platform.preferences = {{kEnabled, PropertyListArray{other}},
+                          {kSelected, PropertyListArray{other}},
+                          {kHistory, PropertyListArray{"text", known}}};
+  EXPECT_TRUE(installer.ensureOrvaneEnabledInHIToolboxDefaults(Mode::pinyin));
+  EXPECT_EQ(platform.preferences[kEnabled], list({other, entry()}));
+  EXPECT_EQ(platform.preferences[kSelected], list({entry(), other}));
+  EXPECT_EQ(platform.preferences[kHistory], list({"text", known}));
+  EXPECT_EQ(platform.takeJournal(),
+            (Lines{"set com.apple.HIToolbox " + kEnabled, "set com.apple.HIToolbox " + kSelected,
+                   "synchronize com.apple.HIToolbox"}));
+  installer.ensureOrvaneEnabledInHIToolboxDefaults(Mode::pinyin);
+  EXPECT_EQ(platform.journal, Lines{"synchronize com.apple.HIToolbox"});
+}
+
+TEST_F(TessalInstallerTest, RewrittenDefaultsAreCleaned) {
+  platform.putInstalledBundle();
+  const PropertyListDictionary other = {{"Bundle ID", std::int64_t{4}}};
+  platform.preferences = {{kEnabled, PropertyListArray{ForeignKeyDictionary{}, other}},
+                          {kSelected, PropertyListArray{ForeignKeyDictionary{}, "text", other}},
+                          {kHistory, "no list"}};
+  installer.ensureOrvaneEnabledInHIToolboxDefaults(Mode::pinyin);
+  EXPECT_EQ(platform.preferences[kEnabled], list({PropertyListDictionary{}, other, entry()}));
+  EXPECT_EQ(platform.preferences[kSelected], list({entry(), other}));
+  EXPECT_EQ(platform.preferences[kHistory], list({entry()}));
+}
+
+TEST_F(TessalInstallerTest, DefaultsNameTheInstalledBundle) {
+  platform.putInstalledBundle();
+  auto& info = platform.propertyLists.begin()->second;
+  info["CFBundleIdentifier"] = "another";
+  installer.ensureOrvaneEnabledInHIToolboxDefaults(Mode::pinyin);
+  for (const bool isNumber : {true, false}) {
+    info.clear();
+    if (isNumber) info["CFBundleIdentifier"] = std::int64_t{7};
+    installer.ensureOrvaneEnabledInHIToolboxDefaults(Mode::pinyin);
+  }
+  EXPECT_EQ(platform.preferences[kEnabled], list({entry("another"), entry()}));
+}
+
+}  // namespace

@@ -1,0 +1,57 @@
+// The one-time configuration of the window and its close question.
+
+#include "tests/view_test.h"
+
+namespace {
+
+using WindowTest = ViewTest;
+
+TEST_F(WindowTest, ContentIsThousandByNineHundredPixelsAroundTheOldCentre) {
+  struct Case {
+    double scale;
+    platform::Rect frame;
+    std::string size;
+  };
+  const platform::Rect large{300 - 500, 265 - 465, 1000, 930};
+  for (const Case& expected : {Case{0.5, large, "1000x900"}, Case{1, large, "1000x900"},
+                               Case{2, {300 - 250, 265 - 240, 500, 480}, "500x450"}}) {
+    const auto fresh = ContentView::create();
+    platform.window = {};
+    platform.window.scale = expected.scale;
+    auto window = platform.hostWindow();
+    fresh->configureWindow(nullptr);
+    EXPECT_FALSE(fresh->windowConfigured);
+    fresh->configureWindow(&window);
+    EXPECT_TRUE(fresh->windowConfigured);
+    EXPECT_EQ(platform.window.frame, expected.frame) << expected.scale;
+    EXPECT_EQ(platform.takeJournal(),
+              (Lines{"delegate", "set frame, display", "min " + expected.size,
+                     "max " + expected.size, "hide title", "title \"\"", "transparent", "style 3",
+                     "disable button 1", "disable button 2"}));
+    fresh->configureWindow(&window);
+    EXPECT_TRUE(platform.journal.empty());
+  }
+}
+
+TEST_F(WindowTest, ClosingIsRefusedExactlyWhileWaiting) {
+  view->installationStatus = InstallationStatus::waitingEnable;
+  auto window = platform.hostWindow();
+  view->configureWindow(&window);
+  for (int presses = 0; presses < 2; ++presses) {
+    EXPECT_FALSE(platform.window.shouldClose());
+    EXPECT_TRUE(view->showExitEnableConfirm);
+  }
+  view->userPressedExit();
+  EXPECT_FALSE(view->showExitEnableConfirm);
+  EXPECT_EQ(calls({"terminate"}), Lines{"terminate application"});
+
+  using Case = InstallationStatus::Case;
+  for (const Case value : {Case::success, Case::waitingEnable, Case::needAdmin, Case::waitingEnable,
+                           Case::installing}) {
+    view->installationStatus = value;
+    platform.drain();
+    EXPECT_EQ(platform.window.shouldClose(), value != Case::waitingEnable);
+  }
+}
+
+}  // namespace

@@ -1,0 +1,46 @@
+#!/bin/sh
+# Installs what building, testing and showing the installer needs; does nothing
+# when nothing is missing.
+set -eu
+
+if [ "$(uname -s)" = Darwin ]; then
+  command -v brew >/dev/null || { echo "Homebrew is needed: https://brew.sh" >&2; exit 1; }
+  for formula in cmake ninja qt@6 googletest utf8cpp librsvg; do
+    brew list --versions "$formula" >/dev/null 2>&1 || missing="${missing:-} $formula"
+  done
+  # shellcheck disable=SC2086
+  [ -z "${missing:-}" ] || brew install $missing
+  exit 0
+fi
+
+packages='
+  cmake g++ ninja-build pkg-config
+  qt6-base-dev qt6-declarative-dev qt6-declarative-dev-tools
+  qml6-module-qtqml qml6-module-qtqml-models qml6-module-qtqml-workerscript
+  qml6-module-qtquick qml6-module-qtquick-window
+  libplist-dev libplist-utils libutfcpp-dev
+  libgtest-dev libgmock-dev libbenchmark-dev
+  fonts-noto-cjk librsvg2-bin icnsutils
+  zip unzip sudo
+  xvfb xauth xdotool openbox x11-utils imagemagick
+  clang-format clang-tidy llvm-14
+'
+missing=
+# Not Debian's own packages everywhere.
+command -v npm >/dev/null || missing=' npm'
+for package in $packages; do
+  [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" = installed ] ||
+    missing="$missing $package"
+done
+[ -n "$missing" ] || exit 0
+
+echo "installing:$missing"
+as_root=
+if [ "$(id -u)" -ne 0 ]; then
+  command -v sudo >/dev/null || { echo "run as root, or install:$missing" >&2; exit 1; }
+  as_root=sudo
+fi
+export DEBIAN_FRONTEND=noninteractive
+$as_root apt-get update -q
+# shellcheck disable=SC2086
+$as_root apt-get install -q -y --no-install-recommends $missing
