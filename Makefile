@@ -5,7 +5,7 @@
 # make bench  what things cost
 # Each sets up this machine first, if something is missing.
 
-PRESET := $(if $(filter Darwin,$(shell uname -s)),macos,release)
+PRESET := release
 APP := build/Orvane Installer.app
 
 .PHONY: all setup run test demo bench tidy format sanitize macos-check clean

@@ -66,7 +66,8 @@ class HostWindow {
   /// No effect if the window lacks the button.
   void setButtonEnabled(WindowButton button, bool enabled);
   /// Asks `shouldClose` each time the user wants to close the window; false
-  /// keeps it open. Replaces an earlier question.
+  /// keeps it open. Replaces an earlier question, and stays with the window when
+  /// this object is gone.
   void setShouldClose(std::function<bool()> shouldClose);
 
  private:

@@ -19,7 +19,7 @@ packages='
   qml6-module-qtqml qml6-module-qtqml-models qml6-module-qtqml-workerscript
   qml6-module-qtquick qml6-module-qtquick-window
   libplist-dev libplist-utils libutfcpp-dev
-  libgtest-dev libgmock-dev libbenchmark-dev
+  libgtest-dev
   fonts-noto-cjk librsvg2-bin icnsutils
   zip unzip sudo
   xvfb xauth xdotool openbox x11-utils imagemagick

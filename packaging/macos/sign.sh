@@ -1,0 +1,47 @@
+#!/bin/sh
+# Signs the application from the inside out, with the hardened runtime.
+#
+# usage: sign.sh [--dry-run] APPLICATION
+#   SIGN_IDENTITY   name or hash of the certificate, or - to sign ad hoc
+
+set -eu
+# shellcheck source-path=SCRIPTDIR source=common.sh
+. "$(dirname "$0")/common.sh"
+
+application=
+for argument; do
+  case $argument in
+    --dry-run) dry_run=true ;;
+    --help) usage 0 ;;
+    -*) usage 64 >&2 ;;
+    *) application=${argument%/} ;;
+  esac
+done
+[ -n "$application" ] || usage 64 >&2
+identity=${SIGN_IDENTITY:-}
+entitlements=$(cd "$(dirname "$0")" && pwd)/entitlements.plist
+
+need_application "$application"
+need codesign "install the command line tools (xcode-select --install)"
+need_identity "$identity"
+
+# Under the hardened runtime a program loads only code of its own team, and an
+# ad-hoc signature has none.
+sign() {
+  if [ "$identity" = - ]; then
+    run codesign --force --sign - "$@"
+  else
+    run codesign --force --sign "$identity" --options runtime --timestamp "$@"
+  fi
+}
+
+contents=$application/Contents
+# The seal of a folder covers what lies in it: a path sorts after its folder's.
+find "$contents" -name '*.framework' -o -name '*.dylib' -type f | sort -r |
+  while read -r code; do sign "$code"; done
+executable=$(sed -n '/<key>CFBundleExecutable</{n;s/.*<string>\(.*\)<.*/\1/p;}' "$contents/Info.plist")
+find "$contents/MacOS" -type f -perm -u+x | sort | while read -r code; do
+  [ "$(basename "$code")" = "$executable" ] || sign "$code"
+done
+sign --entitlements "$entitlements" "$application"
+run codesign --verify --deep --strict --verbose=2 "$application"

@@ -1,0 +1,30 @@
+#include "platform/admin_script.h"
+
+#import <Foundation/Foundation.h>
+
+#include <mutex>
+
+#include "platform/macos/admin_script_error.h"
+#include "platform/macos/ns_string.h"
+
+namespace platform {
+
+std::optional<AdminScriptError> executeAdminScript(const std::string& source) {
+  // NSAppleScript is not thread-safe, and a worker has no pool of its own.
+  static std::mutex executing;
+  const std::lock_guard lock(executing);
+  @autoreleasepool {
+    NSAppleScript* script = [[NSAppleScript alloc] initWithSource:toNSString(source)];
+    NSDictionary<NSString*, id>* error = nil;
+    // Without a script object nothing runs and there is no error.
+    [script executeAndReturnError:&error];
+    if (error == nil) return std::nullopt;
+    return toAdminScriptError(error);
+  }
+}
+
+// The password prompt and the script belong to processes of the system, which
+// this one can neither signal nor wait for.
+void interruptAdminScript() {}
+
+}  // namespace platform

@@ -1,0 +1,33 @@
+// Ownership of Core Foundation objects.
+
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <memory>
+#include <type_traits>
+
+namespace platform {
+
+struct CfReleaser {
+  void operator()(CFTypeRef object) const { CFRelease(object); }
+};
+
+/// Owns one reference; may be null.
+template <class Ref>
+using CfRef = std::unique_ptr<std::remove_pointer_t<Ref>, CfReleaser>;
+
+/// Takes over what a function named Create or Copy has returned.
+template <class Ref>
+CfRef<Ref> adopt(Ref created) {
+  return CfRef<Ref>(created);
+}
+
+/// Shares what a function named Get has returned, or an element of a container.
+template <class Ref>
+CfRef<Ref> retain(Ref borrowed) {
+  if (borrowed != nullptr) CFRetain(borrowed);
+  return CfRef<Ref>(borrowed);
+}
+
+}  // namespace platform

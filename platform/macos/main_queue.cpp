@@ -1,0 +1,86 @@
+#include "platform/main_queue.h"
+
+#include <dispatch/dispatch.h>
+
+#include <cstdint>
+#include <utility>
+
+#include "platform/macos/dispatch_source.h"
+
+namespace platform {
+
+namespace {
+
+std::int64_t nanoseconds(Seconds duration) {
+  return std::chrono::duration_cast<std::chrono::nanoseconds>(duration).count();
+}
+
+// The owner holds the block; what the queue holds refers to it weakly. So the
+// block neither runs nor stays in memory once the owner is gone, and it may
+// destroy its owner while it runs.
+Block unlessGone(const std::shared_ptr<Block>& block) {
+  return [weak = std::weak_ptr(block)] {
+    if (const auto alive = weak.lock()) (*alive)();
+  };
+}
+
+class DelayedBlock final : public WorkItem {
+ public:
+  DelayedBlock(Seconds delay, Block block) : block_(std::make_shared<Block>(std::move(block))) {
+    asyncAfter(delay, unlessGone(block_));
+  }
+  void cancel() override { block_.reset(); }
+
+ private:
+  std::shared_ptr<Block> block_;
+};
+
+class SourceTimer final : public Timer {
+ public:
+  SourceTimer(Seconds interval, Block block)
+      : block_(std::make_shared<Block>(std::move(block))),
+        source_(makeMainQueueSource(DISPATCH_SOURCE_TYPE_TIMER, 0, unlessGone(block_))) {
+    const std::int64_t step = nanoseconds(interval);
+    dispatch_source_set_timer(source_.get(), dispatch_time(DISPATCH_TIME_NOW, step),
+                              static_cast<std::uint64_t>(step), 0);
+    dispatch_resume(source_.get());
+  }
+
+ private:
+  std::shared_ptr<Block> block_;
+  DispatchSource source_;
+};
+
+}  // namespace
+
+void async(Block block) {
+  dispatch_async(dispatch_get_main_queue(), ^{
+    block();
+  });
+}
+
+void asyncAfter(Seconds delay, Block block) {
+  dispatch_after(dispatch_time(DISPATCH_TIME_NOW, nanoseconds(delay)), dispatch_get_main_queue(), ^{
+    block();
+  });
+}
+
+std::unique_ptr<WorkItem> scheduleWorkItem(Seconds delay, Block block) {
+  return std::make_unique<DelayedBlock>(delay, std::move(block));
+}
+
+std::unique_ptr<Timer> scheduleTimer(Seconds interval, Block block) {
+  return std::make_unique<SourceTimer>(interval, std::move(block));
+}
+
+WallClock::time_point now() {
+  return WallClock::now();
+}
+
+void asyncOnWorker(Block block) {
+  dispatch_async(dispatch_get_global_queue(QOS_CLASS_USER_INITIATED, 0), ^{
+    block();
+  });
+}
+
+}  // namespace platform

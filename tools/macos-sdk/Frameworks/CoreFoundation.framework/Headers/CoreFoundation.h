@@ -1,0 +1,159 @@
+// What this project uses of Core Foundation. See tools/macos-sdk/README.md.
+
+#pragma once
+
+#include <MacTypes.h>
+#include <stddef.h>
+#include <stdint.h>
+
+#define CF_EXPORT extern "C"
+#define CF_BRIDGED(Class) __attribute__((objc_bridge(Class)))
+#define CF_BRIDGED_MUTABLE(Class) __attribute__((objc_bridge_mutable(Class)))
+
+typedef const void* CFTypeRef;
+typedef CFTypeRef CFPropertyListRef;
+typedef unsigned long CFTypeID;
+typedef unsigned long CFOptionFlags;
+typedef signed long CFIndex;
+typedef double CFTimeInterval;
+typedef CFTimeInterval CFAbsoluteTime;
+typedef struct {
+  CFIndex location;
+  CFIndex length;
+} CFRange;
+inline CFRange CFRangeMake(CFIndex location, CFIndex length) {
+  return {location, length};
+}
+
+typedef const struct __CFAllocator* CFAllocatorRef;
+typedef const struct CF_BRIDGED(NSString) __CFString* CFStringRef;
+typedef const struct CF_BRIDGED(NSNumber) __CFBoolean* CFBooleanRef;
+typedef const struct CF_BRIDGED(NSNumber) __CFNumber* CFNumberRef;
+typedef const struct CF_BRIDGED(NSDate) __CFDate* CFDateRef;
+typedef const struct CF_BRIDGED(NSData) __CFData* CFDataRef;
+typedef const struct CF_BRIDGED(NSURL) __CFURL* CFURLRef;
+typedef const struct CF_BRIDGED(NSArray) __CFArray* CFArrayRef;
+typedef struct CF_BRIDGED_MUTABLE(NSMutableArray) __CFArray* CFMutableArrayRef;
+typedef const struct CF_BRIDGED(NSDictionary) __CFDictionary* CFDictionaryRef;
+typedef struct CF_BRIDGED_MUTABLE(NSMutableDictionary) __CFDictionary* CFMutableDictionaryRef;
+typedef struct CF_BRIDGED(NSError) __CFError* CFErrorRef;
+typedef struct __CFBundle* CFBundleRef;
+typedef struct __CFRunLoop* CFRunLoopRef;
+
+CF_EXPORT CFTypeRef CFRetain(CFTypeRef object);
+CF_EXPORT void CFRelease(CFTypeRef object);
+CF_EXPORT CFTypeID CFGetTypeID(CFTypeRef object);
+
+// Strings
+typedef UInt32 CFStringEncoding;
+enum : CFStringEncoding {
+  kCFStringEncodingISOLatin1 = 0x0201,
+  kCFStringEncodingUTF8 = 0x08000100,
+};
+CF_EXPORT CFTypeID CFStringGetTypeID(void);
+CF_EXPORT CFStringRef CFStringCreateWithBytes(CFAllocatorRef allocator, const UInt8* bytes,
+                                              CFIndex byteCount, CFStringEncoding encoding,
+                                              Boolean isExternalRepresentation);
+CF_EXPORT CFIndex CFStringGetLength(CFStringRef string);
+CF_EXPORT CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encoding);
+CF_EXPORT CFIndex CFStringGetBytes(CFStringRef string, CFRange range, CFStringEncoding encoding,
+                                   UInt8 lossByte, Boolean isExternalRepresentation, UInt8* buffer,
+                                   CFIndex capacity, CFIndex* used);
+
+// Booleans, numbers, dates, data
+CF_EXPORT const CFBooleanRef kCFBooleanTrue;
+CF_EXPORT const CFBooleanRef kCFBooleanFalse;
+CF_EXPORT CFTypeID CFBooleanGetTypeID(void);
+CF_EXPORT Boolean CFBooleanGetValue(CFBooleanRef boolean);
+
+typedef enum CFNumberType : CFIndex {
+  kCFNumberSInt64Type = 4,
+  kCFNumberDoubleType = 13,
+} CFNumberType;
+CF_EXPORT CFTypeID CFNumberGetTypeID(void);
+CF_EXPORT CFNumberRef CFNumberCreate(CFAllocatorRef allocator, CFNumberType type,
+                                     const void* value);
+CF_EXPORT Boolean CFNumberIsFloatType(CFNumberRef number);
+CF_EXPORT Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value);
+
+CF_EXPORT CFTypeID CFDateGetTypeID(void);
+CF_EXPORT CFDateRef CFDateCreate(CFAllocatorRef allocator, CFAbsoluteTime time);
+CF_EXPORT CFAbsoluteTime CFDateGetAbsoluteTime(CFDateRef date);
+
+CF_EXPORT CFTypeID CFDataGetTypeID(void);
+CF_EXPORT CFDataRef CFDataCreate(CFAllocatorRef allocator, const UInt8* bytes, CFIndex length);
+CF_EXPORT const UInt8* CFDataGetBytePtr(CFDataRef data);
+CF_EXPORT CFIndex CFDataGetLength(CFDataRef data);
+
+// Arrays and dictionaries; the callback tables are used by address only.
+typedef struct CFArrayCallBacks CFArrayCallBacks;
+CF_EXPORT const CFArrayCallBacks kCFTypeArrayCallBacks;
+CF_EXPORT CFTypeID CFArrayGetTypeID(void);
+CF_EXPORT CFMutableArrayRef CFArrayCreateMutable(CFAllocatorRef allocator, CFIndex capacity,
+                                                 const CFArrayCallBacks* callBacks);
+CF_EXPORT void CFArrayAppendValue(CFMutableArrayRef array, const void* value);
+CF_EXPORT CFIndex CFArrayGetCount(CFArrayRef array);
+CF_EXPORT const void* CFArrayGetValueAtIndex(CFArrayRef array, CFIndex index);
+
+typedef struct CFDictionaryKeyCallBacks CFDictionaryKeyCallBacks;
+typedef struct CFDictionaryValueCallBacks CFDictionaryValueCallBacks;
+CF_EXPORT const CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks;
+CF_EXPORT const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks;
+CF_EXPORT CFTypeID CFDictionaryGetTypeID(void);
+CF_EXPORT CFDictionaryRef CFDictionaryCreate(CFAllocatorRef allocator, const void** keys,
+                                             const void** values, CFIndex count,
+                                             const CFDictionaryKeyCallBacks* keyCallBacks,
+                                             const CFDictionaryValueCallBacks* valueCallBacks);
+CF_EXPORT CFMutableDictionaryRef CFDictionaryCreateMutable(
+    CFAllocatorRef allocator, CFIndex capacity, const CFDictionaryKeyCallBacks* keyCallBacks,
+    const CFDictionaryValueCallBacks* valueCallBacks);
+CF_EXPORT void CFDictionarySetValue(CFMutableDictionaryRef dictionary, const void* key,
+                                    const void* value);
+CF_EXPORT CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary);
+CF_EXPORT void CFDictionaryGetKeysAndValues(CFDictionaryRef dictionary, const void** keys,
+                                            const void** values);
+
+// URLs
+CF_EXPORT CFURLRef CFURLCreateWithString(CFAllocatorRef allocator, CFStringRef text,
+                                         CFURLRef baseUrl);
+CF_EXPORT CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef allocator,
+                                                           const UInt8* bytes, CFIndex length,
+                                                           Boolean isDirectory);
+CF_EXPORT CFURLRef CFURLCopyAbsoluteURL(CFURLRef url);
+CF_EXPORT CFStringRef CFURLGetString(CFURLRef url);
+CF_EXPORT Boolean CFURLGetFileSystemRepresentation(CFURLRef url, Boolean resolveAgainstBase,
+                                                   UInt8* buffer, CFIndex capacity);
+
+// Property lists
+typedef CFIndex CFPropertyListFormat;
+enum : CFOptionFlags { kCFPropertyListImmutable = 0 };
+CF_EXPORT CFPropertyListRef CFPropertyListCreateWithData(CFAllocatorRef allocator, CFDataRef data,
+                                                         CFOptionFlags options,
+                                                         CFPropertyListFormat* format,
+                                                         CFErrorRef* error);
+
+// Preferences
+CF_EXPORT const CFStringRef kCFPreferencesCurrentUser;
+CF_EXPORT const CFStringRef kCFPreferencesAnyUser;
+CF_EXPORT const CFStringRef kCFPreferencesCurrentHost;
+CF_EXPORT const CFStringRef kCFPreferencesAnyHost;
+CF_EXPORT CFPropertyListRef CFPreferencesCopyValue(CFStringRef key, CFStringRef application,
+                                                   CFStringRef user, CFStringRef host);
+CF_EXPORT void CFPreferencesSetValue(CFStringRef key, CFPropertyListRef value,
+                                     CFStringRef application, CFStringRef user, CFStringRef host);
+CF_EXPORT Boolean CFPreferencesSynchronize(CFStringRef application, CFStringRef user,
+                                           CFStringRef host);
+
+// Bundles
+CF_EXPORT CFBundleRef CFBundleGetMainBundle(void);
+CF_EXPORT CFBundleRef CFBundleCreate(CFAllocatorRef allocator, CFURLRef url);
+CF_EXPORT CFURLRef CFBundleCopyBundleURL(CFBundleRef bundle);
+CF_EXPORT CFURLRef CFBundleCopyExecutableURL(CFBundleRef bundle);
+CF_EXPORT CFURLRef CFBundleCopyResourceURL(CFBundleRef bundle, CFStringRef name, CFStringRef type,
+                                           CFStringRef subdirectory);
+CF_EXPORT CFTypeRef CFBundleGetValueForInfoDictionaryKey(CFBundleRef bundle, CFStringRef key);
+
+// Run loop
+CF_EXPORT CFRunLoopRef CFRunLoopGetMain(void);
+CF_EXPORT void CFRunLoopRun(void);
+CF_EXPORT void CFRunLoopStop(CFRunLoopRef loop);

@@ -1,0 +1,7 @@
+// What this project uses of Core Services. See tools/macos-sdk/README.md.
+
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+
+CF_EXPORT OSStatus LSRegisterURL(CFURLRef url, Boolean update);
