@@ -11,7 +11,7 @@ APP := build/Orvane Installer.app
 .PHONY: all setup run test demo bench tidy format sanitize macos-check clean
 
 all: setup
-	@cmake --preset $(PRESET) -Wno-dev --log-level=WARNING
+	@cmake --preset $(PRESET) --log-level=WARNING >/dev/null
 	@cmake --build --preset $(PRESET)
 
 setup:
@@ -27,7 +27,10 @@ demo: all
 	@tools/demo.sh "$(APP)" build/demo
 
 bench: all
-	@build/bench/bench_install
+	@build/bench/log_follow
+	@if [ -n "$$DISPLAY" ]; then build/bench/first_frame build/bench/bare_window "$(APP)/Contents/MacOS/Orvane Installer"; \
+	else xvfb-run -a -s '-screen 0 1280x1024x24' \
+	  build/bench/first_frame build/bench/bare_window "$(APP)/Contents/MacOS/Orvane Installer"; fi
 
 # The same tests under the address, undefined-behaviour and thread sanitizers.
 sanitize: setup

@@ -21,7 +21,8 @@ Image toImage(const QImage& picture) {
   image.pixels.reserve(static_cast<std::size_t>(rgba.width()) * rgba.height() * 4);
   for (int y = 0; y < rgba.height(); ++y) {
     const auto* row = rgba.constScanLine(y);
-    image.pixels.insert(image.pixels.end(), row, row + static_cast<std::ptrdiff_t>(rgba.width()) * 4);
+    image.pixels.insert(image.pixels.end(), row,
+                        row + static_cast<std::ptrdiff_t>(rgba.width()) * 4);
   }
   return image;
 }
@@ -87,7 +88,10 @@ Image applicationIcon(int side) {
   const auto file = bundleResource("AppIcon", "png");
   QImage icon;
   if (file) icon.load(QString::fromStdString(file->string()));
-  if (icon.isNull()) icon = QImage(1, 1, QImage::Format_RGBA8888_Premultiplied);
+  if (icon.isNull()) {
+    icon = QImage(1, 1, QImage::Format_RGBA8888_Premultiplied);
+    icon.fill(Qt::transparent);
+  }
   return toImage(icon.scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation));
 }
 

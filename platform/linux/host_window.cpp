@@ -2,40 +2,52 @@
 
 #include "platform/host_window.h"
 
-#include <xcb/xcb.h>
-#include <xcb/xproto.h>
-
 #include <QEvent>
-#include <QGuiApplication>
 #include <QWindow>
 #include <array>
-#include <cstdlib>
-#include <string_view>
 #include <utility>
 
 namespace platform {
 
 namespace {
 
-constexpr auto kCloseQuestion = "closeQuestion";
+constexpr auto kWindowGuard = "windowGuard";
+// An empty title makes Qt and some window managers put another in its place.
+constexpr auto kBlankTitle = "\u200b";
 
-/// Asks before the window closes. Belongs to the window and so outlives the
-/// HostWindow.
-class CloseQuestion : public QObject {
+/// What the window does when the user asks it to close or minimises it. Belongs
+/// to the window and so outlives the HostWindow.
+class WindowGuard : public QObject {
  public:
-  CloseQuestion(QWindow& window, std::function<bool()> shouldClose)
-      : QObject(&window), shouldClose_(std::move(shouldClose)) {
-    setObjectName(QLatin1String(kCloseQuestion));
-    window.installEventFilter(this);
+  static WindowGuard& of(QWindow& window) {
+    auto* guard =
+        window.findChild<WindowGuard*>(QLatin1String(kWindowGuard), Qt::FindDirectChildrenOnly);
+    return guard ? *guard : *new WindowGuard(window);  // the window owns it
   }
-  bool eventFilter(QObject* /*window*/, QEvent* event) override {
-    if (event->type() != QEvent::Close || shouldClose_()) return false;
-    event->ignore();
-    return true;
+
+  std::function<bool()> shouldClose = [] { return true; };
+
+ protected:
+  bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+    if (event->type() == QEvent::Close && !shouldClose()) {
+      event->ignore();
+      return true;
+    }
+    // Not every window manager keeps to the hint.
+    if (event->type() == QEvent::WindowStateChange &&
+        window_.windowStates().testFlag(Qt::WindowMinimized) &&
+        !window_.flags().testFlag(Qt::WindowMinimizeButtonHint))
+      window_.showNormal();
+    return false;
   }
 
  private:
-  std::function<bool()> shouldClose_;
+  explicit WindowGuard(QWindow& window) : QObject(&window), window_(window) {
+    setObjectName(QLatin1String(kWindowGuard));
+    window.installEventFilter(this);
+  }
+
+  QWindow& window_;
 };
 
 struct WindowHint {
@@ -47,21 +59,6 @@ constexpr std::array kHints = {
     WindowHint{kClosable, Qt::WindowCloseButtonHint},
     WindowHint{kMiniaturizable, Qt::WindowMinimizeButtonHint},
 };
-
-/// Qt puts the name of the program in the place of an empty title.
-void clearTitleOnX11(QWindow& window) {
-  const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-  if (!x11 || !window.handle()) return;
-  xcb_connection_t* const connection = x11->connection();
-  constexpr std::string_view kName = "_NET_WM_NAME";
-  const auto cookie = xcb_intern_atom(connection, 1, kName.size(), kName.data());
-  const std::unique_ptr<xcb_intern_atom_reply_t, decltype(&std::free)> name(
-      xcb_intern_atom_reply(connection, cookie, nullptr), &std::free);
-  const auto id = static_cast<xcb_window_t>(window.winId());
-  if (name) xcb_delete_property(connection, id, name->atom);
-  xcb_change_property(connection, XCB_PROP_MODE_REPLACE, id, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 8,
-                      0, "");
-}
 
 }  // namespace
 
@@ -105,12 +102,11 @@ void HostWindow::setContentMaxSize(const Size& size) {
 }
 
 void HostWindow::setTitleHidden() {
-  // The window manager draws the title: an empty one is a hidden one.
+  // The window manager draws the title; a blank one is hidden.
 }
 
 void HostWindow::setTitle(const std::string& title) {
-  impl_->window.setTitle(QString::fromStdString(title));
-  if (title.empty()) clearTitleOnX11(impl_->window);
+  impl_->window.setTitle(QString::fromUtf8(title.empty() ? kBlankTitle : title.c_str()));
 }
 
 void HostWindow::setTitlebarAppearsTransparent(bool /*transparent*/) {
@@ -122,7 +118,7 @@ unsigned HostWindow::styleMask() const {
   unsigned mask = 0;
   for (const auto& [style, hint] : kHints)
     if (flags.testFlag(hint) || !flags.testFlag(Qt::CustomizeWindowHint)) mask |= style;
-  if (!flags.testFlag(Qt::MSWindowsFixedSizeDialogHint)) mask |= kResizable;
+  if (impl_->window.minimumSize() != impl_->window.maximumSize()) mask |= kResizable;
   return mask;
 }
 
@@ -130,21 +126,18 @@ void HostWindow::setStyleMask(unsigned mask) {
   Qt::WindowFlags flags = Qt::Window | Qt::CustomizeWindowHint | Qt::WindowSystemMenuHint |
                           Qt::WindowMaximizeButtonHint;
   for (const auto& [style, hint] : kHints) flags.setFlag(hint, (mask & style) != 0);
-  // Its name notwithstanding, X11 has it too.
-  flags.setFlag(Qt::MSWindowsFixedSizeDialogHint, (mask & kResizable) == 0);
+  // Without a hint for it: a window is resizable unless its size is fixed.
   impl_->window.setFlags(flags);
 }
 
 void HostWindow::setButtonEnabled(WindowButton button, bool enabled) {
-  impl_->window.setFlag(button == WindowButton::zoom ? Qt::WindowMaximizeButtonHint
-                                                     : Qt::WindowMinimizeButtonHint,
-                        enabled);
+  impl_->window.setFlag(
+      button == WindowButton::zoom ? Qt::WindowMaximizeButtonHint : Qt::WindowMinimizeButtonHint,
+      enabled);
 }
 
 void HostWindow::setShouldClose(std::function<bool()> shouldClose) {
-  delete impl_->window.findChild<QObject*>(QLatin1String(kCloseQuestion),
-                                           Qt::FindDirectChildrenOnly);
-  new CloseQuestion(impl_->window, std::move(shouldClose));  // the window owns it
+  WindowGuard::of(impl_->window).shouldClose = std::move(shouldClose);
 }
 
 }  // namespace platform

@@ -1,0 +1,17 @@
+#include "app/app_delegate.h"
+
+#include <QGuiApplication>
+
+#include "platform/application.h"
+
+void AppDelegate::install(QGuiApplication& application) const {
+  // The toolkit would not ask.
+  QGuiApplication::setQuitOnLastWindowClosed(false);
+  QObject::connect(&application, &QGuiApplication::lastWindowClosed, &application, [this] {
+    if (applicationShouldTerminateAfterLastWindowClosed()) platform::terminateApplication();
+  });
+}
+
+bool AppDelegate::applicationShouldTerminateAfterLastWindowClosed() const {
+  return true;
+}

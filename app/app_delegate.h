@@ -1,0 +1,13 @@
+#pragma once
+
+class QGuiApplication;
+
+/// Decides for the application.
+class AppDelegate {
+ public:
+  /// Becomes the delegate of this application, which it must outlive.
+  void install(QGuiApplication& application) const;
+
+  /// Whether the application quits when its last window is closed.
+  bool applicationShouldTerminateAfterLastWindowClosed() const;
+};

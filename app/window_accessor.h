@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QQuickItem>
+#include <functional>
+
+#include "platform/host_window.h"
+
+/// An invisible item that tells in which window it has come to lie.
+class WindowAccessor : public QQuickItem {
+ public:
+  /// Offers the hosting window to `callback` once, on a later turn of the main
+  /// queue: null if the item is in no window by then, or is gone.
+  WindowAccessor(QQuickItem* parent, std::function<void(platform::HostWindow*)> callback);
+};

@@ -1,0 +1,300 @@
+// The screens, drawn off screen over the platform in memory.
+
+#include <QAccessible>
+#include <QGuiApplication>
+#include <QQuickItem>
+#include <QQuickView>
+#include <QTest>
+
+#include "tests/view_test.h"
+#include "ui/installer_model.h"
+#include "ui/installer_ui.h"
+
+namespace {
+
+using Case = InstallationStatus::Case;
+using Names = std::vector<std::string>;
+
+class UiTest : public ViewTest {
+ protected:
+  void open(QSize size = {500, 450}) {
+    window.reset();
+    model = std::make_unique<InstallerModel>(view);
+    window = std::make_unique<QQuickView>();
+    window->setResizeMode(QQuickView::SizeRootObjectToView);
+    window->setInitialProperties({{"model", QVariant::fromValue(model.get())}});
+    window->setSource(contentBodyUrl());
+    window->resize(size);
+    window->show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    settle();
+  }
+
+  void settle() {
+    platform.drain();
+    QCoreApplication::sendPostedEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QCoreApplication::processEvents();
+    window->grabWindow();  // a frame, for which everything is laid out
+  }
+  void become(InstallationStatus status, bool isInstalling = false) {
+    view->isInstalling = isInstalling;
+    view->installationStatus = std::move(status);
+    settle();
+  }
+
+  std::vector<QQuickItem*> items(QQuickItem* below) {
+    if (!below->isVisible()) return {};
+    std::vector<QQuickItem*> found{below};
+    for (QQuickItem* child : below->childItems())
+      for (QQuickItem* item : items(child)) found.push_back(item);
+    return found;
+  }
+  QQuickItem* item(const std::string& name) {
+    for (QQuickItem* each : items(window->rootObject()))
+      if (each->objectName().toStdString() == name) return each;
+    return nullptr;
+  }
+  QRectF place(const std::string& name) {
+    QQuickItem* const found = item(name);
+    return found ? found->mapRectToScene(found->boundingRect()) : QRectF();
+  }
+  std::string text(const std::string& name) {
+    return item(name)->property("text").toString().toStdString();
+  }
+
+  void click(QPointF point) {
+    QTest::mouseClick(window.get(), Qt::LeftButton, {}, point.toPoint());
+    settle();
+  }
+  void press(const std::string& button) { click(place(button).center()); }
+  void key(Qt::Key key) {
+    QTest::keyClick(window.get(), key);
+    settle();
+  }
+  std::string focused() { return window->activeFocusItem()->objectName().toStdString(); }
+  /// The names of the buttons that assistive tools are offered.
+  Names accessibleButtons(QAccessibleInterface* below = nullptr) {
+    if (!below) below = QAccessible::queryAccessibleInterface(window.get());
+    if (below->role() == QAccessible::Button) return {below->text(QAccessible::Name).toStdString()};
+    Names names;
+    for (int i = 0; i < below->childCount(); ++i)
+      for (std::string& name : accessibleButtons(below->child(i))) names.push_back(std::move(name));
+    return names;
+  }
+
+  std::unique_ptr<InstallerModel> model;
+  std::unique_ptr<QQuickView> window;
+};
+
+TEST_F(UiTest, SizesFollowTheWindow) {
+  for (const auto& [content, progressWidth, illustration, card] :
+       {std::tuple{QSize(500, 450), 388, QSizeF(436, 200), QSizeF(400, 350)},
+        std::tuple{QSize(1000, 900), 888, QSizeF(936, 560), QSizeF(520, 420)},
+        std::tuple{QSize(380, 300), 268, QSizeF(316, 200), QSizeF(320, 260)}}) {
+    view = ContentView::create();
+    open(content);
+    const QPointF centre = QRectF(QPointF(), content).center();
+
+    EXPECT_EQ(place("applicationIcon").size(), QSizeF(80, 80));
+    EXPECT_EQ(place("applicationIcon").top() - place("installerMainView").top(), 20);
+    EXPECT_EQ(place("installerMainView").center(), centre);
+    EXPECT_EQ(place("installButton").size(), QSizeF(240, 44));
+    become(Case::installing, true);
+    EXPECT_EQ(place("progressBar").size(), QSizeF(progressWidth, 4));
+    EXPECT_EQ(place("progressBar").left(), 16 + 40);
+    become(Case::waitingEnable);
+    EXPECT_EQ(place("enableGuideIllustration").size(), illustration);
+    EXPECT_EQ(place("goEnableButton").size(), QSizeF(std::min(illustration.width(), 360.0), 56));
+    EXPECT_GE(place("enableGuideIllustration").top() - place("waitingInstruction").bottom(), 18);
+    EXPECT_GE(place("goEnableButton").top() - place("enableGuideIllustration").bottom(), 18);
+    view->showExitEnableConfirm = true;
+    settle();
+    EXPECT_EQ(place("dimming"), QRectF(QPointF(), content));
+    EXPECT_EQ(place("exitCard").size(), card);
+    EXPECT_EQ(place("exitCard").center(), centre);
+  }
+}
+
+TEST_F(UiTest, ActionAreaFollowsTheState) {
+  open();
+  const Names areas = {"installButton", "quitButton",        "needAdminNotice",
+                       "failureNotice", "enableWaitingView", "progressBar"};
+  for (const auto& [status, area] :
+       {std::pair{InstallationStatus(Case::notStarted), areas[0]},
+        std::pair{InstallationStatus(Case::installing), areas[0]},
+        std::pair{InstallationStatus(Case::success), areas[1]},
+        std::pair{InstallationStatus(Case::needAdmin), areas[2]},
+        std::pair{InstallationStatus::failure("安装失败"), areas[3]},
+        std::pair{InstallationStatus(Case::waitingEnable), areas[4]}}) {
+    for (const bool isInstalling : {true, false}) {
+      become(status, isInstalling);
+      const auto& shown = isInstalling && area != areas[4] ? areas[5] : area;
+      for (const auto& each : areas) EXPECT_EQ(item(each) != nullptr, each == shown) << each;
+    }
+  }
+  become(InstallationStatus::failure("未检测到已安装的输入法"));
+  EXPECT_EQ(place("failureNotice").size(), QSizeF(240, 44));
+  EXPECT_GE(place("noticeText").left(), place("failureNotice").left() - 1);
+  EXPECT_EQ(accessibleButtons(), (Names{"打开键盘设置", "重试"}));
+}
+
+TEST_F(UiTest, TextsAreWholeAndApart) {
+  for (const char* name : {"澄枫输入法", "名称相当长的中文拼音输入法"}) {
+    platform.info["CFBundleDisplayName"] = name;
+    open();
+    for (const auto& status :
+         {InstallationStatus(Case::notStarted), InstallationStatus(Case::needAdmin),
+          InstallationStatus(Case::waitingEnable),
+          InstallationStatus::failure("找不到安装脚本 install.sh"),
+          InstallationStatus::failure("未检测到已安装的输入法")}) {
+      for (const char* layer : {"screens", "exitConfirmOverlay"}) {
+        view->showExitEnableConfirm = std::string_view(layer) != "screens";
+        become(status);
+        std::vector<QRectF> places;
+        for (QQuickItem* each : items(item(layer))) {
+          const QVariant isCut = each->property("truncated");
+          if (!isCut.isValid()) continue;
+          const QRectF rect = each->mapRectToScene(each->boundingRect());
+          const std::string said = each->property("text").toString().toStdString();
+          EXPECT_TRUE(!isCut.toBool() && QRectF(0, 0, 500, 450).contains(rect)) << said;
+          for (const QRectF& other : places) EXPECT_FALSE(rect.intersects(other)) << said;
+          places.push_back(rect);
+        }
+      }
+    }
+  }
+}
+
+TEST_F(UiTest, NamesComeFromTheBundle) {
+  open();
+  EXPECT_EQ(text("version"), "-");
+  EXPECT_EQ(model->appDisplayName(), "澄枫输入法");
+  platform.info = {{"CFBundleDisplayName", ""},
+                   {"CFBundleName", "Orvane"},
+                   {"CFBundleShortVersionString", "2.4.0"}};
+  view->showExitEnableConfirm = true;
+  view->installationStatus = Case::waitingEnable;
+  open();
+  EXPECT_EQ(text("exitMessage"), "未启用「Orvane」\n退出安装将无法使用");
+  EXPECT_EQ(text("guideText"), "“Orvane”想启用第三方\n输入法“Orvane”");
+  EXPECT_EQ(model->version(), "2.4.0");
+}
+
+TEST_F(UiTest, ProgressIsTruncatedAndMovesSmoothly) {
+  view->installProgress = 0.9;
+  open();
+  press("installButton");
+  EXPECT_EQ(place("progressFill").width(), 0);
+  view->installProgress = 0.29;
+  settle();
+  EXPECT_EQ(text("progressText"), "正在安装 28%");
+  EXPECT_LT(place("progressFill").width(), 388 * 0.29);
+  EXPECT_EQ(model->progressAnimation(), 250);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return place("progressFill").width() == 388 * 0.29; }));
+  QAccessibleInterface* const bar = QAccessible::queryAccessibleInterface(item("progressBar"));
+  EXPECT_EQ(bar->role(), QAccessible::ProgressBar);
+  EXPECT_EQ(bar->valueInterface()->currentValue().toDouble(), 0.29);
+  view->installProgress.set(1.0, LinearAnimation{platform::Seconds(0.3)});
+  settle();
+  EXPECT_EQ(model->progressAnimation(), 300);
+}
+
+TEST_F(UiTest, ButtonsOfTheMainScreen) {
+  open();
+  for (const auto& [status, button, keepsTrigger] :
+       {std::tuple{InstallationStatus(Case::notStarted), "installButton", false},
+        std::tuple{InstallationStatus(Case::needAdmin), "retryAuthorisationButton", true},
+        std::tuple{InstallationStatus::failure("安装失败"), "retryButton", false}}) {
+    become(status);
+    view->didTriggerActivation = true;
+    platform.workerBlocks.clear();
+    press(button);
+    EXPECT_EQ(view->didTriggerActivation, keepsTrigger) << button;
+    EXPECT_TRUE(view->isInstalling && platform.workerBlocks.size() == 1);
+  }
+}
+
+TEST_F(UiTest, WaitingScreenAttemptsOnceAndPollsWhileShown) {
+  platform.addInputMethod();
+  open();
+  for (int showing = 0; showing < 2; ++showing) {
+    become(Case::waitingEnable);
+    EXPECT_EQ(platform.liveTimers(), 1U);
+    EXPECT_EQ(calls({"enable"}).size(), 1U);
+    become(Case::success);
+    EXPECT_EQ(platform.liveTimers(), 0U);
+  }
+  become(Case::waitingEnable);
+  platform.advance(6.5);
+  press("goEnableButton");
+  platform.advance(0.35);
+  EXPECT_EQ(calls({"enable"}).size(), 2U);
+  EXPECT_EQ(calls({"open"}).size(), 1U);
+}
+
+TEST_F(UiTest, RefusedCloseShowsTheOverlayAboveEverything) {
+  open();
+  auto host = platform.hostWindow();
+  view->configureWindow(&host);
+  become(Case::waitingEnable);
+  key(Qt::Key_Tab);
+  EXPECT_EQ(focused(), "goEnableButton");
+  EXPECT_EQ(accessibleButtons(), Names{"去启用"});
+  EXPECT_FALSE(platform.window.shouldClose());
+  settle();
+  platform.takeJournal();
+  for (const Qt::Key each : {Qt::Key_Return, Qt::Key_Space, Qt::Key_Escape}) key(each);
+  click({250, place("goEnableButton").bottom() - 2});
+  click({2, 2});
+  EXPECT_TRUE(item("exitConfirmOverlay"));
+  EXPECT_EQ(platform.journal, Lines{});
+  for (const char* expected : {"exitButton", "exitGoEnableButton", "exitButton"}) {
+    key(Qt::Key_Tab);
+    EXPECT_EQ(focused(), expected);
+  }
+  EXPECT_EQ(accessibleButtons(), (Names{"退出安装", "去启用"}));
+  press("exitGoEnableButton");
+  EXPECT_FALSE(item("exitConfirmOverlay"));
+  EXPECT_FALSE(platform.window.shouldClose());
+  settle();
+  press("exitButton");
+  EXPECT_FALSE(view->showExitEnableConfirm);
+  EXPECT_EQ(calls({"terminate"}), Lines{"terminate application"});
+}
+
+TEST_F(UiTest, KeyboardAndAssistiveToolsReachTheButtons) {
+  open();
+  become(InstallationStatus::failure("安装失败"));
+  press("keyboardSettingsButton");
+  EXPECT_FALSE(item("focusRing"));
+  platform.takeJournal();
+  for (const char* expected : {"keyboardSettingsButton", "retryButton", "keyboardSettingsButton"}) {
+    key(Qt::Key_Tab);
+    EXPECT_EQ(focused(), expected);
+    EXPECT_TRUE(item("focusRing"));
+  }
+  key(Qt::Key_Space);
+  key(Qt::Key_Return);
+  EXPECT_EQ(calls({"open"}).size(), 2U);
+  key(Qt::Key_Backtab);
+  key(Qt::Key_Return);
+  EXPECT_TRUE(view->isInstalling);
+  become(Case::success);
+  EXPECT_EQ(accessibleButtons(), Names{"安装成功"});
+  auto* const quit = QAccessible::queryAccessibleInterface(item("quitButton"));
+  quit->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+  EXPECT_EQ(calls({"terminate"}), Lines{"terminate application"});
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  QQuickWindow::setSceneGraphBackend("software");
+  testing::InitGoogleTest(&argc, argv);
+  QGuiApplication application(argc, argv);
+  QAccessible::setActive(true);
+  registerInstallerUi();
+  return RUN_ALL_TESTS();
+}

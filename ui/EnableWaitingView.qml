@@ -1,0 +1,62 @@
+import QtQuick 2.15
+import Orvane.Installer
+
+Item {
+    id: view
+
+    required property InstallerModel model
+
+    readonly property real contentWidth: Math.max(width - 64, 0)
+    readonly property real contentHeight: Math.max(height - 64, 0)
+    readonly property real illustrationHeight:
+        Math.max(Math.min(contentHeight - 94 - 94, 560), 200)
+    // What the four spacers share; where it is too little for them, the column is
+    // higher than its frame and reaches into the padding above and below alike.
+    readonly property real spacer:
+        (contentHeight - title.height - instruction.height - illustration.height - button.height) / 4
+
+    Column {
+        width: view.contentWidth
+        anchors.centerIn: parent
+
+        Item { width: 1; height: Math.max(view.spacer, 28) }
+        Text {
+            id: title
+            objectName: "waitingTitle"
+            anchors.horizontalCenter: parent.horizontalCenter
+            text: "启用输入法"
+            font { pixelSize: 30; weight: Font.DemiBold }
+            color: Palette.black(0.85)
+        }
+        Text {
+            id: instruction
+            objectName: "waitingInstruction"
+            anchors.horizontalCenter: parent.horizontalCenter
+            topPadding: 12
+            text: "为了正常使用，请将「澄枫输入法」添加到输入法列表"
+            font.pixelSize: 16
+            color: Palette.gray
+        }
+        Item { width: 1; height: Math.max(view.spacer, 18) }
+        EnableGuideIllustration {
+            id: illustration
+            objectName: "enableGuideIllustration"
+            width: parent.width
+            height: view.illustrationHeight
+            appName: view.model.appDisplayName
+        }
+        Item { width: 1; height: Math.max(view.spacer, 18) }
+        PrimaryButton {
+            id: button
+            objectName: "goEnableButton"
+            anchors.horizontalCenter: parent.horizontalCenter
+            width: Math.min(view.contentWidth, 360)
+            height: 56
+            radius: 14
+            font { pixelSize: 18; weight: Font.DemiBold }
+            text: "去启用"
+            onClicked: view.model.userPressedGoEnable()
+        }
+        Item { width: 1; height: Math.max(view.spacer, 20) }
+    }
+}

@@ -1,0 +1,85 @@
+import QtQuick 2.15
+import Orvane.Installer
+
+Item {
+    id: overlay
+
+    required property InstallerModel model
+
+    Rectangle {
+        objectName: "dimming"
+        anchors.fill: parent
+        color: Palette.black(0.22)
+    }
+    SoftShadow {
+        anchors { fill: card; margins: -extent }
+        transform: Translate { y: 10 }
+        radius: 24
+        blur: 20
+        color: Palette.black(0.12)
+    }
+    ContinuousRectangle {
+        id: card
+        objectName: "exitCard"
+        anchors.centerIn: parent
+        width: Math.max(Math.min(overlay.width - 100, 520), 320)
+        height: Math.max(Math.min(overlay.height - 100, 420), 260)
+        radius: 24
+        color: "white"
+
+        Item {
+            anchors { left: parent.left; right: parent.right; top: parent.top; bottom: buttons.top }
+            anchors.bottomMargin: 14
+
+            Column {
+                anchors.centerIn: parent
+                width: parent.width - 2 * 28
+                spacing: 12
+                SystemImage {
+                    anchors.horizontalCenter: parent.horizontalCenter
+                    width: 36
+                    height: 36
+                    symbol: "keyboard"
+                    color: Qt.rgba(Palette.gray.r, Palette.gray.g, Palette.gray.b, 0.7)
+                }
+                Text {
+                    objectName: "exitMessage"
+                    width: parent.width
+                    horizontalAlignment: Text.AlignHCenter
+                    wrapMode: Text.WrapAtWordBoundaryOrAnywhere
+                    textFormat: Text.PlainText
+                    text: "未启用「%1」\n退出安装将无法使用".arg(overlay.model.appDisplayName)
+                    font { pixelSize: 18; weight: Font.DemiBold }
+                    color: Palette.black(0.85)
+                }
+            }
+        }
+        Row {
+            id: buttons
+            anchors { horizontalCenter: parent.horizontalCenter; bottom: parent.bottom; bottomMargin: 20 }
+            leftPadding: 48
+            rightPadding: 48
+            spacing: 18
+            PlainButton {
+                objectName: "exitButton"
+                width: 132
+                height: 40
+                radius: 12
+                color: Palette.black(0.06)
+                textColor: Palette.black(0.8)
+                font { pixelSize: 16; weight: Font.Medium }
+                text: "退出安装"
+                onClicked: overlay.model.userPressedExit()
+            }
+            PrimaryButton {
+                objectName: "exitGoEnableButton"
+                width: 132
+                height: 40
+                radius: 12
+                font { pixelSize: 16; weight: Font.DemiBold }
+                text: "去启用"
+                onClicked: overlay.model.userPressedGoEnable()
+            }
+        }
+    }
+}

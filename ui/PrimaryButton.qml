@@ -1,0 +1,12 @@
+import QtQuick 2.15
+import Orvane.Installer
+
+PlainButton {
+    implicitWidth: 240
+    implicitHeight: 44
+    radius: 8
+    color: Palette.primaryTop
+    gradientEnd: Palette.primaryBottom
+    textColor: "white"
+    hoverVeil: Palette.white(0.14)
+}

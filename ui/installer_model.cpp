@@ -1,0 +1,89 @@
+#include "ui/installer_model.h"
+
+#include <cmath>
+#include <string>
+#include <utility>
+
+#include "platform/application.h"
+#include "platform/bundle.h"
+
+namespace {
+
+constexpr LinearAnimation kBarAnimation{platform::Seconds(0.25)};
+constexpr const char* kProductName = "澄枫输入法";
+
+int milliseconds(LinearAnimation animation) {
+  return static_cast<int>(std::lround(animation.duration.count() * 1000));
+}
+
+/// The first of these texts of the bundle's that is there and not empty.
+QString displayName() {
+  for (const char* key : {"CFBundleDisplayName", "CFBundleName"}) {
+    const auto value = platform::bundleInfoValue(key);
+    const auto* text = value ? value->as<std::string>() : nullptr;
+    if (text && !text->empty()) return QString::fromStdString(*text);
+  }
+  return QString::fromUtf8(kProductName);
+}
+
+QString shortVersion() {
+  const auto value = platform::bundleInfoValue("CFBundleShortVersionString");
+  const auto* text = value ? value->as<std::string>() : nullptr;
+  return text ? QString::fromStdString(*text) : QStringLiteral("-");
+}
+
+}  // namespace
+
+InstallerModel::InstallerModel(std::shared_ptr<ContentView> view, QObject* parent)
+    : QObject(parent),
+      view_(std::move(view)),
+      installProgress_(view_->installProgress),
+      progressAnimation_(milliseconds(kBarAnimation)),
+      appDisplayName_(displayName()),
+      version_(shortVersion()),
+      observations_{
+          view_->installProgress.observe([this](auto, auto animation) { showState(animation); }),
+          view_->installationStatus.observe([this](const auto&, auto) { showState(); }),
+          view_->isInstalling.observe([this](auto, auto) { showState(); }),
+          view_->showExitEnableConfirm.observe([this](auto, auto) { showState(); }),
+      } {}
+
+void InstallerModel::showState(std::optional<LinearAnimation> progressAnimation) {
+  // The progress goes first: a bar that appears shows it at once.
+  if (const double progress = view_->installProgress; progress != installProgress_) {
+    installProgress_ = progress;
+    progressAnimation_ = milliseconds(progressAnimation.value_or(kBarAnimation));
+    emit installProgressChanged();
+  }
+  emit stateChanged();
+}
+
+InstallerModel::Status InstallerModel::status() const {
+  switch (view_->installationStatus->value()) {
+    case InstallationStatus::failed:
+      return Status::Failed;
+    case InstallationStatus::notStarted:
+      return Status::NotStarted;
+    case InstallationStatus::installing:
+      return Status::Installing;
+    case InstallationStatus::waitingEnable:
+      return Status::WaitingEnable;
+    case InstallationStatus::success:
+      return Status::Success;
+    case InstallationStatus::needAdmin:
+      return Status::NeedAdmin;
+  }
+  Q_UNREACHABLE();
+}
+
+QString InstallerModel::failureMessage() const {
+  return QString::fromStdString(view_->installationStatus->message());
+}
+
+QString InstallerModel::progressText() const {
+  return QStringLiteral("正在安装 %1%").arg(static_cast<int>(installProgress_ * 100));
+}
+
+void InstallerModel::quit() {
+  platform::terminateApplication();
+}

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QtQmlIntegration>
+#include <array>
+#include <memory>
+#include <optional>
+
+#include "installer/content_view.h"
+
+/// Shows a ContentView to the screens and hands their events to it. Every change
+/// is told together with all others made so far, so that no screen is drawn from
+/// a state that the view never had. Main thread.
+class InstallerModel : public QObject {
+  Q_OBJECT
+  QML_ELEMENT
+  QML_UNCREATABLE("There is one, which the window is given.")
+  Q_PROPERTY(Status status READ status NOTIFY stateChanged)
+  Q_PROPERTY(QString failureMessage READ failureMessage NOTIFY stateChanged)
+  Q_PROPERTY(bool isInstalling READ isInstalling NOTIFY stateChanged)
+  Q_PROPERTY(bool showExitEnableConfirm READ showExitEnableConfirm NOTIFY stateChanged)
+  Q_PROPERTY(double installProgress READ installProgress NOTIFY installProgressChanged)
+  Q_PROPERTY(QString progressText READ progressText NOTIFY installProgressChanged)
+  Q_PROPERTY(int progressAnimation READ progressAnimation NOTIFY installProgressChanged)
+  Q_PROPERTY(QString appDisplayName READ appDisplayName CONSTANT)
+  Q_PROPERTY(QString version READ version CONSTANT)
+
+ public:
+  enum class Status { Failed, NotStarted, Installing, WaitingEnable, Success, NeedAdmin };
+  Q_ENUM(Status)
+
+  explicit InstallerModel(std::shared_ptr<ContentView> view, QObject* parent = nullptr);
+
+  Status status() const;
+  /// Empty unless failed.
+  QString failureMessage() const;
+  bool isInstalling() const { return view_->isInstalling; }
+  bool showExitEnableConfirm() const { return view_->showExitEnableConfirm; }
+  /// 0.0 to 1.0.
+  double installProgress() const { return installProgress_; }
+  /// "正在安装 42%": the percentage is truncated.
+  QString progressText() const;
+  /// How long the latest change of installProgress takes to show, in milliseconds.
+  int progressAnimation() const { return progressAnimation_; }
+
+  /// The product's name as its bundle gives it.
+  QString appDisplayName() const { return appDisplayName_; }
+  /// The bundle's version, "-" if it has none.
+  QString version() const { return version_; }
+
+  // What the buttons do.
+  Q_INVOKABLE void userPressedInstall() { view_->userPressedInstall(); }
+  Q_INVOKABLE void userPressedRetryAuthorisation() { view_->userPressedRetryAuthorisation(); }
+  Q_INVOKABLE void openKeyboardSettings() { view_->openKeyboardSettings(); }
+  Q_INVOKABLE void userPressedGoEnable() { view_->userPressedGoEnable(); }
+  Q_INVOKABLE void userPressedExit() { view_->userPressedExit(); }
+  Q_INVOKABLE void quit();
+
+  // The waiting screen has come on screen, or left it.
+  Q_INVOKABLE void enableWaitingViewDidAppear() { view_->enableWaitingViewDidAppear(); }
+  Q_INVOKABLE void enableWaitingViewDidDisappear() { view_->enableWaitingViewDidDisappear(); }
+
+ signals:
+  void stateChanged();
+  void installProgressChanged();
+
+ private:
+  void showState(std::optional<LinearAnimation> progressAnimation = std::nullopt);
+
+  std::shared_ptr<ContentView> view_;
+  double installProgress_;
+  int progressAnimation_;
+  const QString appDisplayName_;
+  const QString version_;
+  std::array<Observation, 4> observations_;
+};

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QQuickItem>
+#include <QtQmlIntegration>
+
+/// An item that tells assistive tools how far something is, which the toolkit
+/// has none for. It draws nothing.
+class ProgressItem : public QQuickItem {
+  Q_OBJECT
+  QML_ELEMENT
+  /// 0.0 to 1.0.
+  Q_PROPERTY(double value READ value WRITE setValue NOTIFY valueChanged)
+
+ public:
+  using QQuickItem::QQuickItem;
+  double value() const { return value_; }
+  void setValue(double value);
+
+  /// Makes the items known to assistive tools. Once.
+  static void installAccessibility();
+
+ signals:
+  void valueChanged();
+
+ private:
+  double value_ = 0.0;
+};
