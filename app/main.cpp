@@ -9,6 +9,7 @@
 #include "app/tessal_input_installer_app.h"
 #include "platform/admin_script.h"
 #include "platform/application.h"
+#include "ui/installer_ui.h"
 
 namespace {
 
@@ -40,7 +41,7 @@ int main(int argc, char** argv) {
     return kBadUsage;
   }
 
-  TessalInputInstallerApp::prepareToolkit();
+  prepareToolkit();
   qInstallMessageHandler(endWithoutDisplay);
   argc = 1;
   QGuiApplication application(argc, argv);

@@ -1,6 +1,5 @@
 #include "app/tessal_input_installer_app.h"
 
-#include <QFont>
 #include <QQuickItem>
 #include <QScreen>
 #include <QVariant>
@@ -12,25 +11,10 @@
 namespace {
 // Until the window is configured, which keeps its centre.
 constexpr QSize kFirstSize{500, 450};
-constexpr int kFontSize = 13;
 }  // namespace
 
-void TessalInputInstallerApp::prepareToolkit() {
-#ifdef Q_OS_LINUX
-  // Needs no GPU, and starts in a third of the time and memory.
-  if (!qEnvironmentVariableIsSet("QT_QUICK_BACKEND"))
-    QQuickWindow::setSceneGraphBackend(QStringLiteral("software"));
-#endif
-}
-
 TessalInputInstallerApp::TessalInputInstallerApp(QGuiApplication& application) {
-  QFont font = QGuiApplication::font();
-#ifdef Q_OS_LINUX
-  font.setFamily(QStringLiteral("Noto Sans CJK SC"));
-#endif
-  font.setPixelSize(kFontSize);
-  QGuiApplication::setFont(font);
-
+  setApplicationFont();
   appDelegate_.install(application);
   registerInstallerUi();
 

@@ -11,9 +11,6 @@
 /// The application: one window, whose content is a fresh ContentView.
 class TessalInputInstallerApp {
  public:
-  /// What the toolkit has to know before its QGuiApplication is made.
-  static void prepareToolkit();
-
   /// Shows the window once the main loop runs.
   explicit TessalInputInstallerApp(QGuiApplication& application);
 

@@ -6,24 +6,14 @@
 
 #include "platform/application.h"
 #include "platform/bundle.h"
+#include "ui/installer_ui.h"
 
 namespace {
 
 constexpr LinearAnimation kBarAnimation{platform::Seconds(0.25)};
-constexpr const char* kProductName = "澄枫输入法";
 
 int milliseconds(LinearAnimation animation) {
   return static_cast<int>(std::lround(animation.duration.count() * 1000));
-}
-
-/// The first of these texts of the bundle's that is there and not empty.
-QString displayName() {
-  for (const char* key : {"CFBundleDisplayName", "CFBundleName"}) {
-    const auto value = platform::bundleInfoValue(key);
-    const auto* text = value ? value->as<std::string>() : nullptr;
-    if (text && !text->empty()) return QString::fromStdString(*text);
-  }
-  return QString::fromUtf8(kProductName);
 }
 
 QString shortVersion() {
@@ -39,7 +29,7 @@ InstallerModel::InstallerModel(std::shared_ptr<ContentView> view, QObject* paren
       view_(std::move(view)),
       installProgress_(view_->installProgress),
       progressAnimation_(milliseconds(kBarAnimation)),
-      appDisplayName_(displayName()),
+      appDisplayName_(::appDisplayName()),
       version_(shortVersion()),
       observations_{
           view_->installProgress.observe([this](auto, auto animation) { showState(animation); }),

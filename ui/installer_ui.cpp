@@ -1,12 +1,48 @@
 #include "ui/installer_ui.h"
 
+#include <QFont>
+#include <QGuiApplication>
+#include <QQuickWindow>
 #include <QtGlobal>
+#include <string>
 
+#include "platform/bundle.h"
 #include "ui/progress_item.h"
 
 // Named by the build after the module. In a static library nothing else refers
 // to them.
 void qml_register_types_Orvane_Installer();
+
+namespace {
+constexpr int kFontSize = 13;
+constexpr const char* kProductName = "澄枫输入法";
+}  // namespace
+
+void prepareToolkit() {
+#ifdef Q_OS_LINUX
+  // Needs no GPU, and starts in a third of the time and memory.
+  if (!qEnvironmentVariableIsSet("QT_QUICK_BACKEND"))
+    QQuickWindow::setSceneGraphBackend(QStringLiteral("software"));
+#endif
+}
+
+void setApplicationFont() {
+  QFont font = QGuiApplication::font();
+#ifdef Q_OS_LINUX
+  font.setFamily(QStringLiteral("Noto Sans CJK SC"));
+#endif
+  font.setPixelSize(kFontSize);
+  QGuiApplication::setFont(font);
+}
+
+QString appDisplayName() {
+  for (const char* key : {"CFBundleDisplayName", "CFBundleName"}) {
+    const auto value = platform::bundleInfoValue(key);
+    const auto* text = value ? value->as<std::string>() : nullptr;
+    if (text && !text->empty()) return QString::fromStdString(*text);
+  }
+  return QString::fromUtf8(kProductName);
+}
 
 void registerInstallerUi() {
   Q_INIT_RESOURCE(qmlcache_orvane_ui);

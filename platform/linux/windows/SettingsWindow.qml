@@ -1,0 +1,143 @@
+import QtQuick 2.15
+import Orvane.Installer
+import Orvane.Workbench
+
+// The list of input sources, each with a switch.
+Rectangle {
+    id: root
+
+    required property InputSourceList list
+    readonly property int rowHeight: 58
+    readonly property int mostRows: 8
+
+    implicitWidth: 460
+    implicitHeight: header.height + card.height + 3 * 24 - 6
+    color: "white"
+    // Its edge where no window manager draws one.
+    border { width: 1; color: Palette.black(0.12) }
+
+    Row {
+        id: header
+        x: 24
+        y: 24
+        spacing: 14
+        SystemImage {
+            width: 40
+            height: 40
+            symbol: "keyboard"
+            color: Qt.rgba(Palette.gray.r, Palette.gray.g, Palette.gray.b, 0.9)
+        }
+        Column {
+            anchors.verticalCenter: parent.verticalCenter
+            Text {
+                text: "输入法"
+                font { pixelSize: 18; weight: Font.DemiBold }
+                color: Palette.black(0.85)
+            }
+            Text {
+                text: "打开后即可用它输入文字"
+                font.pixelSize: 12
+                color: Palette.black(0.5)
+            }
+        }
+    }
+
+    ContinuousRectangle {
+        id: card
+        anchors { left: parent.left; right: parent.right; top: header.bottom }
+        anchors { leftMargin: 24; rightMargin: 24; topMargin: 18 }
+        height: Math.min(rows.count, root.mostRows) * root.rowHeight
+        radius: 12
+        color: Palette.black(0.03)
+        strokeWidth: 1
+        strokeColor: Palette.black(0.06)
+
+        Flickable {
+            id: flickable
+            anchors.fill: parent
+            contentHeight: rows.count * root.rowHeight
+            interactive: contentHeight > height
+            boundsBehavior: Flickable.StopAtBounds
+            clip: interactive
+
+            Column {
+                width: flickable.width
+                Repeater {
+                    id: rows
+                    // Their number: a row lives on, and keeps the focus, when its source changes.
+                    model: root.list.sources.length
+                    Item {
+                        id: row
+                        required property int index
+                        readonly property var source: root.list.sources[index] ?? {}
+
+                        width: flickable.width
+                        height: root.rowHeight
+
+                        Rectangle {
+                            visible: row.index > 0
+                            x: 16
+                            width: parent.width - 2 * x
+                            height: 1
+                            color: Palette.black(0.06)
+                        }
+                        Column {
+                            anchors { left: parent.left; right: mark.left; margins: 16 }
+                            anchors.verticalCenter: parent.verticalCenter
+                            spacing: 1
+                            Text {
+                                width: parent.width
+                                elide: Text.ElideRight
+                                textFormat: Text.PlainText
+                                text: row.source.name ?? ""
+                                font { pixelSize: 14; weight: Font.Medium }
+                                color: Palette.black(0.85)
+                            }
+                            Text {
+                                width: parent.width
+                                elide: Text.ElideMiddle
+                                textFormat: Text.PlainText
+                                text: row.source.isAsked ? "等待许可 · " + row.source.id
+                                                         : row.source.id ?? ""
+                                font.pixelSize: 11
+                                color: Palette.black(0.45)
+                            }
+                        }
+                        ContinuousRectangle {
+                            id: mark
+                            visible: row.source.isCurrent ?? false
+                            anchors { right: toggle.left; rightMargin: 14 }
+                            anchors.verticalCenter: parent.verticalCenter
+                            width: visible ? markText.width + 2 * 8 : 0
+                            height: 20
+                            radius: 6
+                            color: Palette.primarySoft
+                            Text {
+                                id: markText
+                                anchors.centerIn: parent
+                                text: "当前"
+                                font { pixelSize: 11; weight: Font.Medium }
+                                color: Palette.black(0.7)
+                            }
+                        }
+                        ToggleSwitch {
+                            id: toggle
+                            anchors { right: parent.right; rightMargin: 16 }
+                            anchors.verticalCenter: parent.verticalCenter
+                            enabled: !row.source.isFixed
+                            isOn: row.source.isEnabled ?? false
+                            name: row.source.name ?? ""
+                            onTurned: on => root.list.setEnabled(row.source.id, on)
+                            onActiveFocusChanged: {
+                                if (!activeFocus) return
+                                flickable.contentY = Math.max(
+                                    row.y + row.height - flickable.height,
+                                    Math.min(flickable.contentY, row.y))
+                            }
+                        }
+                    }
+                }
+            }
+        }
+    }
+}

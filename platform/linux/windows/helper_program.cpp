@@ -1,0 +1,92 @@
+#include "platform/linux/windows/helper_program.h"
+
+#include <QQuickItem>
+#include <QScreen>
+#include <QUrl>
+#include <cstdlib>
+#include <iostream>
+#include <utility>
+
+#include "platform/host_window.h"
+#include "ui/installer_ui.h"
+
+// Named by the build after the module. In a static library nothing else refers
+// to them.
+void qml_register_types_Orvane_Workbench();
+
+namespace {
+
+/// Who reports, and how a fatal message ends the process.
+struct Reporter {
+  std::string name;
+  int fatalStatus = 1;
+};
+Reporter& reporter() {
+  static Reporter instance;
+  return instance;
+}
+
+/// Drops what the toolkit says for its own developers: it may tell keys.
+void report(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
+  if (type == QtDebugMsg || type == QtInfoMsg) return;
+  std::cerr << reporter().name << ": " << message.toStdString() << '\n';
+  if (type == QtFatalMsg) std::_Exit(reporter().fatalStatus);
+}
+
+/// What has to be settled before there is an application; passes its name on.
+const char* prepare(const char* name, int noDisplayStatus) {
+  reporter() = {name, noDisplayStatus};
+  qInstallMessageHandler(report);
+  prepareToolkit();
+  return name;
+}
+
+}  // namespace
+
+HelperProgram::HelperProgram(const char* name, int noDisplayStatus)
+    : name_(prepare(name, noDisplayStatus)), application_(argumentCount_, arguments_.data()) {
+  QGuiApplication::setQuitOnLastWindowClosed(false);
+  setApplicationFont();
+  registerInstallerUi();
+  Q_INIT_RESOURCE(qmlcache_orvane_helper_windows);
+  qml_register_types_Orvane_Workbench();
+}
+
+void HelperProgram::open(const QString& screen, const QVariantMap& properties, const QString& title,
+                         unsigned style, std::function<bool()> shouldClose) {
+  view_.setResizeMode(QQuickView::SizeRootObjectToView);
+  view_.setInitialProperties(properties);
+  view_.setSource(
+      QUrl(QStringLiteral("qrc:/qt-project.org/imports/Orvane/Workbench/%1.qml").arg(screen)));
+
+  QQuickItem* const root = view_.rootObject();
+  const auto fit = [this, root] {
+    const QSize size = QSizeF(root->implicitWidth(), root->implicitHeight()).toSize();
+    view_.setMinimumSize(size);
+    view_.setMaximumSize(size);
+    view_.resize(size);
+  };
+  QObject::connect(root, &QQuickItem::implicitWidthChanged, &view_, fit);
+  QObject::connect(root, &QQuickItem::implicitHeightChanged, &view_, fit);
+  fit();
+  QRect frame(QPoint(), view_.size());
+  frame.moveCenter(view_.screen()->availableGeometry().center());
+  view_.setPosition(frame.topLeft());
+
+  const bool isOnTop = view_.flags().testFlag(Qt::WindowStaysOnTopHint);
+  platform::HostWindow host(view_);
+  host.setStyleMask(style);
+  host.setButtonEnabled(platform::WindowButton::miniaturize, false);
+  host.setButtonEnabled(platform::WindowButton::zoom, false);
+  view_.setFlag(Qt::WindowStaysOnTopHint, isOnTop);
+  host.setTitle(title.toStdString());
+  host.setShouldClose(std::move(shouldClose));
+  view_.show();
+  view_.requestActivate();
+}
+
+int HelperProgram::run() {
+  const int status = QGuiApplication::exec();
+  view_.setSource({});
+  return status;
+}

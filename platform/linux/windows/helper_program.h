@@ -1,0 +1,40 @@
+// A helper program with one window, which looks like the installer's own.
+
+#pragma once
+
+#include <QGuiApplication>
+#include <QQuickView>
+#include <QString>
+#include <QVariantMap>
+#include <array>
+#include <functional>
+#include <string>
+
+/// The toolkit and the window of a helper program; one a process.
+class HelperProgram {
+ public:
+  /// `name` introduces what it says on standard error. Without a display the
+  /// process ends here, with a reason and this status.
+  HelperProgram(const char* name, int noDisplayStatus);
+
+  /// Shows the screen "`screen`.qml" in the middle of the display, as large as
+  /// its root asks to be, now and later. `style` has bits of WindowStyle, and
+  /// `shouldClose` is asked when the user closes the window.
+  void open(const QString& screen, const QVariantMap& properties, const QString& title,
+            unsigned style, std::function<bool()> shouldClose);
+
+  /// Puts the window above all others.
+  void keepOnTop() { view_.setFlag(Qt::WindowStaysOnTopHint); }
+
+  /// Runs until end(); the status given there. The screen is gone by then, so what
+  /// it shows may go too.
+  int run();
+  static void end(int status) { QGuiApplication::exit(status); }
+
+ private:
+  std::string name_;
+  int argumentCount_ = 1;
+  std::array<char*, 2> arguments_{name_.data(), nullptr};
+  QGuiApplication application_;
+  QQuickView view_;
+};

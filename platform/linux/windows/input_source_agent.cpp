@@ -1,0 +1,107 @@
+// input-source-agent: the windows of the input-source service. It asks the user
+// whether an input method may be used, and shows the list that stands for the
+// system's settings.
+
+#include <algorithm>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "platform/application.h"
+#include "platform/host_window.h"
+#include "platform/linux/input_source_service.h"
+#include "platform/linux/windows/consent_question.h"
+#include "platform/linux/windows/helper_program.h"
+#include "platform/linux/windows/input_source_list.h"
+#include "platform/linux/windows/single_instance.h"
+#include "ui/installer_ui.h"
+
+namespace {
+
+namespace service = platform::linux_;
+
+constexpr const char* kName = "input-source-agent";
+constexpr int kFailed = 1;
+constexpr int kBadUsage = 64;
+constexpr int kNoDisplay = 69;
+
+int usage(const std::string& problem) {
+  std::cerr << kName << ": " << problem
+            << "\n"
+               "usage: input-source-agent [OPTION] --consent ID | --settings\n"
+               "  --consent ID  ask the user to allow this input method, if it is to be\n"
+               "                asked for\n"
+               "  --settings    show the input sources, each with a switch\n"
+            << platform::platformOptionsUsage();
+  return kBadUsage;
+}
+
+int askForConsent(const std::string& id) {
+  const auto source = service::findInputSource(id);
+  if (!source) {
+    std::cerr << kName << ": no input source has the identifier " << id << '\n';
+    return kFailed;
+  }
+  std::string place = "consent-" + source->bundleId;
+  std::replace(place.begin(), place.end(), '/', '_');
+  SingleInstance instance(place);
+  if (!instance.take()) return 0;
+
+  HelperProgram program(kName, kNoDisplay);
+  const auto isAsked = [&id] {
+    const auto now = service::findInputSource(id);
+    return now && now->isAsked;
+  };
+  const auto observer = service::observeInputSources(service::WatchedState::everything, [&] {
+    if (isAsked()) return;
+    instance.release();
+    // Asked once more before that, the agent started for it has found the place
+    // taken and left it to this one.
+    if (isAsked() && instance.take()) return;
+    HelperProgram::end(0);
+  });
+  if (!isAsked()) return 0;
+
+  ConsentQuestion question(appDisplayName(), QString::fromStdString(source->name));
+  QObject::connect(&question, &ConsentQuestion::answered, [&](bool allowed) {
+    instance.release();  // the next question needs a window of its own
+    const auto status = allowed ? service::allowInputMethod(id) : service::denyInputMethod(id);
+    if (status != platform::kNoError)
+      std::cerr << kName << ": the answer was not taken: status " << status << '\n';
+    HelperProgram::end(status == platform::kNoError ? 0 : kFailed);
+  });
+  instance.onOtherStart(platform::activateIgnoringOtherApps);
+  program.keepOnTop();
+  program.open(QStringLiteral("ConsentWindow"), {{"question", QVariant::fromValue(&question)}},
+               QStringLiteral("输入法许可"), platform::kTitled,
+               [] { return false; });  // only its buttons answer it
+  return program.run();
+}
+
+int showSettings() {
+  SingleInstance instance("settings");
+  if (!instance.take()) return 0;
+  HelperProgram program(kName, kNoDisplay);
+  InputSourceList list;
+  instance.onOtherStart(platform::activateIgnoringOtherApps);
+  program.open(QStringLiteral("SettingsWindow"), {{"list", QVariant::fromValue(&list)}},
+               QStringLiteral("键盘 · 输入法"), platform::kTitled | platform::kClosable, [] {
+                 HelperProgram::end(0);
+                 return true;
+               });
+  return program.run();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::vector<std::string> arguments(argv + 1, argv + argc);
+  if (const auto problem = platform::takePlatformOptions(arguments)) return usage(*problem);
+  if (arguments.empty()) return usage("--consent or --settings is missing");
+  const bool isConsent = arguments.front() == "--consent";
+  if (!isConsent && arguments.front() != "--settings")
+    return usage("unknown argument: " + arguments.front());
+  if (arguments.size() != (isConsent ? 2 : 1))
+    return usage(arguments.front() + " takes " + (isConsent ? "one identifier" : "no argument"));
+  return isConsent ? askForConsent(arguments[1]) : showSettings();
+}

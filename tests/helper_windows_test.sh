@@ -1,0 +1,70 @@
+#!/bin/sh
+# The windows of askpass and input-source-agent, with real clicks and keys.
+# usage: helper_windows_test.sh APP_BUNDLE   Exit status 77: it cannot run here.
+set -u
+
+if [ "${1:-}" != --inside ]; then
+  for tool in xvfb-run xauth xdotool xprop openbox; do
+    command -v $tool >/dev/null || { echo "skipped: no $tool here"; exit 77; }
+  done
+  exec xvfb-run -a -s "-screen 0 1000x800x24" sh "$0" --inside "$1"
+fi
+
+app=$2
+helpers=$app/Contents/Helpers
+work=$(mktemp -d)
+base=com.tessal.inputmethod.Orvane
+failures=0 running=
+openbox >/dev/null 2>&1 & manager=$!
+until xprop -root _NET_SUPPORTING_WM_CHECK | grep -q '#'; do sleep 0.1; done
+trap 'kill $manager $running 2>/dev/null; rm -rf "$work"' EXIT
+trap 'exit 1' HUP INT TERM
+
+fail() { echo "  FAILED: $*"; failures=$((failures + 1)); }
+expect() { [ "$2" = "$3" ] || fail "$1: expected \"$3\", got \"$2\""; }
+start() { # start TITLE PROGRAM [ARGUMENT...]: until its window has the focus
+  title=$1 program=$helpers/$2
+  shift 2
+  "$program" "$@" >"$work/out" 2>"$work/err" & running=$!
+  window=$(timeout 30 xdotool search --sync --onlyvisible --name "^$title\$") &&
+    timeout 30 xdotool windowactivate --sync "$window" || fail "no window $title"
+}
+click() { xdotool mousemove --window "$window" "$1" "$2" click 1; }
+ended() { wait "$running" 2>/dev/null; expect "$1: status" $? "$2"; running=; }
+sources() { "$helpers/input-sources" --root "$work/root" "$@"; }
+expect_state() { expect "$1" "$(sources list | grep "^$base	" | cut -f 2)" "$2"; }
+
+ask() { start "$(basename "$app" .app)" askpass '想要 100% "更改"'; }
+export QT_LOGGING_RULES='*=true' # the password stays out even of a full log
+ask; xdotool type --delay 30 'a "B%1\'; xdotool key Return; ended Return 0
+expect "password" "$(cat "$work/out")" 'a "B%1\'
+ask; xdotool type --delay 30 xyz; click 240 290; ended 好 0
+expect "password by click" "$(cat "$work/out")" xyz
+! grep -q -i key "$work/err" || fail "keys in the log"
+unset QT_LOGGING_RULES
+for keys in Escape alt+F4 "Tab space"; do
+  ask; xdotool type --delay 30 abc; xdotool key $keys; ended "$keys" 1
+  [ ! -s "$work/out" ] || fail "$keys gives the password away"
+done
+ask; kill "$running"; ended SIGTERM 143
+env -u DISPLAY "$helpers/askpass" >"$work/out" 2>"$work/err"
+expect "status without a display" $? 1
+
+consent() { start 输入法许可 input-source-agent --root "$work/root" --consent $base; }
+unanswered_request() { env -u DISPLAY "$helpers/input-sources" --root "$work/root" enable $base; }
+env -u DISPLAY SUDO_ASKPASS=/bin/true "$app/Contents/MacOS/orvane-install" --root "$work/root" \
+  --no-wait >/dev/null
+consent; xdotool key Escape alt+F4; sleep 0.5
+"$helpers/input-source-agent" --root "$work/root" --consent $base || fail "a second window"
+expect_state "unanswered" "disabled asked"
+click 265 180; ended "consent 好" 0; expect_state 好 enabled
+sources deny $base; unanswered_request
+consent; click 140 180; ended "consent 不允许" 0; expect_state 不允许 disabled
+unanswered_request
+consent; sources deny $base; ended "answered elsewhere" 0
+start '键盘 · 输入法' input-source-agent --root "$work/root" --settings
+xdotool key Tab space; sleep 0.5; expect_state "switched on" enabled
+xdotool key alt+F4; ended settings 0
+"$helpers/input-source-agent" --consent 2>/dev/null; expect "bad usage" $? 64
+
+[ $failures -eq 0 ] || { echo "$failures failed"; exit 1; }
