@@ -12,6 +12,7 @@ inline constexpr const char* kInstallLogPath = "/tmp/tessal_installer.log";
 inline constexpr const char* kUILogPath = "/tmp/tessal_installer_ui.log";
 
 struct CloseFile {
+  // NOLINTNEXTLINE(cppcoreguidelines-owning-memory): the handle that calls this owns it.
   void operator()(std::FILE* file) const { std::fclose(file); }
 };
 using FileHandle = std::unique_ptr<std::FILE, CloseFile>;

@@ -2,6 +2,7 @@
 # The windows of askpass and input-source-agent, with real clicks and keys.
 # usage: helper_windows_test.sh APP_BUNDLE   Exit status 77: it cannot run here.
 set -u
+export LC_ALL=C.UTF-8 # the windows' titles are Chinese
 
 if [ "${1:-}" != --inside ]; then
   for tool in xvfb-run xauth xdotool xprop openbox; do

@@ -2,6 +2,7 @@
 # Drives whole installations with real clicks under Xvfb and takes a screenshot a
 # step; fails if a step is not reached.  usage: demo.sh APP_BUNDLE OUTPUT_FOLDER
 set -u
+export LC_ALL=C.UTF-8 # the windows' titles are Chinese
 
 app=$1
 out=$2

@@ -22,8 +22,8 @@ constexpr auto kCloseQuestion = "closeQuestion";
 class CloseQuestion final : public QObject {
  public:
   static CloseQuestion& of(QWindow& window) {
-    auto* question = window.findChild<CloseQuestion*>(QLatin1String(kCloseQuestion),
-                                                      Qt::FindDirectChildrenOnly);
+    auto* question =
+        window.findChild<CloseQuestion*>(QLatin1String(kCloseQuestion), Qt::FindDirectChildrenOnly);
     return question ? *question : *new CloseQuestion(window);  // the window owns it
   }
 
