@@ -1,0 +1,123 @@
+#!/bin/sh
+# The installer's real window, with and without a window manager and at both
+# scales.  usage: installer_window_test.sh APP_BUNDLE   Exit status 77: it cannot
+# run here.
+set -u
+export LC_ALL=C.UTF-8 # the windows' titles are Chinese
+
+if [ "${1:-}" != --inside ]; then
+  for tool in xvfb-run xauth xdotool xprop xwininfo openbox import; do
+    command -v $tool >/dev/null || { echo "skipped: no $tool here"; exit 77; }
+  done
+  exec xvfb-run -a -s "-screen 0 1280x1024x24" sh "$0" --inside "$1"
+fi
+
+app=$2
+work=$(mktemp -d)
+root=$work/root
+failures=0 installer= manager=
+trap 'kill $installer $manager 2>/dev/null; end_agents; rm -rf "$work"' EXIT
+trap 'exit 1' HUP INT TERM
+
+fail() { echo "  FAILED: $*"; failures=$((failures + 1)); }
+expect() { [ "$2" = "$3" ] || fail "$1: expected \"$3\", got \"$2\""; }
+await() { # await WHAT COMMAND...
+  what=$1 tries=0
+  shift
+  until "$@" >/dev/null 2>&1; do
+    tries=$((tries + 1))
+    [ $tries -le 200 ] || { fail "not reached: $what"; return 1; }
+    sleep 0.1
+  done
+}
+end_agents() {
+  for process in /proc/[0-9]*; do
+    { tr '\0' ' ' <"$process/cmdline"; } 2>/dev/null |
+      grep -q "input-source-agent --root $work/" && kill "${process#/proc/}" 2>/dev/null
+  done
+}
+open_installer() { # the window goes to $window
+  SUDO_ASKPASS=${1:-/bin/true} "$app/Contents/MacOS/Orvane Installer" --root "$root" 2>/dev/null &
+  installer=$!
+  await "a window" xdotool search --onlyvisible --pid $installer
+  window=$(xdotool search --onlyvisible --pid $installer | tail -n 1)
+  sleep 0.5
+}
+size() { xwininfo -id "$window" | awk '/Width:/ { w = $2 } /Height:/ { print w "x" $2 }'; }
+content_centre() {
+  xwininfo -id "$window" | awk '/Absolute upper-left X/ { x = $4 } /Absolute upper-left Y/ { y = $4 }
+    /Width:/ { x += $2 / 2 } /Height:/ { print x "," y + $2 / 2 }'
+}
+# The colour of a point of the window, in pixels.
+colour() { import -silent -window "$window" -crop 1x1+"$1"+"$2" -depth 8 txt:- | grep -o '#[0-9A-F]\{6\}' | tail -n 1; }
+click() { xdotool mousemove --window "$window" "$1" "$2" sleep 0.2 click 1; }
+ended() { wait $installer; expect "$1: exit status" $? 0; installer=; }
+ui_log_has() { grep -q "$1" "$root/tmp/tessal_installer_ui.log"; }
+
+echo "without a window manager"
+for scale in 1 2; do
+  export QT_SCALE_FACTOR=$scale
+  open_installer
+  # 1000 by 900 pixels on the screen, whatever the scale.
+  expect "size at scale $scale" "$(size)" 1000x900
+  expect "centre at scale $scale" "$(content_centre)" 640,512
+  expect "corner at scale $scale" "$(colour 3 3)" "#FFFFFF"
+  # The button's gradient runs from sky blue to lavender.
+  left=$(colour $((500 - scale * 112)) $((450 + scale * 78)))
+  right=$(colour $((500 + scale * 112)) $((450 + scale * 78)))
+  case $left in "#7"?[BC]*) ;; *) fail "left end of the button is $left" ;; esac
+  case $right in "#9"?[89]*) ;; *) fail "right end of the button is $right" ;; esac
+  kill -TERM $installer
+  ended "SIGTERM at scale $scale"
+done
+unset QT_SCALE_FACTOR
+
+openbox >/dev/null 2>&1 & manager=$!
+await "the window manager" sh -c 'xprop -root _NET_SUPPORTING_WM_CHECK | grep "#"'
+
+echo "closing while nothing is going on"
+open_installer
+centre=$(content_centre)
+xdotool windowsize "$window" 700 600 2>/dev/null
+xdotool windowminimize "$window" 2>/dev/null
+sleep 0.5
+expect "size after resizing" "$(size)" 1000x900
+expect "centre" "$(content_centre)" "$centre"
+xprop -id "$window" WM_STATE | grep -q Normal || fail "the window was minimised"
+xdotool windowfocus --sync "$window" key alt+F4
+ended close
+
+echo "closing while waiting"
+open_installer
+xdotool windowfocus --sync "$window" key Tab space
+await "the waiting phase" ui_log_has trigger=enter-waiting
+sleep 1
+for press in 1 2; do
+  xdotool windowfocus --sync "$window" key alt+F4
+  sleep 0.5
+  kill -0 $installer || fail "close $press ended the installer"
+done
+case $(colour 3 3) in "#C"*) ;; *) fail "nothing is dimmed: $(colour 3 3)" ;; esac
+# Neither the dimmed area nor a key dismisses it, and what is below is out of reach.
+click 500 805
+xdotool key Escape
+sleep 0.6
+! ui_log_has openKeyboardSettings || fail "the button below was pressed"
+case $(colour 3 3) in "#C"*) ;; *) fail "the overlay was dismissed" ;; esac
+click 425 620
+ended "退出安装"
+
+echo "allowed elsewhere"
+end_agents
+open_installer
+xdotool windowfocus --sync "$window" key Tab Return
+await "the waiting phase" ui_log_has trigger=enter-waiting
+"$app/Contents/Helpers/input-sources" --root "$root" allow com.tessal.inputmethod.Orvane
+await "success" ui_log_has 'kTISNotifyEnabledKeyboardInputSourcesChanged'
+sleep 1
+xdotool windowfocus --sync "$window" key Tab space
+ended "安装成功"
+expect "current source" "$("$app/Contents/Helpers/input-sources" --root "$root" current)" \
+  com.tessal.inputmethod.Orvane.pinyin
+
+[ $failures -eq 0 ] || { echo "$failures failed"; exit 1; }
