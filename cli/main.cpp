@@ -68,14 +68,14 @@ class TerminalFront {
         showProgress();
         view_->enableWaitingViewDidDisappear();
         say("安装成功");
-        return leave(kSuccess);
+        return leaveSoon(kSuccess);
       case InstallationStatus::needAdmin:
         complain("未获得管理员授权，安装未进行");
-        return leave(kRefused);
+        return leaveSoon(kRefused);
       case InstallationStatus::failed:
         complain(status.message());
         complain("日志：" + platform::onDisk(kUILogPath).string());
-        return leave(kFailed);
+        return leaveSoon(kFailed);
     }
   }
 
@@ -83,7 +83,7 @@ class TerminalFront {
     showProgress();
     if (!options_.doesWait || isAskedToLeave_) {
       say("已安装，尚未启用");
-      return leave(kLeftWhileWaiting);
+      return leaveSoon(kLeftWhileWaiting);
     }
     say("为了正常使用，请将「澄枫输入法」添加到输入法列表");
     view_->enableWaitingViewDidAppear();
@@ -95,10 +95,17 @@ class TerminalFront {
     if (!view_) return;
     if (view_->installationStatus->is(InstallationStatus::waitingEnable)) {
       say("已安装，尚未启用");
-      return leave(kLeftWhileWaiting);
+      return leaveSoon(kLeftWhileWaiting);
     }
     // How the script ends now decides the result.
     platform::interruptAdminScript();
+  }
+
+  /// After what is on the queue now: the last pieces of the log among it.
+  void leaveSoon(ExitStatus status) {
+    platform::async([this, status] {
+      if (view_) leave(status);
+    });
   }
 
   void leave(ExitStatus status) {
@@ -107,7 +114,6 @@ class TerminalFront {
     installingWatch_.reset();
     statusWatch_.reset();
     view_.reset();
-    platform::interruptAdminScript();
     platform::endMainLoop(status);
   }
 

@@ -1,7 +1,9 @@
 #include "installer/content_view.h"
 
 ContentView::ContentView() = default;
-ContentView::~ContentView() = default;
+ContentView::~ContentView() {
+  if (const auto tail = tail_.lock()) tail->terminate();
+}
 
 std::shared_ptr<ContentView> ContentView::create() {
   // The constructor is private, out of make_shared's reach.

@@ -11,6 +11,7 @@
 #include "installer/installation_status.h"
 #include "installer/state.h"
 #include "platform/admin_script.h"
+#include "platform/child_process.h"
 #include "platform/host_window.h"
 #include "platform/main_queue.h"
 #include "platform/text_input_sources.h"
@@ -110,6 +111,8 @@ class ContentView : public std::enable_shared_from_this<ContentView> {
   void registerForActivationIfNeeded(std::string_view logSuffix);
   void refreshTextInputAgentsOnce();
 
+  /// The follower of the install log; it must not outlive the view.
+  std::weak_ptr<platform::ChildProcess> tail_;
   Observation waitingEnableWatch_;
   NotificationToken exitConfirmObserver_;
 };

@@ -37,7 +37,7 @@ void ContentView::startInstallation() {
 
   installPathExistedBeforeStart = TessalInstaller().isInstalled();
 
-  createEmptyFile(platform::onDisk(kUILogPath));
+  emptyFile(platform::onDisk(kUILogPath));
 
   const auto script = platform::bundleResource("install", "sh");
   if (!script) {
@@ -48,7 +48,7 @@ void ContentView::startInstallation() {
   }
 
   const std::filesystem::path installLog = platform::onDisk(kInstallLogPath);
-  createEmptyFile(installLog);
+  emptyFile(installLog);
 
   const std::weak_ptr<ContentView> view = weak_from_this();
   const auto tail = std::make_shared<platform::ChildProcess>(
@@ -60,6 +60,7 @@ void ContentView::startInstallation() {
           if (const auto self = view.lock()) self->handleInstallLogChunk(text);
         });
       });
+  tail_ = tail;
   if (const auto problem = tail->launch()) appendUILog("无法启动日志跟踪: " + *problem + "\n");
 
   const std::string source =

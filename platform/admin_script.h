@@ -28,9 +28,9 @@ std::optional<AdminScriptError> executeAdminScript(const std::string& source);
 
 /// Asks a script that is being executed to end, as far as the system lets this
 /// process do so: a pending password prompt is dismissed and a script of the
-/// same user is sent SIGTERM; one that runs with higher rights goes on. Returns
-/// when no child of the execution is left, at once when there is none. Main
-/// thread.
+/// same user is sent SIGTERM; one that runs with higher rights goes on. None is
+/// started any more. Returns when no child of this process is left of it, at once
+/// when there is none. Main thread.
 void interruptAdminScript();
 
 }  // namespace platform

@@ -25,9 +25,9 @@ int runMainLoop();
 /// Ends runMainLoop() after the current block.
 void endMainLoop(int status);
 
-/// Runs `block` on the main queue when the process is asked to end by SIGINT or
-/// SIGTERM, which then no longer end it. The latest block stays until the
-/// process ends. Main thread.
+/// Runs `block` on the main queue when the process is asked to end by SIGINT,
+/// SIGTERM, SIGHUP or SIGQUIT, which then no longer end it, nor does SIGPIPE. The latest block
+/// stays until the process ends. Main thread.
 void onTerminationRequest(Block block);
 
 /// Brings this application to the front of the others

@@ -58,10 +58,11 @@ no_child_left() {
 }
 
 case_ fresh
-install /bin/true & front=$!
+(install /bin/true; exit $status) & front=$!
 wait_for "$root.out" '请将「澄枫输入法」添加到输入法列表'
 sources allow $base || fail "allow"
 wait $front
+expect status $? 0
 wait_for "$root.out" 安装成功
 expect "current source" "$(sources current)" $base.pinyin
 expect_lines "UI log" "$ui_log" '开始注册并激活输入法...' '启用路径：全新安装（可能弹出“允许启用”提示）' \

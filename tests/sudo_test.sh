@@ -53,6 +53,23 @@ grep -q '管理员授权失败: .*' "$ui_log" && grep -q 'incorrect password' "$
   fail "the UI log does not say why"
 [ ! -e "$machine/root/Library" ] || fail "something was installed"
 install right 3
+askpass mistyped-then-closed 'if [ -e /tmp/mistyped ]; then exit 1; fi; : >/tmp/mistyped; echo falsch'
+install mistyped-then-closed 2
+rm -f "$ui_log"
+echo "right, and allowed"
+inside su installer-tester -c "SUDO_ASKPASS=/opt/askpass-right timeout 100 \
+  '$app/Contents/MacOS/orvane-install'" >/dev/null 2>&1 & front=$!
+tries=0
+until grep -q trigger=enter-waiting "$ui_log" 2>/dev/null || [ $tries -gt 300 ]; do
+  tries=$((tries + 1))
+  sleep 0.1
+done
+sources() { inside su installer-tester -c "'$app/Contents/Helpers/input-sources' $*"; }
+sources allow com.tessal.inputmethod.Orvane
+wait $front
+status=$?
+[ $status -eq 0 ] || fail "exit status $status instead of 0"
+[ "$(sources current)" = com.tessal.inputmethod.Orvane.pinyin ] || fail "another source is current"
 [ "$(stat -c %U:%G "$machine/root/Library/Input Methods/Orvane.app")" = root:root ] ||
   fail "the bundle is not root's"
 grep -q finish "$machine/root/tmp/tessal_installer.log" || fail "no finish in the install log"

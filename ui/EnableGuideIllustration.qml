@@ -128,7 +128,7 @@ Item {
                 lineHeight: metrics.lineSpacing + 3
                 maximumLineCount: 3
                 elide: Text.ElideRight
-                // Down to 0.9 of its size.
+                // Down to 0.9 of its size, in whole pixels.
                 fontSizeMode: Text.VerticalFit
                 minimumPixelSize: 15
                 textFormat: Text.PlainText

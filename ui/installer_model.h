@@ -49,9 +49,14 @@ class InstallerModel : public QObject {
   /// The bundle's version, "-" if it has none.
   QString version() const { return version_; }
 
-  // What the buttons do.
-  Q_INVOKABLE void userPressedInstall() { view_->userPressedInstall(); }
-  Q_INVOKABLE void userPressedRetryAuthorisation() { view_->userPressedRetryAuthorisation(); }
+  // What the buttons do. The second click of a double click may come before the
+  // button has gone; it starts no second run.
+  Q_INVOKABLE void userPressedInstall() {
+    if (!view_->isInstalling) view_->userPressedInstall();
+  }
+  Q_INVOKABLE void userPressedRetryAuthorisation() {
+    if (!view_->isInstalling) view_->userPressedRetryAuthorisation();
+  }
   Q_INVOKABLE void openKeyboardSettings() { view_->openKeyboardSettings(); }
   Q_INVOKABLE void userPressedGoEnable() { view_->userPressedGoEnable(); }
   Q_INVOKABLE void userPressedExit() { view_->userPressedExit(); }

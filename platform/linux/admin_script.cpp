@@ -9,13 +9,14 @@
 
 #include <QProcess>
 #include <QString>
+#include <chrono>
 #include <condition_variable>
 #include <fstream>
 #include <map>
 #include <mutex>
-#include <set>
 #include <sstream>
 #include <string_view>
+#include <vector>
 
 #include "platform/bundle.h"
 #include "platform/linux/file_root_linux.h"
@@ -31,7 +32,7 @@ constexpr std::string_view kEnd = R"(")";
 
 constexpr int kSyntaxError = -2741;
 // What sudo says when the askpass program gave no password.
-constexpr std::string_view kNoPassword = "no password was provided";
+constexpr std::string_view kNoPassword = "sudo: no password was provided";
 
 struct ShellScript {
   std::string path;
@@ -64,7 +65,6 @@ class Execution {
     std::unique_lock lock(mutex_);
     changed_.wait(lock, [this] { return !isBusy_; });
     isBusy_ = true;
-    isInterrupted_ = false;
   }
 
   void end() {
@@ -93,8 +93,10 @@ class Execution {
   void interrupt() {
     std::unique_lock lock(mutex_);
     isInterrupted_ = true;
-    endProcesses();
-    changed_.wait(lock, [this] { return !isBusy_; });
+    // Again and again: a program that is just being started is not seen yet.
+    do {
+      endProcesses();
+    } while (!changed_.wait_for(lock, std::chrono::milliseconds(100), [this] { return !isBusy_; }));
   }
 
  private:
@@ -114,10 +116,10 @@ class Execution {
       pid_t parent = 0;
       if (rest >> state >> parent) childrenOf.emplace(parent, std::atoi(entry->d_name));
     }
-    std::set<pid_t> toEnd = {child_};
-    for (auto next = toEnd.begin(); next != toEnd.end(); ++next) {
-      const auto [first, last] = childrenOf.equal_range(*next);
-      for (auto child = first; child != last; ++child) toEnd.insert(child->second);
+    std::vector<pid_t> toEnd = {child_};
+    for (std::size_t next = 0; next < toEnd.size(); ++next) {
+      const auto [first, last] = childrenOf.equal_range(toEnd[next]);
+      for (auto child = first; child != last; ++child) toEnd.push_back(child->second);
     }
     for (const pid_t process : toEnd) ::kill(process, SIGTERM);
   }
@@ -188,10 +190,7 @@ std::optional<AdminScriptError> runWithSudo(const ShellScript& script) {
   const Outcome outcome =
       run("sudo", {"-A", "-k", "-p", prompt, "--", "/bin/sh", QString::fromStdString(script.path)},
           environment);
-  const std::string_view message = outcome.standardError;
-  if (outcome.status != 0 && message.starts_with("sudo: ") &&
-      message.find(kNoPassword) != std::string_view::npos &&
-      message.find("incorrect password") == std::string_view::npos)
+  if (outcome.status != 0 && outcome.standardError.find(kNoPassword) != std::string::npos)
     return cancelled();
   return result(outcome);
 }

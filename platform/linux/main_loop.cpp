@@ -54,8 +54,10 @@ class TerminationSignals {
       [[maybe_unused]] const auto written = ::write(instance().pipe_[1], &byte, 1);
     };
     action.sa_flags = SA_RESTART;
-    ::sigaction(SIGINT, &action, nullptr);
-    ::sigaction(SIGTERM, &action, nullptr);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT})
+      ::sigaction(signal, &action, nullptr);
+    // A reader that goes away is no reason to leave the script alone.
+    ::signal(SIGPIPE, SIG_IGN);
   }
 
   void stop() { notifier_.reset(); }

@@ -22,8 +22,19 @@ class MainQueue : public QObject {
     return queue;
   }
 
+  /// A block may own what still talks to the queue when it is destroyed.
+  ~MainQueue() override {
+    std::deque<Block> unrun;
+    {
+      const std::lock_guard lock(mutex_);
+      isClosed_ = true;
+      unrun.swap(blocks_);
+    }
+  }
+
   void push(Block block) {
     const std::lock_guard lock(mutex_);
+    if (isClosed_) return;
     blocks_.push_back(std::move(block));
     if (blocks_.size() == 1) QCoreApplication::postEvent(this, new QEvent(QEvent::User));
   }
@@ -45,6 +56,7 @@ class MainQueue : public QObject {
  private:
   std::mutex mutex_;
   std::deque<Block> blocks_;
+  bool isClosed_ = false;
 };
 
 // Made on the main thread, before any other thread can ask for it.

@@ -30,8 +30,10 @@ DispatchSource watch(int signal, const Block& block) {
 }  // namespace
 
 void onTerminationRequest(Block block) {
-  static std::array<DispatchSource, 2> sources;
-  sources = {watch(SIGINT, block), watch(SIGTERM, block)};
+  static std::array<DispatchSource, 4> sources;
+  sources = {watch(SIGINT, block), watch(SIGTERM, block), watch(SIGHUP, block),
+             watch(SIGQUIT, block)};
+  keepRunning(SIGPIPE);
 }
 
 }  // namespace platform
