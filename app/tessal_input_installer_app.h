@@ -17,8 +17,6 @@ class TessalInputInstallerApp {
   /// Runs until the application terminates; returns its exit status.
   static int main();
 
-  QQuickView& window() { return window_; }
-
  private:
   AppDelegate appDelegate_;
   std::shared_ptr<ContentView> contentView_ = ContentView::create();

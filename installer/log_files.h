@@ -22,13 +22,17 @@ inline FileHandle openForWriting(const std::filesystem::path& path) {
   return FileHandle(std::fopen(path.c_str(), "r+b"));
 }
 
+/// Creates the file if there is none; a failure is ignored.
+inline void createIfMissing(const std::filesystem::path& path) {
+  std::error_code error;
+  if (!std::filesystem::exists(path, error)) FileHandle(std::fopen(path.c_str(), "ab"));
+}
+
 /// Empties the file, or creates it if there is none; a failure is ignored.
 inline void emptyFile(const std::filesystem::path& path) {
+  createIfMissing(path);
   // Not by an open that could create it: the kernel may refuse that even to root on
   // another user's file in a sticky folder.
   std::error_code error;
-  if (std::filesystem::exists(path, error))
-    std::filesystem::resize_file(path, 0, error);
-  else
-    FileHandle(std::fopen(path.c_str(), "wb"));
+  std::filesystem::resize_file(path, 0, error);
 }

@@ -15,7 +15,7 @@ void ContentView::appendUILog(std::string_view text) {
   if (!utf8::is_valid(text.begin(), text.end())) return;
 
   const std::filesystem::path path = platform::onDisk(kUILogPath);
-  if (std::error_code error; !std::filesystem::exists(path, error)) emptyFile(path);
+  createIfMissing(path);
   const FileHandle file = openForWriting(path);
   if (!file) return;
   std::fseek(file.get(), 0, SEEK_END);

@@ -13,6 +13,7 @@ QtObject {
 
     // The system's.
     readonly property color accent: "#007aff"
+    readonly property color focusRing: Qt.rgba(accent.r, accent.g, accent.b, 0.5)
     readonly property color gray: "#8e8e93"
     readonly property color red: "#ff3b30"
     readonly property color yellow: "#ffcc00"

@@ -53,7 +53,7 @@ Item {
         anchors { fill: parent; margins: -4 }
         radius: fill.radius + 4
         strokeWidth: 3
-        strokeColor: Qt.rgba(Palette.accent.r, Palette.accent.g, Palette.accent.b, 0.5)
+        strokeColor: Palette.focusRing
     }
     ContinuousRectangle {
         id: fill

@@ -10,6 +10,28 @@ usage() {
   exit "$1"
 }
 
+# take_arguments MOST ARGUMENT…: sets dry_run, and the operands, of which there is at
+# least one: operand and, if MOST is 2, second_operand.
+take_arguments() {
+  operands_left=$1
+  operand=
+  second_operand=
+  shift
+  for argument; do
+    case $argument in
+      --dry-run) dry_run=true ;;
+      --help) usage 0 ;;
+      -*) usage 64 >&2 ;;
+      *)
+        [ "$operands_left" -gt 0 ] || usage 64 >&2
+        operands_left=$((operands_left - 1))
+        if [ -z "$operand" ]; then operand=${argument%/}; else second_operand=$argument; fi
+        ;;
+    esac
+  done
+  [ -n "$operand" ] || usage 64 >&2
+}
+
 fail() {
   echo "$script: $*" >&2
   exit 1

@@ -8,18 +8,9 @@ set -eu
 # shellcheck source-path=SCRIPTDIR source=common.sh
 . "$(dirname "$0")/common.sh"
 
-application=
-image=
-for argument; do
-  case $argument in
-    --dry-run) dry_run=true ;;
-    --help) usage 0 ;;
-    -*) usage 64 >&2 ;;
-    *) if [ -z "$application" ]; then application=${argument%/}; else image=$argument; fi ;;
-  esac
-done
-[ -n "$application" ] || usage 64 >&2
-image=${image:-${application%.app}.dmg}
+take_arguments 2 "$@"
+application=$operand
+image=${second_operand:-${application%.app}.dmg}
 identity=${SIGN_IDENTITY:-}
 
 need_application "$application"

@@ -10,16 +10,8 @@ set -eu
 # shellcheck source-path=SCRIPTDIR source=common.sh
 . "$(dirname "$0")/common.sh"
 
-target=
-for argument; do
-  case $argument in
-    --dry-run) dry_run=true ;;
-    --help) usage 0 ;;
-    -*) usage 64 >&2 ;;
-    *) target=${argument%/} ;;
-  esac
-done
-[ -n "$target" ] || usage 64 >&2
+take_arguments 1 "$@"
+target=$operand
 profile=${NOTARY_PROFILE:-}
 
 need_xcrun notarytool

@@ -8,16 +8,8 @@ set -eu
 # shellcheck source-path=SCRIPTDIR source=common.sh
 . "$(dirname "$0")/common.sh"
 
-application=
-for argument; do
-  case $argument in
-    --dry-run) dry_run=true ;;
-    --help) usage 0 ;;
-    -*) usage 64 >&2 ;;
-    *) application=${argument%/} ;;
-  esac
-done
-[ -n "$application" ] || usage 64 >&2
+take_arguments 1 "$@"
+application=$operand
 identity=${SIGN_IDENTITY:-}
 entitlements=$(cd "$(dirname "$0")" && pwd)/entitlements.plist
 

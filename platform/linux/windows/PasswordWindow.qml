@@ -80,7 +80,7 @@ Rectangle {
                 anchors { fill: parent; margins: -3 }
                 radius: parent.radius + 3
                 strokeWidth: 3
-                strokeColor: Qt.rgba(Palette.accent.r, Palette.accent.g, Palette.accent.b, 0.5)
+                strokeColor: Palette.focusRing
             }
             Text {
                 anchors.fill: password
