@@ -2,18 +2,16 @@
 # Whole installations from the command line, on real processes, files and logs:
 # one for each outcome.  usage: end_to_end_test.sh APP_BUNDLE
 set -u
+. "$(dirname "$0")/support.sh"
 
 app=$1
 base=com.tessal.inputmethod.Orvane
 work=$(mktemp -d)
-failures=0
 unset DISPLAY WAYLAND_DISPLAY TESSAL_INSTALLER_WRITE_HITOOLBOX_DEFAULTS
 
 trap 'rm -rf "$work"' EXIT
 trap 'exit 1' HUP INT TERM
 
-fail() { echo "  FAILED: $*"; failures=$((failures + 1)); }
-expect() { [ "$2" = "$3" ] || fail "$1: expected \"$3\", got \"$2\""; }
 # expect_lines WHAT FILE LINE...: the file holds these lines in this order.
 expect_lines() {
   what=$1 file=$2 at=0
@@ -43,12 +41,7 @@ install() { # install ASKPASS [OPTION...]; the exit status goes to $status
 }
 sources() { "$app/Contents/Helpers/input-sources" --root "$root" "$@"; }
 wait_for() { # wait_for FILE TEXT
-  tries=0
-  until grep -q -- "$2" "$1" 2>/dev/null; do
-    tries=$((tries + 1))
-    [ $tries -le 300 ] || { fail "no \"$2\" in $1"; return; }
-    sleep 0.1
-  done
+  await "\"$2\" in $1" grep -q -- "$2" "$1"
 }
 no_child_left() {
   for process in /proc/[0-9]*; do
@@ -151,4 +144,4 @@ for arguments in "--bogus" "--root" "extra"; do
   grep -q usage: "$root.err" || fail "no usage for $arguments"
 done
 
-[ $failures -eq 0 ] || { echo "$failures failed"; exit 1; }
+finish

@@ -2,27 +2,21 @@
 # The windows of askpass and input-source-agent, with real clicks and keys.
 # usage: helper_windows_test.sh APP_BUNDLE   Exit status 77: it cannot run here.
 set -u
-export LC_ALL=C.UTF-8 # the windows' titles are Chinese
+. "$(dirname "$0")/support.sh"
 
 if [ "${1:-}" != --inside ]; then
-  for tool in xvfb-run xauth xdotool xprop openbox; do
-    command -v $tool >/dev/null || { echo "skipped: no $tool here"; exit 77; }
-  done
-  exec xvfb-run -a -s "-screen 0 1000x800x24" sh "$0" --inside "$1"
+  on_display 1000x800 "$0" --inside "$1"
 fi
 
 app=$2
 helpers=$app/Contents/Helpers
 work=$(mktemp -d)
 base=com.tessal.inputmethod.Orvane
-failures=0 running=
-openbox >/dev/null 2>&1 & manager=$!
-until xprop -root _NET_SUPPORTING_WM_CHECK | grep -q '#'; do sleep 0.1; done
+running=
+start_window_manager
 trap 'kill $manager $running 2>/dev/null; rm -rf "$work"' EXIT
 trap 'exit 1' HUP INT TERM
 
-fail() { echo "  FAILED: $*"; failures=$((failures + 1)); }
-expect() { [ "$2" = "$3" ] || fail "$1: expected \"$3\", got \"$2\""; }
 start() { # start TITLE PROGRAM [ARGUMENT...]: until its window has the focus
   title=$1 program=$helpers/$2
   shift 2
@@ -68,4 +62,4 @@ xdotool key Tab space; sleep 0.5; expect_state "switched on" enabled
 xdotool key alt+F4; ended settings 0
 "$helpers/input-source-agent" --consent 2>/dev/null; expect "bad usage" $? 64
 
-[ $failures -eq 0 ] || { echo "$failures failed"; exit 1; }
+finish

@@ -3,33 +3,19 @@
 # scales.  usage: installer_window_test.sh APP_BUNDLE   Exit status 77: it cannot
 # run here.
 set -u
-export LC_ALL=C.UTF-8 # the windows' titles are Chinese
+. "$(dirname "$0")/support.sh"
 
 if [ "${1:-}" != --inside ]; then
-  for tool in xvfb-run xauth xdotool xprop xwininfo openbox import; do
-    command -v $tool >/dev/null || { echo "skipped: no $tool here"; exit 77; }
-  done
-  exec xvfb-run -a -s "-screen 0 1280x1024x24" sh "$0" --inside "$1"
+  on_display 1280x1024 "$0" --inside "$1"
 fi
 
 app=$2
 work=$(mktemp -d)
 root=$work/root
-failures=0 installer= manager=
+installer= manager=
 trap 'kill $installer $manager 2>/dev/null; end_agents; rm -rf "$work"' EXIT
 trap 'exit 1' HUP INT TERM
 
-fail() { echo "  FAILED: $*"; failures=$((failures + 1)); }
-expect() { [ "$2" = "$3" ] || fail "$1: expected \"$3\", got \"$2\""; }
-await() { # await WHAT COMMAND...
-  what=$1 tries=0
-  shift
-  until "$@" >/dev/null 2>&1; do
-    tries=$((tries + 1))
-    [ $tries -le 200 ] || { fail "not reached: $what"; return 1; }
-    sleep 0.1
-  done
-}
 end_agents() {
   for process in /proc/[0-9]*; do
     { tr '\0' ' ' <"$process/cmdline"; } 2>/dev/null |
@@ -72,8 +58,7 @@ for scale in 1 2; do
 done
 unset QT_SCALE_FACTOR
 
-openbox >/dev/null 2>&1 & manager=$!
-await "the window manager" sh -c 'xprop -root _NET_SUPPORTING_WM_CHECK | grep "#"'
+start_window_manager
 
 echo "closing while nothing is going on"
 open_installer
@@ -120,4 +105,4 @@ ended "安装成功"
 expect "current source" "$("$app/Contents/Helpers/input-sources" --root "$root" current)" \
   com.tessal.inputmethod.Orvane.pinyin
 
-[ $failures -eq 0 ] || { echo "$failures failed"; exit 1; }
+finish

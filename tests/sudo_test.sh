@@ -3,10 +3,11 @@
 # a copy-on-write view of this machine that leaves nothing behind.
 # usage: sudo_test.sh APP_BUNDLE   Exit status 77: it cannot run here.
 set -u
+. "$(dirname "$0")/support.sh"
 
 if [ "${1:-}" != --inside ]; then
-  [ "$(id -u)" -eq 0 ] || { echo "skipped: only root can set the test machine up"; exit 77; }
-  unshare --mount true 2>/dev/null || { echo "skipped: no mount namespaces here"; exit 77; }
+  [ "$(id -u)" -eq 0 ] || skip "only root can set the test machine up"
+  unshare --mount true 2>/dev/null || skip "no mount namespaces here"
   exec unshare --mount sh "$0" --inside "$1"
 fi
 
@@ -16,15 +17,13 @@ trap 'umount -R -l "$machine" 2>/dev/null; rmdir "$machine"' EXIT
 mount -t tmpfs tmpfs "$machine" && mkdir "$machine/changes" "$machine/work" "$machine/root" &&
   mount -t overlay overlay \
     -o "lowerdir=/,upperdir=$machine/changes,workdir=$machine/work" "$machine/root" 2>/dev/null ||
-  { echo "skipped: no overlay file system here"; exit 77; }
+  skip "no overlay file system here"
 cp -R "$app" "$machine/root/opt/" || exit 1
 app=/opt/$(basename "$app")
 mount --rbind /proc "$machine/root/proc" && mount --rbind /dev "$machine/root/dev" &&
   mount -t tmpfs -o mode=1777 tmpfs "$machine/root/tmp" || exit 1
 
 inside() { chroot "$machine/root" "$@"; }
-failures=0
-fail() { echo "  FAILED: $*"; failures=$((failures + 1)); }
 
 inside useradd --create-home installer-tester || exit 1
 echo 'installer-tester:das richtige' | inside chpasswd || exit 1
@@ -59,20 +58,15 @@ rm -f "$ui_log"
 echo "right, and allowed"
 inside su installer-tester -c "SUDO_ASKPASS=/opt/askpass-right timeout 100 \
   '$app/Contents/MacOS/orvane-install'" >/dev/null 2>&1 & front=$!
-tries=0
-until grep -q trigger=enter-waiting "$ui_log" 2>/dev/null || [ $tries -gt 300 ]; do
-  tries=$((tries + 1))
-  sleep 0.1
-done
+await "the waiting phase" grep -q trigger=enter-waiting "$ui_log"
 sources() { inside su installer-tester -c "'$app/Contents/Helpers/input-sources' $*"; }
 sources allow com.tessal.inputmethod.Orvane
 wait $front
-status=$?
-[ $status -eq 0 ] || fail "exit status $status instead of 0"
-[ "$(sources current)" = com.tessal.inputmethod.Orvane.pinyin ] || fail "another source is current"
+expect "exit status" $? 0
+expect "current source" "$(sources current)" com.tessal.inputmethod.Orvane.pinyin
 [ "$(stat -c %U:%G "$machine/root/Library/Input Methods/Orvane.app")" = root:root ] ||
   fail "the bundle is not root's"
 grep -q finish "$machine/root/tmp/tessal_installer.log" || fail "no finish in the install log"
 grep -q 'Orvane Installer 想要进行更改' "$machine/root/tmp/prompts" || fail "another prompt"
 
-[ $failures -eq 0 ] || { echo "$failures failed"; exit 1; }
+finish

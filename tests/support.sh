@@ -1,0 +1,38 @@
+# Shared by the test scripts of this folder; sourced.
+
+export LC_ALL=C.UTF-8 # texts and window titles are Chinese
+failures=0
+
+fail() { echo "  FAILED: $*"; failures=$((failures + 1)); }
+expect() { [ "$2" = "$3" ] || fail "$1: expected \"$3\", got \"$2\""; } # expect WHAT ACTUAL EXPECTED
+
+# await WHAT COMMAND...: until the command succeeds, for 30 seconds at most.
+await() {
+  what=$1 tries=0
+  shift
+  until "$@" >/dev/null 2>&1; do
+    tries=$((tries + 1))
+    [ $tries -le 300 ] || { fail "not reached: $what"; return 1; }
+    sleep 0.1
+  done
+}
+
+finish() { [ $failures -eq 0 ] || { echo "$failures failed"; exit 1; }; }
+
+skip() { echo "skipped: $*"; exit 77; }
+
+# on_display SIZE SCRIPT ARGUMENT...: the script again, on a display of its own.
+on_display() {
+  for tool in xvfb-run xauth xdotool xprop xwininfo openbox import; do
+    command -v $tool >/dev/null || skip "no $tool here"
+  done
+  size=$1
+  shift
+  exec xvfb-run -a -s "-screen 0 ${size}x24" sh "$@"
+}
+
+# Starts a window manager, as $manager.
+start_window_manager() {
+  openbox >/dev/null 2>&1 & manager=$!
+  await "the window manager" sh -c 'xprop -root _NET_SUPPORTING_WM_CHECK | grep "#"'
+}
