@@ -27,10 +27,10 @@ demo: all
 	@tools/demo.sh "$(APP)" build/demo
 
 bench: all
-	@build/bench/log_follow
-	@if [ -n "$$DISPLAY" ]; then build/bench/first_frame build/bench/bare_window "$(APP)/Contents/MacOS/Orvane Installer"; \
+	@build/release/bench/log_follow
+	@if [ -n "$$DISPLAY" ]; then build/release/bench/first_frame build/release/bench/bare_window "$(APP)/Contents/MacOS/Orvane Installer"; \
 	else xvfb-run -a -s '-screen 0 1280x1024x24' \
-	  build/bench/first_frame build/bench/bare_window "$(APP)/Contents/MacOS/Orvane Installer"; fi
+	  build/release/bench/first_frame build/release/bench/bare_window "$(APP)/Contents/MacOS/Orvane Installer"; fi
 
 # The same tests under the address, undefined-behaviour and thread sanitizers.
 sanitize: setup

@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "app/notification_center.h"
-#include "app/window_close_interceptor.h"
+#include "app/window/notification_center.h"
+#include "app/window/window_close_interceptor.h"
 #include "installer/installation_status.h"
 #include "installer/state.h"
 #include "platform/admin_script.h"
@@ -61,7 +61,7 @@ class ContentView : public std::enable_shared_from_this<ContentView> {
   State<std::unique_ptr<WindowCloseInterceptor>> closeInterceptor{
       std::make_unique<WindowCloseInterceptor>()};
 
-  // Logs and commands (installer/logs_and_commands.cpp).
+  // The log (installer/ui_log.cpp) and commands (installer/command.cpp).
   /// Appends `text` as it is to logText and to the UI log.
   void appendUILog(std::string_view text);
   /// Runs a tool and waits for it; failures are dropped.
@@ -96,7 +96,7 @@ class ContentView : public std::enable_shared_from_this<ContentView> {
   void openKeyboardSettings();
   void userPressedGoEnable();
 
-  // The window (app/window_configuration.cpp, app/window_hooks.cpp).
+  // The window (app/window/window_configuration.cpp, app/window/window_hooks.cpp).
   /// Configures the hosting window, the first time that there is one. The window
   /// keeps asking closeInterceptor until it closes.
   void configureWindow(platform::HostWindow* window);

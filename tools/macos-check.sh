@@ -101,6 +101,11 @@ named_in() {
   done | sort -u
 }
 
+core_sources() {
+  local folder
+  for folder in installer inputsource activation app/window; do named_in "$folder/CMakeLists.txt"; done
+}
+
 link_universal() {
   local lipo architecture
   lipo=$(llvm_tool lipo)
@@ -168,7 +173,7 @@ check_contract_tests() {
 check_windowed() {
   local sources=(platform/macos/host_window.mm) folder file
   local core
-  core=$(named_in installer/CMakeLists.txt)
+  core=$(core_sources)
   if [[ ! -d $qt_headers/QtQuick || ! -x $moc ]]; then
     fail "the Qt headers are not installed (Debian packages qt6-base-dev, qt6-declarative-dev)"
   fi
@@ -208,7 +213,7 @@ check() {
 
   # The list of the core's sources is the build's own; so is the platform's.
   local core platform
-  mapfile -t core < <(named_in installer/CMakeLists.txt)
+  mapfile -t core < <(core_sources)
   mapfile -t platform < <(named_in platform/macos/CMakeLists.txt | grep -v host_window)
   compile_all platform "${platform[@]}"
   compile_all core "${core[@]}"

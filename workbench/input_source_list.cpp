@@ -1,4 +1,4 @@
-#include "platform/linux/windows/input_source_list.h"
+#include "workbench/input_source_list.h"
 
 #include <iostream>
 

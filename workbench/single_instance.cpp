@@ -1,4 +1,4 @@
-#include "platform/linux/windows/single_instance.h"
+#include "workbench/single_instance.h"
 
 #include <fcntl.h>
 #include <sys/file.h>

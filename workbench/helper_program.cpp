@@ -1,4 +1,4 @@
-#include "platform/linux/windows/helper_program.h"
+#include "workbench/helper_program.h"
 
 #include <QQuickItem>
 #include <QScreen>
@@ -48,7 +48,7 @@ HelperProgram::HelperProgram(const char* name, int noDisplayStatus)
   QGuiApplication::setQuitOnLastWindowClosed(false);
   setApplicationFont();
   registerInstallerUi();
-  Q_INIT_RESOURCE(qmlcache_orvane_helper_windows);
+  Q_INIT_RESOURCE(qmlcache_orvane_workbench);
   qml_register_types_Orvane_Workbench();
 }
 

@@ -1,4 +1,4 @@
-#include "app/notification_center.h"
+#include "app/window/notification_center.h"
 
 #include <map>
 #include <utility>

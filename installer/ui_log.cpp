@@ -2,11 +2,9 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <memory>
 
 #include "installer/content_view.h"
 #include "installer/log_files.h"
-#include "platform/child_process.h"
 #include "platform/file_root.h"
 
 void ContentView::appendUILog(std::string_view text) {
@@ -20,9 +18,4 @@ void ContentView::appendUILog(std::string_view text) {
   if (!file) return;
   std::fseek(file.get(), 0, SEEK_END);
   std::fwrite(text.data(), 1, text.size(), file.get());
-}
-
-void ContentView::runCommand(const std::string& launchPath,
-                             const std::vector<std::string>& arguments) {
-  platform::runAndWait(launchPath, arguments);
 }

@@ -10,10 +10,10 @@
 #include "platform/application.h"
 #include "platform/host_window.h"
 #include "platform/linux/input_source_service.h"
-#include "platform/linux/windows/consent_question.h"
-#include "platform/linux/windows/helper_program.h"
-#include "platform/linux/windows/input_source_list.h"
-#include "platform/linux/windows/single_instance.h"
+#include "workbench/consent_question.h"
+#include "workbench/helper_program.h"
+#include "workbench/input_source_list.h"
+#include "workbench/single_instance.h"
 #include "ui/installer_ui.h"
 
 namespace {

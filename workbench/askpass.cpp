@@ -12,8 +12,8 @@
 
 #include "platform/bundle.h"
 #include "platform/host_window.h"
-#include "platform/linux/windows/helper_program.h"
-#include "platform/linux/windows/password_prompt.h"
+#include "workbench/helper_program.h"
+#include "workbench/password_prompt.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
-#include "app/window_close_interceptor.h"
+#include "app/window/window_close_interceptor.h"
 
-#include "app/notification_center.h"
+#include "app/window/notification_center.h"
 
 const std::string& requestExitConfirmNotification() {
   static const std::string name = "TessalInstaller.RequestExitConfirm";
