@@ -3,24 +3,17 @@
 #include <QGuiApplication>
 #include <cstdlib>
 #include <iostream>
-#include <string>
-#include <vector>
 
 #include "app/tessal_input_installer_app.h"
+#include "cli/program_options.h"
 #include "platform/admin_script.h"
 #include "platform/application.h"
+#include "platform/program.h"
 #include "ui/installer_ui.h"
 
 namespace {
 
-constexpr int kBadUsage = 64;
 constexpr int kNoDisplay = 69;
-
-std::string usage() {
-  const std::string options = platform::platformOptionsUsage();
-  return "usage: Orvane Installer" + std::string(options.empty() ? "\n" : " [OPTION]...\n") +
-         options;
-}
 
 /// The toolkit aborts without a display; this ends the program with a reason.
 void endWithoutDisplay(QtMsgType type, const QMessageLogContext& /*context*/,
@@ -33,13 +26,11 @@ void endWithoutDisplay(QtMsgType type, const QMessageLogContext& /*context*/,
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::vector<std::string> arguments(argv + 1, argv + argc);
-  auto problem = platform::takePlatformOptions(arguments);
-  if (!problem && !arguments.empty()) problem = "unknown argument: " + arguments.front();
-  if (problem) {
-    std::cerr << "Orvane Installer: " << *problem << "\n\n" << usage();
-    return kBadUsage;
-  }
+  CLI::App program("Installs the input method in a window.", "Orvane Installer");
+  // The system may start an application with arguments of its own.
+  program.allow_extras();
+  addCommonOptions(program);
+  if (const auto status = parseArguments(program, argc, argv)) return *status;
 
   prepareToolkit();
   qInstallMessageHandler(endWithoutDisplay);

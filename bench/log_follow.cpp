@@ -13,9 +13,9 @@
 
 #include "installer/content_view.h"
 #include "installer/log_files.h"
-#include "platform/application.h"
 #include "platform/child_process.h"
 #include "platform/file_root.h"
+#include "platform/program.h"
 
 namespace {
 
@@ -48,8 +48,8 @@ double follow(platform::ChildProcess::OutputHandler handle, const std::function<
 
 int main() {
   std::string root = std::filesystem::temp_directory_path() / "orvane-bench-XXXXXX";
-  std::vector<std::string> arguments = {"--root", ::mkdtemp(root.data())};
-  if (platform::takePlatformOptions(arguments)) return 1;
+  ::mkdtemp(root.data());
+  for (const auto& option : platform::platformOptions()) option.use(root);
 
   std::string log;
   for (std::size_t line = 0; log.size() < kLogSize; ++line)

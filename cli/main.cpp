@@ -2,18 +2,18 @@
 
 #include <unistd.h>
 
-#include <algorithm>
 #include <cmath>
 #include <iostream>
 #include <memory>
 #include <string>
 #include <utility>
-#include <vector>
 
+#include "cli/program_options.h"
 #include "installer/content_view.h"
 #include "installer/log_files.h"
-#include "platform/application.h"
+#include "platform/admin_script.h"
 #include "platform/file_root.h"
+#include "platform/program.h"
 
 namespace {
 
@@ -22,24 +22,12 @@ enum ExitStatus {
   kFailed = 1,
   kRefused = 2,
   kLeftWhileWaiting = 3,
-  kBadUsage = 64,
 };
 
 struct Options {
-  bool doesGoEnable = false;
-  bool doesWait = true;
+  bool goEnable = false;
+  bool noWait = false;
 };
-
-std::string usage() {
-  return "usage: orvane-install [OPTION]...\n"
-         "Installs the input method and waits until it is enabled.\n\n"
-         "  --go-enable   ask for enabling once more and open the keyboard settings\n"
-         "  --no-wait     leave instead of waiting for the user's approval\n" +
-         platform::platformOptionsUsage() +
-         "  --help        show this\n\n"
-         "exit status: 0 installed and enabled, 1 failed, 2 authorisation refused,\n"
-         "  3 left while waiting for approval, 64 bad usage\n";
-}
 
 /// One installation in the terminal. Lives on the main queue.
 class TerminalFront {
@@ -81,13 +69,13 @@ class TerminalFront {
 
   void startWaiting() {
     showProgress();
-    if (!options_.doesWait || isAskedToLeave_) {
+    if (options_.noWait || isAskedToLeave_) {
       say("已安装，尚未启用");
       return leaveSoon(kLeftWhileWaiting);
     }
     say("为了正常使用，请将「澄枫输入法」添加到输入法列表");
     view_->enableWaitingViewDidAppear();
-    if (options_.doesGoEnable) view_->userPressedGoEnable();
+    if (options_.goEnable) view_->userPressedGoEnable();
   }
 
   void terminationRequested() {
@@ -160,25 +148,16 @@ class TerminalFront {
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::vector<std::string> arguments(argv + 1, argv + argc);
-  if (std::find(arguments.begin(), arguments.end(), "--help") != arguments.end()) {
-    std::cout << usage();
-    return kSuccess;
-  }
-  auto problem = platform::takePlatformOptions(arguments);
   Options options;
-  for (const std::string& argument : arguments) {
-    if (argument == "--go-enable")
-      options.doesGoEnable = true;
-    else if (argument == "--no-wait")
-      options.doesWait = false;
-    else if (!problem)
-      problem = "unknown argument: " + argument;
-  }
-  if (problem) {
-    std::cerr << "orvane-install: " << *problem << "\n\n" << usage();
-    return kBadUsage;
-  }
+  CLI::App program("Installs the input method and waits until it is enabled.", "orvane-install");
+  program.add_flag("--go-enable", options.goEnable,
+                   "ask for enabling once more and open the keyboard settings");
+  program.add_flag("--no-wait", options.noWait, "leave instead of waiting for the user's approval");
+  program.footer(
+      "Exit status: 0 installed and enabled, 1 failed, 2 authorisation refused,\n"
+      "3 left while waiting for approval, 64 bad usage.");
+  addCommonOptions(program);
+  if (const auto status = parseArguments(program, argc, argv)) return *status;
 
   TerminalFront front(options);
   platform::async([&front] { front.start(); });

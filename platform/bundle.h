@@ -23,8 +23,4 @@ std::filesystem::path bundleLocation();
 /// or there is no readable dictionary.
 std::optional<PropertyListValue> bundleInfoValue(const std::string& key);
 
-/// Reads an XML or binary property list; absent if the file is missing,
-/// unreadable, damaged, or has another kind of value at its root.
-std::optional<PropertyListDictionary> readPropertyListDictionary(const std::filesystem::path& file);
-
 }  // namespace platform

@@ -5,7 +5,9 @@
 #include <compare>
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <map>
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -44,5 +46,9 @@ class PropertyListValue : public std::variant<bool, std::int64_t, double, std::s
     return std::get_if<T>(static_cast<const variant*>(this));
   }
 };
+
+/// Reads an XML or binary property list; absent if the file is missing,
+/// unreadable, damaged, or has another kind of value at its root.
+std::optional<PropertyListDictionary> readPropertyListDictionary(const std::filesystem::path& file);
 
 }  // namespace platform

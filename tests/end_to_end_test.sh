@@ -141,7 +141,7 @@ case_ usage
 for arguments in "--bogus" "--root" "extra"; do
   timeout 10 "$app/Contents/MacOS/orvane-install" $arguments >/dev/null 2>"$root.err"
   expect "status of $arguments" $? 64
-  grep -q usage: "$root.err" || fail "no usage for $arguments"
+  grep -q Usage: "$root.err" || fail "no usage for $arguments"
 done
 
 finish

@@ -8,12 +8,12 @@
 #include <fstream>
 #include <thread>
 
-#include "platform/application.h"
 #include "platform/bundle.h"
 #include "platform/linux/file_root_linux.h"
 #include "platform/linux/input_source_service.h"
 #include "platform/linux/property_list_file.h"
 #include "platform/preferences.h"
+#include "platform/program.h"
 
 namespace platform::linux_ {
 namespace {

@@ -11,11 +11,11 @@
 #include <thread>
 
 #include "platform/admin_script.h"
-#include "platform/application.h"
 #include "platform/bundle.h"
 #include "platform/child_process.h"
 #include "platform/main_queue.h"
 #include "platform/preferences.h"
+#include "platform/program.h"
 #include "platform/workspace.h"
 
 namespace {
@@ -199,8 +199,8 @@ int main(int argc, char** argv) {
   // Where the platform knows no other root, the user's own stores are used, under
   // a domain of the test's.
   std::string root = std::filesystem::temp_directory_path() / "orvane-contract-XXXXXX";
-  std::vector<std::string> arguments = {"--root", ::mkdtemp(root.data())};
-  takePlatformOptions(arguments);
+  ::mkdtemp(root.data());
+  for (const auto& option : platform::platformOptions()) option.use(root);
   const int status = RUN_ALL_TESTS();
   std::filesystem::remove_all(root);
   return status;

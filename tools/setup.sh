@@ -5,7 +5,7 @@ set -eu
 
 if [ "$(uname -s)" = Darwin ]; then
   command -v brew >/dev/null || { echo "Homebrew is needed: https://brew.sh" >&2; exit 1; }
-  for formula in cmake ninja qt@6 googletest utf8cpp librsvg; do
+  for formula in cmake ninja qt@6 googletest utf8cpp cli11 librsvg; do
     brew list --versions "$formula" >/dev/null 2>&1 || missing="${missing:-} $formula"
   done
   # shellcheck disable=SC2086
@@ -18,7 +18,7 @@ packages='
   qt6-base-dev qt6-declarative-dev qt6-declarative-dev-tools
   qml6-module-qtqml qml6-module-qtqml-models qml6-module-qtqml-workerscript
   qml6-module-qtquick qml6-module-qtquick-window
-  libplist-dev libplist-utils libutfcpp-dev
+  libcli11-dev libplist-dev libplist-utils libutfcpp-dev
   libgtest-dev
   fonts-noto-cjk librsvg2-bin icnsutils
   zip unzip sudo

@@ -10,7 +10,7 @@
 #include <numbers>
 #include <vector>
 
-#include "platform/application.h"
+#include "platform/pictures.h"
 
 namespace {
 

@@ -7,9 +7,9 @@
 #include <unistd.h>
 
 #include <array>
-#include <iostream>
 #include <string>
 
+#include "cli/program_options.h"
 #include "platform/bundle.h"
 #include "platform/host_window.h"
 #include "workbench/helper_program.h"
@@ -18,7 +18,6 @@
 namespace {
 
 constexpr int kNoPassword = 1;
-constexpr int kBadUsage = 64;
 
 /// The full name of the account whose password is asked for, else its login name.
 QString userName() {
@@ -49,14 +48,16 @@ bool printAndWipe(const QQuickItem& field) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc > 2) {
-    std::cerr << "usage: askpass [PROMPT]\n";
-    return kBadUsage;
-  }
+  CLI::App commandLine("Asks for a password and prints it.", "askpass");
+  std::string given;
+  commandLine.add_option("PROMPT", given, "what the window says");
+  addCommonOptions(commandLine);
+  if (const auto status = parseArguments(commandLine, argc, argv)) return *status;
+
   ::prctl(PR_SET_DUMPABLE, 0);  // neither a core file nor a debugger gets the password
 
   HelperProgram program("askpass", kNoPassword);
-  const QString text = argc == 2 ? QString::fromLocal8Bit(argv[1]).trimmed() : QString();
+  const QString text = QString::fromLocal8Bit(given.c_str()).trimmed();
   PasswordPrompt prompt(text.isEmpty() ? QStringLiteral("需要管理员权限") : text, userName());
   QObject::connect(&prompt, &PasswordPrompt::accepted, [](const QQuickItem* field) {
     HelperProgram::end(printAndWipe(*field) ? 0 : kNoPassword);

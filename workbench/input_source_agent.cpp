@@ -5,16 +5,16 @@
 #include <algorithm>
 #include <iostream>
 #include <string>
-#include <vector>
 
+#include "cli/program_options.h"
 #include "platform/application.h"
 #include "platform/host_window.h"
 #include "platform/linux/input_source_service.h"
+#include "ui/installer_ui.h"
 #include "workbench/consent_question.h"
 #include "workbench/helper_program.h"
 #include "workbench/input_source_list.h"
 #include "workbench/single_instance.h"
-#include "ui/installer_ui.h"
 
 namespace {
 
@@ -22,19 +22,7 @@ namespace service = platform::linux_;
 
 constexpr const char* kName = "input-source-agent";
 constexpr int kFailed = 1;
-constexpr int kBadUsage = 64;
 constexpr int kNoDisplay = 69;
-
-int usage(const std::string& problem) {
-  std::cerr << kName << ": " << problem
-            << "\n"
-               "usage: input-source-agent [OPTION] --consent ID | --settings\n"
-               "  --consent ID  ask the user to allow this input method, if it is to be\n"
-               "                asked for\n"
-               "  --settings    show the input sources, each with a switch\n"
-            << platform::platformOptionsUsage();
-  return kBadUsage;
-}
 
 int askForConsent(const std::string& id) {
   const auto source = service::findInputSource(id);
@@ -95,13 +83,17 @@ int showSettings() {
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::vector<std::string> arguments(argv + 1, argv + argc);
-  if (const auto problem = platform::takePlatformOptions(arguments)) return usage(*problem);
-  if (arguments.empty()) return usage("--consent or --settings is missing");
-  const bool isConsent = arguments.front() == "--consent";
-  if (!isConsent && arguments.front() != "--settings")
-    return usage("unknown argument: " + arguments.front());
-  if (arguments.size() != (isConsent ? 2 : 1))
-    return usage(arguments.front() + " takes " + (isConsent ? "one identifier" : "no argument"));
-  return isConsent ? askForConsent(arguments[1]) : showSettings();
+  CLI::App program("The windows of the input-source service.", kName);
+  std::string id;
+  CLI::Option_group* const window = program.add_option_group("Window");
+  window
+      ->add_option("--consent", id,
+                   "ask the user to allow this input method, if it is to be asked for")
+      ->type_name("ID");
+  bool settings = false;
+  window->add_flag("--settings", settings, "show the input sources, each with a switch");
+  window->require_option(1);
+  addCommonOptions(program);
+  if (const auto status = parseArguments(program, argc, argv)) return *status;
+  return settings ? showSettings() : askForConsent(id);
 }

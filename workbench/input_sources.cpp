@@ -1,41 +1,18 @@
 // input-sources: the input-source service on the command line.
 
-#include <algorithm>
-#include <functional>
+#include <array>
 #include <iostream>
-#include <map>
 #include <string>
-#include <vector>
 
-#include "platform/application.h"
+#include "cli/program_options.h"
 #include "platform/linux/input_source_service.h"
+#include "platform/program.h"
 
 namespace {
 
 namespace service = platform::linux_;
 
 constexpr int kFailed = 1;
-constexpr int kBadUsage = 64;
-
-int usage(const std::string& problem) {
-  std::cerr << "input-sources: " << problem
-            << "\n"
-               "usage: input-sources [OPTION] COMMAND\n"
-               "  list         one line a source: identifier, state, name and * if it is\n"
-               "               the current one, with tabs between them; the state is\n"
-               "               enabled or disabled, and asked while the user has to\n"
-               "               allow or deny it\n"
-               "  current      the identifier of the current source\n"
-               "  enable ID    enable a source; asks the user if it is not allowed yet\n"
-               "  disable ID   disable a source\n"
-               "  select ID    make an enabled source the current one\n"
-               "  allow ID     answer for the user: enable the input method\n"
-               "  deny ID      answer for the user: leave it disabled\n"
-               "  watch        one line each time the enabled sources change, until\n"
-               "               interrupted\n"
-            << platform::platformOptionsUsage();
-  return kBadUsage;
-}
 
 int list() {
   for (const auto& source : service::installedInputSources()) {
@@ -81,27 +58,48 @@ int change(const std::string& command, platform::Status (*operation)(const std::
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::vector<std::string> arguments(argv + 1, argv + argc);
-  if (const auto problem = platform::takePlatformOptions(arguments)) return usage(*problem);
-  if (arguments.empty()) return usage("a command is missing");
+  CLI::App program("The input-source service on the command line.", "input-sources");
+  program.require_subcommand(1);
+  program.fallthrough();  // --root may stand behind the command
+  addCommonOptions(program);
 
-  static const std::map<std::string, std::function<int()>> kQueries = {
-      {"list", list}, {"current", current}, {"watch", watch}};
-  static const std::map<std::string, platform::Status (*)(const std::string&)> kChanges = {
-      {"enable", service::enableInputSource}, {"disable", service::disableInputSource},
-      {"select", service::selectInputSource}, {"allow", service::allowInputMethod},
-      {"deny", service::denyInputMethod},
+  struct Query {
+    const char* name;
+    const char* description;
+    int (*operation)();
   };
-  const std::string& command = arguments.front();
-  const auto query = kQueries.find(command);
-  const auto operation = kChanges.find(command);
-  if (query == kQueries.end() && operation == kChanges.end()) {
-    return usage("there is no command " + command);
+  struct Change {
+    const char* name;
+    const char* description;
+    platform::Status (*operation)(const std::string&);
+  };
+  static constexpr std::array kQueries = {
+      Query{"list",
+            "one line a source: identifier, state, name, and * if it is the current one, with "
+            "tabs between them; the state is enabled or disabled, and asked while the user has "
+            "to allow or deny it",
+            list},
+      Query{"current", "the identifier of the current source", current},
+      Query{"watch", "one line each time the enabled sources change, until interrupted", watch},
+  };
+  static constexpr std::array kChanges = {
+      Change{"enable", "enable a source; asks the user if it is not allowed yet",
+             service::enableInputSource},
+      Change{"disable", "disable a source", service::disableInputSource},
+      Change{"select", "make an enabled source the current one", service::selectInputSource},
+      Change{"allow", "answer for the user: enable the input method", service::allowInputMethod},
+      Change{"deny", "answer for the user: leave it disabled", service::denyInputMethod},
+  };
+  int status = 0;
+  std::string id;
+  for (const Query& query : kQueries)
+    program.add_subcommand(query.name, query.description)->callback([&query, &status] {
+      status = query.operation();
+    });
+  for (const Change& kind : kChanges) {
+    CLI::App* const command = program.add_subcommand(kind.name, kind.description);
+    command->add_option("ID", id, "identifier of the source")->required();
+    command->callback([&kind, &status, &id] { status = change(kind.name, kind.operation, id); });
   }
-  if (arguments.size() != (query != kQueries.end() ? 1 : 2)) {
-    return usage(command + " takes " +
-                 (query != kQueries.end() ? "no argument" : "one identifier"));
-  }
-  return query != kQueries.end() ? query->second()
-                                 : change(command, operation->second, arguments[1]);
+  return parseArguments(program, argc, argv).value_or(status);
 }

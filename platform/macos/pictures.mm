@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "platform/application.h"
 #include "platform/macos/cf_ref.h"
 #include "platform/macos/ns_string.h"
+#include "platform/pictures.h"
 
 namespace platform {
 

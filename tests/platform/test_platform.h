@@ -3,8 +3,11 @@
 
 #pragma once
 
+#include <deque>
 #include <filesystem>
+#include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -27,6 +30,8 @@ struct InputSourceObject {
 
 namespace test {
 
+struct Scheduled;
+
 /// Everything behind the contract. A test makes one; it is the platform while it
 /// lives.
 class Platform {
@@ -44,6 +49,10 @@ class Platform {
   std::vector<platform::Block> workerBlocks;
   void runWorker();
   std::size_t liveTimers() const;
+  std::deque<platform::Block> queue;
+  std::vector<std::weak_ptr<Scheduled>> scheduled;
+  /// Those that nobody can take back.
+  std::vector<std::shared_ptr<Scheduled>> unowned;
 
   /// One line a call, such as "enable com.tessal.inputmethod.Orvane".
   std::vector<std::string> journal;
@@ -103,5 +112,11 @@ class Platform {
   } window;
   platform::HostWindow hostWindow();
 };
+
+/// The platform of the running test; null between two tests.
+extern Platform* active;
+
+/// Adds a line to its journal.
+void note(const std::string& line);
 
 }  // namespace test

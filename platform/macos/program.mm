@@ -1,13 +1,18 @@
+#import <AppKit/AppKit.h>
+
 #include <array>
 #include <csignal>
+#include <optional>
 #include <utility>
 
-#include "platform/application.h"
 #include "platform/macos/dispatch_source.h"
+#include "platform/program.h"
 
 namespace platform {
 
 namespace {
+
+std::optional<int> endStatus;  // main thread only
 
 // A source sees a signal whatever its disposition is, but the default one would
 // still end the process. Not SIG_IGN: a child would inherit that and could not
@@ -28,6 +33,26 @@ DispatchSource watch(int signal, const Block& block) {
 }
 
 }  // namespace
+
+std::vector<PlatformOption> platformOptions() {
+  return {};
+}
+
+int runMainLoop() {
+  @autoreleasepool {
+    // The input-source and scripting services want a shared application. The
+    // program may lie in the bundle of one with windows: keep it out of the
+    // Dock and from taking the foreground.
+    [NSApplication.sharedApplication setActivationPolicy:NSApplicationActivationPolicyProhibited];
+  }
+  while (!endStatus) CFRunLoopRun();
+  return *std::exchange(endStatus, std::nullopt);
+}
+
+void endMainLoop(int status) {
+  endStatus = status;
+  CFRunLoopStop(CFRunLoopGetMain());
+}
 
 void onTerminationRequest(Block block) {
   static std::array<DispatchSource, 4> sources;

@@ -1,4 +1,4 @@
-// Start-up, main loop and end of a program on Linux.
+#include "platform/program.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -10,16 +10,13 @@
 #include <filesystem>
 #include <utility>
 
-#include "platform/application.h"
 #include "platform/linux/file_root_linux.h"
 
 namespace platform {
 namespace {
 
-constexpr std::string_view kRootOption = "--root";
-
 std::optional<std::string> useRoot(const std::string& directory) {
-  if (directory.empty()) return "--root needs a folder";
+  if (directory.empty() || directory.starts_with("-")) return "--root needs a folder";
   std::error_code error;
   std::filesystem::create_directories(directory, error);
   const auto root = error ? std::filesystem::path() : std::filesystem::canonical(directory, error);
@@ -70,26 +67,8 @@ class TerminationSignals {
 
 }  // namespace
 
-std::optional<std::string> takePlatformOptions(std::vector<std::string>& arguments) {
-  for (auto argument = arguments.begin(); argument != arguments.end();) {
-    std::string directory;
-    auto end = argument + 1;
-    if (*argument == kRootOption) {
-      if (end != arguments.end()) directory = *end++;
-    } else if (argument->starts_with(std::string(kRootOption) + "=")) {
-      directory = argument->substr(kRootOption.size() + 1);
-    } else {
-      ++argument;
-      continue;
-    }
-    if (auto problem = useRoot(directory)) return problem;
-    argument = arguments.erase(argument, end);
-  }
-  return std::nullopt;
-}
-
-std::string platformOptionsUsage() {
-  return "  --root DIR    keep everything below DIR and run the script as this user\n";
+std::vector<PlatformOption> platformOptions() {
+  return {{"--root", "DIR", "keep everything below DIR and run the script as this user", useRoot}};
 }
 
 int runMainLoop() {
@@ -108,10 +87,6 @@ void endMainLoop(int status) {
 
 void onTerminationRequest(Block block) {
   TerminationSignals::instance().onSignal(std::move(block));
-}
-
-void terminateApplication() {
-  QCoreApplication::exit(0);
 }
 
 }  // namespace platform

@@ -1,0 +1,21 @@
+#include "platform/bundle.h"
+
+#include "tests/platform/test_platform.h"
+
+namespace platform {
+
+std::optional<std::filesystem::path> bundleResource(const std::string& name,
+                                                    const std::string& type) {
+  if (!test::active->hasInstallScript) return std::nullopt;
+  return bundleLocation() / "Contents/Resources" / (name + "." + type);
+}
+std::filesystem::path bundleLocation() {
+  return "/Volumes/Orvane/Orvane Installer.app";
+}
+std::optional<PropertyListValue> bundleInfoValue(const std::string& key) {
+  const auto found = test::active->info.find(key);
+  if (found == test::active->info.end()) return std::nullopt;
+  return found->second;
+}
+
+}  // namespace platform

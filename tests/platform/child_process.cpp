@@ -1,0 +1,39 @@
+#include "platform/child_process.h"
+
+#include <utility>
+
+#include "tests/platform/test_platform.h"
+
+namespace platform {
+
+struct ChildProcess::Impl {
+  std::string command;
+  bool isRunning = false;
+};
+ChildProcess::ChildProcess(std::string launchPath, std::vector<std::string> arguments,
+                           OutputHandler outputHandler)
+    : impl_(std::make_unique<Impl>()) {
+  impl_->command = std::move(launchPath);
+  for (const auto& argument : arguments) impl_->command += " " + argument;
+  test::active->outputHandler = std::move(outputHandler);
+}
+ChildProcess::~ChildProcess() = default;
+std::optional<std::string> ChildProcess::launch() {
+  test::note("launch " + impl_->command);
+  impl_->isRunning = !test::active->launchProblem;
+  return test::active->launchProblem;
+}
+bool ChildProcess::isRunning() const {
+  return impl_->isRunning;
+}
+void ChildProcess::terminate() {
+  test::note("terminate");
+  impl_->isRunning = false;
+}
+void runAndWait(const std::string& launchPath, const std::vector<std::string>& arguments) {
+  std::string command = launchPath;
+  for (const auto& argument : arguments) command += " " + argument;
+  test::note("run " + command);
+}
+
+}  // namespace platform

@@ -1,0 +1,132 @@
+#include "platform/text_input_sources.h"
+
+#include <utility>
+
+#include "tests/platform/test_platform.h"
+
+namespace platform {
+
+namespace {
+
+std::string text(const InputSource& source, InputSourceProperty property) {
+  const auto found = source->properties.find(property);
+  const auto* value = found == source->properties.end() ? nullptr : found->second.as<std::string>();
+  return value ? *value : "?";
+}
+
+Status act(const std::string& call, const InputSource& source) {
+  test::note(call + " " + text(source, InputSourceProperty::inputSourceID));
+  auto& answers = test::active->statuses[call];
+  if (answers.empty()) return kNoError;
+  const Status status = answers.front();
+  answers.erase(answers.begin());
+  return status;
+}
+
+bool isEnabled(const InputSourceObject& source) {
+  const auto found = source.properties.find(InputSourceProperty::isEnabled);
+  return found != source.properties.end() && found->second == PropertyListValue(true);
+}
+
+class Observer : public NotificationObserver {
+ public:
+  explicit Observer(Block block) : block_(std::move(block)) {
+    test::note("observe");
+    test::active->observers.insert(&block_);
+  }
+  ~Observer() override {
+    if (!test::active) return;
+    test::note("stop observing");
+    test::active->observers.erase(&block_);
+  }
+
+ private:
+  Block block_;
+};
+
+}  // namespace
+
+std::optional<std::vector<InputSource>> createInputSourceList(
+    const std::optional<InputSourceFilter>& filter, bool includeAllInstalled) {
+  if (test::active->answersNoList) return std::nullopt;
+  std::vector<InputSource> list;
+  for (const auto& source : test::active->sources) {
+    if (!includeAllInstalled && !isEnabled(*source)) continue;
+    if (filter) {
+      const auto found = source->properties.find(filter->property);
+      if (found == source->properties.end() || found->second != filter->value) continue;
+    }
+    list.push_back(source);
+  }
+  return list;
+}
+std::optional<PropertyListValue> getInputSourceProperty(const InputSource& source,
+                                                        InputSourceProperty property) {
+  const auto found = source->properties.find(property);
+  if (found == source->properties.end()) return std::nullopt;
+  return found->second;
+}
+InputSource copyCurrentKeyboardInputSource() {
+  return test::active->current;
+}
+Status registerInputSource(const std::filesystem::path& bundle) {
+  test::note("register " + bundle.lexically_relative(test::active->root).string());
+  return kNoError;
+}
+Status enableInputSource(const InputSource& source) {
+  const Status status = act("enable", source);
+  if (test::active->appliesEnable && status == kNoError)
+    test::active->setEnabled(text(source, InputSourceProperty::inputSourceID), true);
+  return status;
+}
+Status disableInputSource(const InputSource& source) {
+  return act("disable", source);
+}
+Status selectInputSource(const InputSource& source) {
+  const Status status = act("select", source);
+  if (test::active->appliesSelect && status == kNoError) test::active->current = source;
+  return status;
+}
+Status deselectInputSource(const InputSource& source) {
+  return act("deselect", source);
+}
+std::unique_ptr<NotificationObserver> observeEnabledInputSourcesChanged(Block block) {
+  return std::make_unique<Observer>(std::move(block));
+}
+
+}  // namespace platform
+
+namespace test {
+
+std::shared_ptr<platform::InputSourceObject> Platform::addSource(const std::string& bundleID,
+                                                                 const std::string& sourceID) {
+  using platform::InputSourceProperty;
+  auto source = std::make_shared<platform::InputSourceObject>();
+  source->properties = {{InputSourceProperty::bundleID, bundleID},
+                        {InputSourceProperty::inputSourceID, sourceID},
+                        {InputSourceProperty::isEnabled, false},
+                        {InputSourceProperty::isSelectCapable, true}};
+  sources.push_back(source);
+  return source;
+}
+
+void Platform::addInputMethod() {
+  addSource("com.tessal.inputmethod.Orvane", "com.tessal.inputmethod.Orvane");
+  const auto mode =
+      addSource("com.tessal.inputmethod.Orvane", "com.tessal.inputmethod.Orvane.pinyin");
+  mode->properties[platform::InputSourceProperty::inputModeID] =
+      "com.tessal.inputmethod.Orvane.pinyin";
+}
+
+void Platform::setEnabled(const std::string& sourceID, bool enabled) {
+  for (const auto& source : sources)
+    if (source->properties[platform::InputSourceProperty::inputSourceID] ==
+        platform::PropertyListValue(sourceID))
+      source->properties[platform::InputSourceProperty::isEnabled] = enabled;
+}
+
+void Platform::notifyEnabledSourcesChanged() {
+  for (platform::Block* observer : observers) platform::async(*observer);
+}
+
+}  // namespace test
