@@ -140,9 +140,9 @@ class TerminalFront {
   bool isLineOpen_ = false;
   std::string shown_;
   std::shared_ptr<ContentView> view_ = ContentView::create();
-  Observation progressWatch_;
-  Observation installingWatch_;
-  Observation statusWatch_;
+  platform::Observation progressWatch_;
+  platform::Observation installingWatch_;
+  platform::Observation statusWatch_;
 };
 
 }  // namespace

@@ -36,7 +36,7 @@ class ContentView : public std::enable_shared_from_this<ContentView> {
   State<bool> windowConfigured{false};
   /// Post-install activation has been started for the current run.
   State<bool> didTriggerActivation{false};
-  State<std::unique_ptr<platform::NotificationObserver>> enableNotificationObserver;
+  State<platform::Observation> enableNotificationObserver;
   /// The deferred handling of the latest enabled-sources notification.
   State<std::unique_ptr<platform::WorkItem>> pendingEnableNotificationWorkItem;
   State<bool> didRegisterForActivation{false};
@@ -106,6 +106,9 @@ class ContentView : public std::enable_shared_from_this<ContentView> {
  private:
   ContentView();
   void watchWindowHooks();
+  /// Starts `tail` on the install log. The caller owns it; a launch that fails is
+  /// logged, and nothing is followed then.
+  std::shared_ptr<platform::ChildProcess> startFollowingInstallLog();
   void finishPrivilegedRun(const std::optional<platform::AdminScriptError>& error);
   void triggerActivation();
   void registerForActivationIfNeeded(std::string_view logSuffix);
@@ -113,6 +116,6 @@ class ContentView : public std::enable_shared_from_this<ContentView> {
 
   /// The follower of the install log; it must not outlive the view.
   std::weak_ptr<platform::ChildProcess> tail_;
-  Observation waitingEnableWatch_;
-  NotificationToken exitConfirmObserver_;
+  platform::Observation waitingEnableWatch_;
+  platform::Observation exitConfirmObserver_;
 };

@@ -1,6 +1,10 @@
+#include <utf8.h>
+
 #include <array>
 
 #include "installer/content_view.h"
+#include "installer/log_files.h"
+#include "platform/file_root.h"
 
 namespace {
 
@@ -28,6 +32,23 @@ constexpr std::string_view kFinishMarker = "finish";
 constexpr LinearAnimation kMarkerAnimation{platform::Seconds(0.25)};
 
 }  // namespace
+
+std::shared_ptr<platform::ChildProcess> ContentView::startFollowingInstallLog() {
+  const std::weak_ptr<ContentView> view = weak_from_this();
+  const auto tail = std::make_shared<platform::ChildProcess>(
+      "/usr/bin/tail",
+      std::vector<std::string>{"-n", "+1", "-F", platform::onDisk(kInstallLogPath).string()},
+      [view](std::string_view piece) {
+        // A piece that does not decode is dropped: nothing may be shown garbled.
+        if (piece.empty() || !utf8::is_valid(piece.begin(), piece.end())) return;
+        platform::async([view, text = std::string(piece)] {
+          if (const auto self = view.lock()) self->handleInstallLogChunk(text);
+        });
+      });
+  tail_ = tail;
+  if (const auto problem = tail->launch()) appendUILog("无法启动日志跟踪: " + *problem + "\n");
+  return tail;
+}
 
 void ContentView::handleInstallLogChunk(const std::string& text) {
   for (const Marker& marker : kMarkers) {

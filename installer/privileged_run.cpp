@@ -1,15 +1,40 @@
-#include <utf8.h>
-
+#include <algorithm>
 #include <filesystem>
 #include <memory>
 
 #include "inputsource/tessal_installer.h"
-#include "installer/admin_script_source.h"
 #include "installer/content_view.h"
 #include "installer/log_files.h"
 #include "platform/bundle.h"
 #include "platform/child_process.h"
+#include "platform/common/admin_script_source.h"
 #include "platform/file_root.h"
+
+namespace {
+
+/// What the password prompt says: the bundle's name without its extension, and
+/// that it wants to make changes.
+std::string adminPrompt(const std::filesystem::path& bundleLocation) {
+  return bundleLocation.stem().string() + " 想要进行更改";
+}
+
+/// Upper and lower case of ASCII letters are the same; `phrase` is lower case.
+bool containsIgnoringCase(std::string_view text, std::string_view phrase) {
+  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c; };
+  return std::search(text.begin(), text.end(), phrase.begin(), phrase.end(),
+                     [&](char a, char b) { return lower(a) == b; }) != text.end();
+}
+
+/// Whether this failure means that the user has cancelled or was refused, rather
+/// than that the script has failed.
+bool isAuthorisationRefused(std::optional<int> number, const std::string& message) {
+  return number == platform::kAdminScriptCancelled ||
+         containsIgnoringCase(message, "user canceled") ||
+         message.find("用户取消") != std::string::npos ||
+         containsIgnoringCase(message, "not authorized");
+}
+
+}  // namespace
 
 void ContentView::userPressedInstall() {
   isInstalling = true;
@@ -47,25 +72,12 @@ void ContentView::startInstallation() {
     return;
   }
 
-  const std::filesystem::path installLog = platform::onDisk(kInstallLogPath);
-  emptyFile(installLog);
+  emptyFile(platform::onDisk(kInstallLogPath));
+  const auto tail = startFollowingInstallLog();
 
-  const std::weak_ptr<ContentView> view = weak_from_this();
-  const auto tail = std::make_shared<platform::ChildProcess>(
-      "/usr/bin/tail", std::vector<std::string>{"-n", "+1", "-F", installLog.string()},
-      [view](std::string_view piece) {
-        // A piece that does not decode is dropped: nothing may be shown garbled.
-        if (piece.empty() || !utf8::is_valid(piece.begin(), piece.end())) return;
-        platform::async([view, text = std::string(piece)] {
-          if (const auto self = view.lock()) self->handleInstallLogChunk(text);
-        });
-      });
-  tail_ = tail;
-  if (const auto problem = tail->launch()) appendUILog("无法启动日志跟踪: " + *problem + "\n");
-
-  const std::string source =
-      adminScriptSource(script->string(), adminPrompt(platform::bundleLocation()));
-  platform::asyncOnWorker([view, tail, source] {
+  const std::string source = platform::composeAdminScriptSource(
+      {script->string(), adminPrompt(platform::bundleLocation())});
+  platform::asyncOnWorker([view = weak_from_this(), tail, source] {
     const auto error = platform::executeAdminScript(source);
     platform::async([view, tail, error] {
       if (tail->isRunning()) tail->terminate();

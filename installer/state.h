@@ -6,8 +6,8 @@
 #include <memory>
 #include <optional>
 #include <utility>
-#include <vector>
 
+#include "platform/common/handler_list.h"
 #include "platform/main_queue.h"
 
 /// How a change is to be shown: linearly, over this time.
@@ -15,10 +15,6 @@ struct LinearAnimation {
   platform::Seconds duration;
   bool operator==(const LinearAnimation&) const = default;
 };
-
-/// Keeps an observer registered; to destroy it is to remove the observer, also
-/// from inside its own call.
-using Observation = std::shared_ptr<void>;
 
 /// A value whose every change reaches its observers. Only the main thread reads
 /// or writes it. Observers are called on the next turn of the main queue, after
@@ -28,7 +24,7 @@ using Observation = std::shared_ptr<void>;
 template <class T>
 class State {
  public:
-  using Observer = std::function<void(const T& value, std::optional<LinearAnimation> animation)>;
+  using Observers = platform::HandlerList<const T&, std::optional<LinearAnimation>>;
 
   State() : State(T{}) {}
   explicit State(T initial) : cell_(std::make_shared<Cell>(std::move(initial))) {}
@@ -56,10 +52,8 @@ class State {
   }
 
   /// Calls `observer` after each change from now on.
-  [[nodiscard]] Observation observe(Observer observer) {
-    auto shared = std::make_shared<Observer>(std::move(observer));
-    cell_->observers.push_back(shared);
-    return shared;
+  [[nodiscard]] platform::Observation observe(typename Observers::Handler observer) {
+    return cell_->observers.add(std::move(observer));
   }
 
  private:
@@ -68,7 +62,7 @@ class State {
     T value;
     std::optional<LinearAnimation> animation;
     bool pending = false;
-    std::vector<std::weak_ptr<Observer>> observers;
+    Observers observers;
   };
 
   void changed(std::optional<LinearAnimation> animation) {
@@ -76,16 +70,11 @@ class State {
     if (cell_->pending) return;
     cell_->pending = true;
     platform::async([weak = std::weak_ptr(cell_)] {
-      if (auto cell = weak.lock()) deliver(*cell);
+      const auto cell = weak.lock();
+      if (!cell) return;
+      cell->pending = false;
+      cell->observers.call(cell->value, cell->animation);
     });
-  }
-
-  static void deliver(Cell& cell) {
-    cell.pending = false;
-    std::erase_if(cell.observers, [](const auto& observer) { return observer.expired(); });
-    // By copy: an observer may add or remove others.
-    for (const auto& weak : std::vector(cell.observers))
-      if (auto observer = weak.lock()) (*observer)(cell.value, cell.animation);
   }
 
   std::shared_ptr<Cell> cell_;

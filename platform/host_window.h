@@ -5,7 +5,6 @@
 
 #include <functional>
 #include <memory>
-#include <string>
 
 class QWindow;
 
@@ -26,17 +25,6 @@ struct Size {
   bool operator==(const Size&) const = default;
 };
 
-/// Bits of the style mask (NSWindowStyleMask…).
-enum WindowStyle : unsigned {
-  kTitled = 1U,
-  kClosable = 2U,
-  kMiniaturizable = 4U,
-  kResizable = 8U,
-  kFullSizeContentView = 1U << 15U,
-};
-
-enum class WindowButton { miniaturize = 1, zoom = 2 };
-
 /// One window of the window system. It does not own the window and must not
 /// outlive it.
 class HostWindow {
@@ -54,17 +42,16 @@ class HostWindow {
   Rect frame() const;
   /// The outer frame of a window with this content rectangle.
   Rect frameRectForContentRect(const Rect& content) const;
-  void setFrame(const Rect& frame, bool display, bool animate);
-  void setContentMinSize(const Size& size);
-  void setContentMaxSize(const Size& size);
-  void setTitleHidden();
-  void setTitle(const std::string& title);
-  void setTitlebarAppearsTransparent(bool transparent);
-  /// The bits of WindowStyle, and others of the system's own.
-  unsigned styleMask() const;
-  void setStyleMask(unsigned mask);
-  /// No effect if the window lacks the button.
-  void setButtonEnabled(WindowButton button, bool enabled);
+  /// Moves and sizes the outer frame at once, and draws it.
+  void setFrame(const Rect& frame);
+  /// Makes this size the least and the largest that the content can have.
+  void setFixedContentSize(const Size& size);
+  /// Shows no title, and lets the content reach under the title bar where the
+  /// system has it.
+  void hideTitle();
+  /// Takes the resizable and the miniaturizable bit away, and disables the
+  /// buttons for miniaturising and zooming where there are such.
+  void removeSizeControls();
   /// Asks `shouldClose` each time the user wants to close the window; false
   /// keeps it open. Replaces an earlier question, and stays with the window when
   /// this object is gone.

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/common/handler_list.h"
 #include "platform/main_queue.h"
 #include "platform/property_list.h"
 
@@ -70,15 +71,8 @@ Status deselectInputSource(const InputSource& source);
 inline constexpr const char* kNotifyEnabledKeyboardInputSourcesChanged =
     "kTISNotifyEnabledKeyboardInputSourcesChanged";
 
-/// A registered observer. The caller owns it: to destroy it is to remove it,
-/// also from inside its own block.
-class NotificationObserver {
- public:
-  virtual ~NotificationObserver() = default;
-};
-
 /// Runs `block` on the main queue each time any process has changed the set of
-/// enabled sources. Never null.
-[[nodiscard]] std::unique_ptr<NotificationObserver> observeEnabledInputSourcesChanged(Block block);
+/// enabled sources, until the result is destroyed. Never null.
+[[nodiscard]] Observation observeEnabledInputSourcesChanged(Block block);
 
 }  // namespace platform

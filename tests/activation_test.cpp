@@ -170,7 +170,7 @@ TEST_F(ActivationTest, BurstOfNotificationsIsHandledOnce) {
   view->removeEnabledInputSourcesChangedNotificationIfNeeded();
   platform.advance(1);
   EXPECT_EQ(handledCount(), 2U);
-  EXPECT_TRUE(platform.observers.empty());
+  EXPECT_EQ(platform.liveObservers, 0);
 }
 
 TEST_F(ActivationTest, PollStandsBackAfterNotificationAndStopsWithTheScreen) {

@@ -4,7 +4,7 @@
 set -u
 . "$(dirname "$0")/support.sh"
 
-app=$1
+app=$(realpath "$1")
 base=com.tessal.inputmethod.Orvane
 work=$(mktemp -d)
 unset DISPLAY WAYLAND_DISPLAY TESSAL_INSTALLER_WRITE_HITOOLBOX_DEFAULTS

@@ -1,6 +1,5 @@
 // The state, the logs, the privileged run and the progress from its log.
 
-#include "installer/admin_script_source.h"
 #include "tests/view_test.h"
 
 namespace {

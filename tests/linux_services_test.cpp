@@ -120,7 +120,7 @@ TEST_F(LinuxServices, ObserversSeeEachChangeOfTheEnabledSetOnce) {
   allowInputMethod(kBase);
   int seen = 0;
   std::unique_ptr<WorkItem> end;
-  std::unique_ptr<NotificationObserver> once = observeEnabledInputSourcesChanged([&] {
+  Observation once = observeEnabledInputSourcesChanged([&] {
     EXPECT_TRUE(once);
     once.reset();
   });

@@ -78,5 +78,5 @@ class InstallerModel : public QObject {
   int progressAnimation_;
   const QString appDisplayName_;
   const QString version_;
-  std::array<Observation, 4> observations_;
+  std::array<platform::Observation, 4> observations_;
 };

@@ -11,7 +11,6 @@
 
 #include "cli/program_options.h"
 #include "platform/bundle.h"
-#include "platform/host_window.h"
 #include "workbench/helper_program.h"
 #include "workbench/password_prompt.h"
 
@@ -67,7 +66,7 @@ int main(int argc, char** argv) {
   const auto bundle = QString::fromStdString(platform::bundleLocation().stem().string());
   program.keepOnTop();
   program.open(QStringLiteral("PasswordWindow"), {{"prompt", QVariant::fromValue(&prompt)}}, bundle,
-               platform::kTitled | platform::kClosable, [&prompt] {
+               /*isClosable=*/true, [&prompt] {
                  emit prompt.cancelled();
                  return true;
                });

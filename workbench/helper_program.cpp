@@ -53,7 +53,7 @@ HelperProgram::HelperProgram(const char* name, int noDisplayStatus)
 }
 
 void HelperProgram::open(const QString& screen, const QVariantMap& properties, const QString& title,
-                         unsigned style, std::function<bool()> shouldClose) {
+                         bool isClosable, std::function<bool()> shouldClose) {
   view_.setResizeMode(QQuickView::SizeRootObjectToView);
   view_.setInitialProperties(properties);
   view_.setSource(
@@ -73,14 +73,12 @@ void HelperProgram::open(const QString& screen, const QVariantMap& properties, c
   frame.moveCenter(view_.screen()->availableGeometry().center());
   view_.setPosition(frame.topLeft());
 
-  const bool isOnTop = view_.flags().testFlag(Qt::WindowStaysOnTopHint);
-  platform::HostWindow host(view_);
-  host.setStyleMask(style);
-  host.setButtonEnabled(platform::WindowButton::miniaturize, false);
-  host.setButtonEnabled(platform::WindowButton::zoom, false);
-  view_.setFlag(Qt::WindowStaysOnTopHint, isOnTop);
-  host.setTitle(title.toStdString());
-  host.setShouldClose(std::move(shouldClose));
+  Qt::WindowFlags flags = Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                          (view_.flags() & Qt::WindowStaysOnTopHint);
+  flags.setFlag(Qt::WindowCloseButtonHint, isClosable);
+  view_.setFlags(flags);
+  view_.setTitle(title);
+  platform::HostWindow(view_).setShouldClose(std::move(shouldClose));
   view_.show();
   view_.requestActivate();
 }

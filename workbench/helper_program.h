@@ -18,10 +18,10 @@ class HelperProgram {
   HelperProgram(const char* name, int noDisplayStatus);
 
   /// Shows the screen "`screen`.qml" in the middle of the display, as large as
-  /// its root asks to be, now and later. `style` has bits of WindowStyle, and
-  /// `shouldClose` is asked when the user closes the window.
+  /// its root asks to be, now and later. `isClosable` gives it a close button, and
+  /// `shouldClose` is asked when the user closes it.
   void open(const QString& screen, const QVariantMap& properties, const QString& title,
-            unsigned style, std::function<bool()> shouldClose);
+            bool isClosable, std::function<bool()> shouldClose);
 
   /// Puts the window above all others.
   void keepOnTop() { view_.setFlag(Qt::WindowStaysOnTopHint); }

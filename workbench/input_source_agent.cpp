@@ -8,7 +8,6 @@
 
 #include "cli/program_options.h"
 #include "platform/application.h"
-#include "platform/host_window.h"
 #include "platform/linux/input_source_service.h"
 #include "ui/installer_ui.h"
 #include "workbench/consent_question.h"
@@ -61,7 +60,7 @@ int askForConsent(const std::string& id) {
   instance.onOtherStart(platform::activateIgnoringOtherApps);
   program.keepOnTop();
   program.open(QStringLiteral("ConsentWindow"), {{"question", QVariant::fromValue(&question)}},
-               QStringLiteral("输入法许可"), platform::kTitled,
+               QStringLiteral("输入法许可"), /*isClosable=*/false,
                [] { return false; });  // only its buttons answer it
   return program.run();
 }
@@ -73,7 +72,7 @@ int showSettings() {
   InputSourceList list;
   instance.onOtherStart(platform::activateIgnoringOtherApps);
   program.open(QStringLiteral("SettingsWindow"), {{"list", QVariant::fromValue(&list)}},
-               QStringLiteral("键盘 · 输入法"), platform::kTitled | platform::kClosable, [] {
+               QStringLiteral("键盘 · 输入法"), /*isClosable=*/true, [] {
                  HelperProgram::end(0);
                  return true;
                });

@@ -32,5 +32,5 @@ class InputSourceList : public QObject {
   void read();
 
   QVariantList sources_;
-  std::unique_ptr<platform::NotificationObserver> observer_;
+  platform::Observation observer_;
 };

@@ -3,15 +3,14 @@
 #pragma once
 
 #include <functional>
-#include <memory>
 #include <string>
 
-/// Keeps an observer registered; to destroy it is to remove the observer.
-using NotificationToken = std::shared_ptr<void>;
+#include "platform/common/handler_list.h"
 
-/// Calls `handler` on every post of `name`. Main thread.
-[[nodiscard]] NotificationToken observeNotification(const std::string& name,
-                                                    std::function<void()> handler);
+/// Calls `handler` on every post of `name`, until the result is destroyed. Main
+/// thread.
+[[nodiscard]] platform::Observation observeNotification(const std::string& name,
+                                                        std::function<void()> handler);
 
 /// Calls the observers of `name` before it returns. Main thread.
 void postNotification(const std::string& name);

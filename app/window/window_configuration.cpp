@@ -27,15 +27,8 @@ void ContentView::configureWindow(platform::HostWindow* window) {
   platform::Rect frame = window->frameRectForContentRect({0, 0, content.width, content.height});
   frame.x = old.x + old.width * 0.5 - frame.width * 0.5;
   frame.y = old.y + old.height * 0.5 - frame.height * 0.5;
-  window->setFrame(frame, /*display=*/true, /*animate=*/false);
-  window->setContentMinSize(content);
-  window->setContentMaxSize(content);
-
-  window->setTitleHidden();
-  window->setTitle("");
-  window->setTitlebarAppearsTransparent(true);
-
-  window->setStyleMask(window->styleMask() & ~(platform::kMiniaturizable | platform::kResizable));
-  window->setButtonEnabled(platform::WindowButton::miniaturize, false);
-  window->setButtonEnabled(platform::WindowButton::zoom, false);
+  window->setFrame(frame);
+  window->setFixedContentSize(content);
+  window->hideTitle();
+  window->removeSizeControls();
 }

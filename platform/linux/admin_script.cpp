@@ -19,39 +19,14 @@
 #include <vector>
 
 #include "platform/bundle.h"
+#include "platform/common/admin_script_source.h"
 #include "platform/linux/file_root_linux.h"
 
 namespace platform {
 namespace {
 
-// The fixed pieces of the only script form that this system needs.
-constexpr std::string_view kBeforePath =
-    R"(do shell script "/bin/sh " & quoted form of POSIX path of ")";
-constexpr std::string_view kBeforePrompt = R"(" with administrator privileges with prompt ")";
-constexpr std::string_view kEnd = R"(")";
-
-constexpr int kSyntaxError = -2741;
 // What sudo says when the askpass program gave no password.
 constexpr std::string_view kNoPassword = "sudo: no password was provided";
-
-struct ShellScript {
-  std::string path;
-  std::string prompt;
-};
-
-std::optional<ShellScript> parse(std::string_view source) {
-  if (!source.starts_with(kBeforePath)) return std::nullopt;
-  source.remove_prefix(kBeforePath.size());
-  const auto middle = source.find(kBeforePrompt);
-  if (middle == std::string_view::npos) return std::nullopt;
-  const std::string_view path = source.substr(0, middle);
-  source.remove_prefix(middle + kBeforePrompt.size());
-  if (!source.ends_with(kEnd)) return std::nullopt;
-  source.remove_suffix(kEnd.size());
-  if (path.find('"') != std::string_view::npos || source.find('"') != std::string_view::npos)
-    return std::nullopt;
-  return ShellScript{std::string(path), std::string(source)};
-}
 
 /// The one execution at a time, and how to end it from another thread.
 class Execution {
@@ -173,7 +148,7 @@ std::optional<AdminScriptError> result(const Outcome& outcome) {
 
 /// The askpass program's exit status alone decides; the script runs as this user.
 std::optional<AdminScriptError> runBelow(const std::filesystem::path& root,
-                                         const ShellScript& script) {
+                                         const AdminScript& script) {
   auto environment = QProcessEnvironment::systemEnvironment();
   const Outcome asked = run(askpassProgram(), {QString::fromStdString(script.prompt)}, environment);
   if (asked.status != 0) return cancelled();
@@ -181,7 +156,7 @@ std::optional<AdminScriptError> runBelow(const std::filesystem::path& root,
   return result(run("/bin/sh", {QString::fromStdString(script.path)}, environment));
 }
 
-std::optional<AdminScriptError> runWithSudo(const ShellScript& script) {
+std::optional<AdminScriptError> runWithSudo(const AdminScript& script) {
   auto environment = QProcessEnvironment::systemEnvironment();
   environment.insert("SUDO_ASKPASS", askpassProgram());
   environment.insert("LC_ALL", "C.UTF-8");  // its messages are read below
@@ -198,8 +173,8 @@ std::optional<AdminScriptError> runWithSudo(const ShellScript& script) {
 }  // namespace
 
 std::optional<AdminScriptError> executeAdminScript(const std::string& source) {
-  const auto script = parse(source);
-  if (!script) return AdminScriptError{kSyntaxError, "syntax error in script: " + source};
+  const auto script = parseAdminScriptSource(source);
+  if (!script) return adminScriptSyntaxError(source);
 
   Execution::instance().begin();
   std::optional<AdminScriptError> error;

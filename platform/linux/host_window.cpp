@@ -4,7 +4,6 @@
 
 #include <QEvent>
 #include <QWindow>
-#include <array>
 #include <utility>
 
 namespace platform {
@@ -50,16 +49,6 @@ class WindowGuard : public QObject {
   QWindow& window_;
 };
 
-struct WindowHint {
-  unsigned style;
-  Qt::WindowType hint;
-};
-constexpr std::array kHints = {
-    WindowHint{kTitled, Qt::WindowTitleHint},
-    WindowHint{kClosable, Qt::WindowCloseButtonHint},
-    WindowHint{kMiniaturizable, Qt::WindowMinimizeButtonHint},
-};
-
 }  // namespace
 
 struct HostWindow::Impl {
@@ -88,52 +77,26 @@ Rect HostWindow::frameRectForContentRect(const Rect& content) const {
           content.height + margins.top() + margins.bottom()};
 }
 
-void HostWindow::setFrame(const Rect& frame, bool /*display*/, bool /*animate*/) {
+void HostWindow::setFrame(const Rect& frame) {
   const QRect outer = QRectF(frame.x, frame.y, frame.width, frame.height).toRect();
   impl_->window.setGeometry(outer - impl_->window.frameMargins());
 }
 
-void HostWindow::setContentMinSize(const Size& size) {
-  impl_->window.setMinimumSize(QSizeF(size.width, size.height).toSize());
+void HostWindow::setFixedContentSize(const Size& size) {
+  const QSize fixed = QSizeF(size.width, size.height).toSize();
+  impl_->window.setMinimumSize(fixed);
+  impl_->window.setMaximumSize(fixed);
 }
 
-void HostWindow::setContentMaxSize(const Size& size) {
-  impl_->window.setMaximumSize(QSizeF(size.width, size.height).toSize());
+void HostWindow::hideTitle() {
+  // The window manager draws the title, outside the content; a blank one is hidden.
+  impl_->window.setTitle(QString::fromUtf8(kBlankTitle));
 }
 
-void HostWindow::setTitleHidden() {
-  // The window manager draws the title; a blank one is hidden.
-}
-
-void HostWindow::setTitle(const std::string& title) {
-  impl_->window.setTitle(QString::fromUtf8(title.empty() ? kBlankTitle : title.c_str()));
-}
-
-void HostWindow::setTitlebarAppearsTransparent(bool /*transparent*/) {
-  // The window manager's title bar lies outside the content.
-}
-
-unsigned HostWindow::styleMask() const {
-  const Qt::WindowFlags flags = impl_->window.flags();
-  unsigned mask = 0;
-  for (const auto& [style, hint] : kHints)
-    if (flags.testFlag(hint) || !flags.testFlag(Qt::CustomizeWindowHint)) mask |= style;
-  if (impl_->window.minimumSize() != impl_->window.maximumSize()) mask |= kResizable;
-  return mask;
-}
-
-void HostWindow::setStyleMask(unsigned mask) {
-  Qt::WindowFlags flags = Qt::Window | Qt::CustomizeWindowHint | Qt::WindowSystemMenuHint |
-                          Qt::WindowMaximizeButtonHint;
-  for (const auto& [style, hint] : kHints) flags.setFlag(hint, (mask & style) != 0);
-  // Without a hint for it: a window is resizable unless its size is fixed.
-  impl_->window.setFlags(flags);
-}
-
-void HostWindow::setButtonEnabled(WindowButton button, bool enabled) {
-  impl_->window.setFlag(
-      button == WindowButton::zoom ? Qt::WindowMaximizeButtonHint : Qt::WindowMinimizeButtonHint,
-      enabled);
+void HostWindow::removeSizeControls() {
+  // There is no hint against resizing: a window of fixed size cannot be resized.
+  impl_->window.setFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowSystemMenuHint |
+                         Qt::WindowTitleHint | Qt::WindowCloseButtonHint);
 }
 
 void HostWindow::setShouldClose(std::function<bool()> shouldClose) {

@@ -162,11 +162,6 @@ bool hasInputMethodComponent(const std::string& identifier) {
   return ("." + identifier + ".").find(".inputmethod.") != std::string::npos;
 }
 
-struct Subscription {
-  WatchedState watched;
-  Block block;
-};
-
 /// Follows the state for all observers of this process; they own it together.
 class StateWatch : public std::enable_shared_from_this<StateWatch> {
  public:
@@ -175,8 +170,8 @@ class StateWatch : public std::enable_shared_from_this<StateWatch> {
     auto watch = existing.lock();
     if (!watch) {
       existing = watch = std::make_shared<StateWatch>();
-      // File notifications need the main loop. What changes until it runs shows
-      // against the state remembered here.
+      // File notifications need the main loop. start() compares with the state that
+      // is read here, so a change before the loop runs is seen as well.
       async([started = existing] {
         if (const auto self = started.lock()) self->start();
       });
@@ -184,10 +179,12 @@ class StateWatch : public std::enable_shared_from_this<StateWatch> {
     return watch;
   }
 
-  std::shared_ptr<Subscription> subscribe(WatchedState watched, Block block) {
-    auto subscription = std::make_shared<Subscription>(Subscription{watched, std::move(block)});
-    subscriptions_.push_back(subscription);
-    return subscription;
+  Observation observe(WatchedState watched, Block block) {
+    auto& observers = watched == WatchedState::enabledSources ? ofEnabledSources_ : ofEverything_;
+    // The observation owns the watch as well.
+    auto owned = std::make_shared<std::pair<std::shared_ptr<StateWatch>, Observation>>(
+        shared_from_this(), observers.add(std::move(block)));
+    return owned;
   }
 
  private:
@@ -206,32 +203,19 @@ class StateWatch : public std::enable_shared_from_this<StateWatch> {
   void compare() {
     const State before = std::exchange(seen_, readState());
     if (seen_ == before) return;
-    std::erase_if(subscriptions_, [](const auto& subscription) { return subscription.expired(); });
-    for (const auto& subscription : subscriptions_) {
-      const auto alive = subscription.lock();
-      if (alive->watched == WatchedState::enabledSources && seen_.enabled == before.enabled) {
-        continue;
-      }
-      async([subscription] {
-        // Kept while it runs: the block may remove its own observer.
-        if (const auto running = subscription.lock()) running->block();
-      });
-    }
+    const bool isEnabledChanged = seen_.enabled != before.enabled;
+    async([weak = weak_from_this(), isEnabledChanged] {
+      const auto self = weak.lock();
+      if (!self) return;
+      if (isEnabledChanged) self->ofEnabledSources_.call();
+      self->ofEverything_.call();
+    });
   }
 
   State seen_ = readState();
   std::unique_ptr<QFileSystemWatcher> watcher_;
-  std::vector<std::weak_ptr<Subscription>> subscriptions_;
-};
-
-class StateObserver final : public NotificationObserver {
- public:
-  StateObserver(WatchedState watched, Block block)
-      : subscription_(watch_->subscribe(watched, std::move(block))) {}
-
- private:
-  std::shared_ptr<StateWatch> watch_ = StateWatch::shared();
-  std::shared_ptr<Subscription> subscription_;
+  HandlerList<> ofEnabledSources_;
+  HandlerList<> ofEverything_;
 };
 
 }  // namespace
@@ -330,8 +314,8 @@ bool startInputSourceAgent(std::vector<std::string> arguments) {
   return startDetached(agent, arguments);
 }
 
-std::unique_ptr<NotificationObserver> observeInputSources(WatchedState watched, Block block) {
-  return std::make_unique<StateObserver>(watched, std::move(block));
+Observation observeInputSources(WatchedState watched, Block block) {
+  return StateWatch::shared()->observe(watched, std::move(block));
 }
 
 }  // namespace platform::linux_

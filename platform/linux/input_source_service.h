@@ -6,7 +6,6 @@
 #pragma once
 
 #include <filesystem>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -77,9 +76,8 @@ bool startInputSourceAgent(std::vector<std::string> arguments);
 enum class WatchedState { enabledSources, everything };
 
 /// Runs `block` on the main queue after any process, this one included, has
-/// changed the set of enabled sources or, if so asked, anything of the state.
-/// Never null; the caller owns the observer.
-[[nodiscard]] std::unique_ptr<NotificationObserver> observeInputSources(WatchedState watched,
-                                                                        Block block);
+/// changed the set of enabled sources or, if so asked, anything of the state,
+/// until the result is destroyed. Never null.
+[[nodiscard]] Observation observeInputSources(WatchedState watched, Block block);
 
 }  // namespace platform::linux_

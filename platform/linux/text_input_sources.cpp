@@ -81,7 +81,7 @@ Status deselectInputSource(const InputSource& source) {
   return source ? kNoError : kParameterError;
 }
 
-std::unique_ptr<NotificationObserver> observeEnabledInputSourcesChanged(Block block) {
+Observation observeEnabledInputSourcesChanged(Block block) {
   return linux_::observeInputSources(linux_::WatchedState::enabledSources, std::move(block));
 }
 

@@ -4,12 +4,14 @@
 
 #include <mutex>
 
+#include "platform/common/admin_script_source.h"
 #include "platform/macos/admin_script_error.h"
 #include "platform/macos/ns_string.h"
 
 namespace platform {
 
 std::optional<AdminScriptError> executeAdminScript(const std::string& source) {
+  if (!parseAdminScriptSource(source)) return adminScriptSyntaxError(source);
   // NSAppleScript is not thread-safe, and a worker has no pool of its own.
   static std::mutex executing;
   const std::lock_guard lock(executing);

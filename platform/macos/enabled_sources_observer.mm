@@ -10,7 +10,7 @@ namespace platform {
 
 namespace {
 
-class EnabledSourcesObserver final : public NotificationObserver {
+class EnabledSourcesObserver {
  public:
   explicit EnabledSourcesObserver(Block block) : block_(std::make_shared<Block>(std::move(block))) {
     // Weak: a notification may already wait in the operation queue when the
@@ -24,9 +24,12 @@ class EnabledSourcesObserver final : public NotificationObserver {
                   if (const auto alive = weak.lock()) (*alive)();
                 }];
   }
-  ~EnabledSourcesObserver() override {
+  ~EnabledSourcesObserver() {
     [NSDistributedNotificationCenter.defaultCenter removeObserver:token_];
   }
+
+  EnabledSourcesObserver(const EnabledSourcesObserver&) = delete;
+  EnabledSourcesObserver& operator=(const EnabledSourcesObserver&) = delete;
 
  private:
   std::shared_ptr<Block> block_;
@@ -35,8 +38,8 @@ class EnabledSourcesObserver final : public NotificationObserver {
 
 }  // namespace
 
-std::unique_ptr<NotificationObserver> observeEnabledInputSourcesChanged(Block block) {
-  return std::make_unique<EnabledSourcesObserver>(std::move(block));
+Observation observeEnabledInputSourcesChanged(Block block) {
+  return std::make_shared<EnabledSourcesObserver>(std::move(block));
 }
 
 }  // namespace platform

@@ -7,8 +7,6 @@
 #include <QWindow>
 #include <utility>
 
-#include "platform/macos/ns_string.h"
-
 namespace platform {
 
 namespace {
@@ -91,42 +89,28 @@ Rect HostWindow::frameRectForContentRect(const Rect& content) const {
   return toRect([impl_->native() frameRectForContentRect:toNSRect(content)]);
 }
 
-void HostWindow::setFrame(const Rect& frame, bool display, bool animate) {
-  [impl_->native() setFrame:toNSRect(frame) display:display animate:animate];
+void HostWindow::setFrame(const Rect& frame) {
+  [impl_->native() setFrame:toNSRect(frame) display:YES animate:NO];
 }
 
-void HostWindow::setContentMinSize(const Size& size) {
-  impl_->native().contentMinSize = NSMakeSize(size.width, size.height);
+void HostWindow::setFixedContentSize(const Size& size) {
+  NSWindow* window = impl_->native();
+  window.contentMinSize = NSMakeSize(size.width, size.height);
+  window.contentMaxSize = NSMakeSize(size.width, size.height);
 }
 
-void HostWindow::setContentMaxSize(const Size& size) {
-  impl_->native().contentMaxSize = NSMakeSize(size.width, size.height);
+void HostWindow::hideTitle() {
+  NSWindow* window = impl_->native();
+  window.titleVisibility = NSWindowTitleHidden;
+  window.title = @"";
+  window.titlebarAppearsTransparent = YES;
 }
 
-void HostWindow::setTitleHidden() {
-  impl_->native().titleVisibility = NSWindowTitleHidden;
-}
-
-void HostWindow::setTitle(const std::string& title) {
-  impl_->native().title = toNSString(title);
-}
-
-void HostWindow::setTitlebarAppearsTransparent(bool transparent) {
-  impl_->native().titlebarAppearsTransparent = transparent;
-}
-
-unsigned HostWindow::styleMask() const {
-  return static_cast<unsigned>(impl_->native().styleMask);
-}
-
-void HostWindow::setStyleMask(unsigned mask) {
-  impl_->native().styleMask = mask;
-}
-
-void HostWindow::setButtonEnabled(WindowButton button, bool enabled) {
-  const auto kind =
-      button == WindowButton::miniaturize ? NSWindowMiniaturizeButton : NSWindowZoomButton;
-  [impl_->native() standardWindowButton:kind].enabled = enabled;
+void HostWindow::removeSizeControls() {
+  NSWindow* window = impl_->native();
+  window.styleMask &= ~(NSWindowStyleMaskMiniaturizable | NSWindowStyleMaskResizable);
+  [window standardWindowButton:NSWindowMiniaturizeButton].enabled = NO;
+  [window standardWindowButton:NSWindowZoomButton].enabled = NO;
 }
 
 void HostWindow::setShouldClose(std::function<bool()> shouldClose) {

@@ -22,41 +22,19 @@ Rect HostWindow::frameRectForContentRect(const Rect& content) const {
   frame.height += test::active->window.titleBarHeight;
   return frame;
 }
-void HostWindow::setFrame(const Rect& frame, bool display, bool animate) {
-  test::note(std::string("set frame") + (display ? ", display" : "") +
-             (animate ? ", animate" : ""));
+void HostWindow::setFrame(const Rect& frame) {
+  test::note("set frame");
   test::active->window.frame = frame;
 }
-namespace {
-std::string sizeText(const Size& size) {
-  return std::to_string(int(size.width)) + "x" + std::to_string(int(size.height));
+void HostWindow::setFixedContentSize(const Size& size) {
+  test::note("fix size " + std::to_string(int(size.width)) + "x" +
+             std::to_string(int(size.height)));
 }
-}  // namespace
-void HostWindow::setContentMinSize(const Size& size) {
-  test::note("min " + sizeText(size));
-}
-void HostWindow::setContentMaxSize(const Size& size) {
-  test::note("max " + sizeText(size));
-}
-void HostWindow::setTitleHidden() {
+void HostWindow::hideTitle() {
   test::note("hide title");
 }
-void HostWindow::setTitle(const std::string& title) {
-  test::note("title \"" + title + "\"");
-}
-void HostWindow::setTitlebarAppearsTransparent(bool transparent) {
-  test::note(transparent ? "transparent" : "opaque");
-}
-unsigned HostWindow::styleMask() const {
-  return test::active->window.styleMask;
-}
-void HostWindow::setStyleMask(unsigned mask) {
-  test::note("style " + std::to_string(mask));
-  test::active->window.styleMask = mask;
-}
-void HostWindow::setButtonEnabled(WindowButton button, bool enabled) {
-  test::note(std::string(enabled ? "enable" : "disable") + " button " +
-             std::to_string(static_cast<int>(button)));
+void HostWindow::removeSizeControls() {
+  test::note("remove size controls");
 }
 void HostWindow::setShouldClose(std::function<bool()> shouldClose) {
   test::note("delegate");

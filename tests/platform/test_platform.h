@@ -94,7 +94,8 @@ class Platform {
   void setEnabled(const std::string& sourceID, bool enabled);
   /// Posts the enabled-sources notification to the main queue.
   void notifyEnabledSourcesChanged();
-  std::set<platform::Block*> observers;
+  platform::HandlerList<> enabledSourcesObservers;
+  int liveObservers = 0;
 
   std::map<std::string, platform::PropertyListValue> preferences;
 
@@ -107,7 +108,6 @@ class Platform {
     double scale = 1.0;
     platform::Rect frame{100, 100, 400, 330};
     double titleBarHeight = 30.0;
-    unsigned styleMask = 15;
     std::function<bool()> shouldClose;
   } window;
   platform::HostWindow hostWindow();

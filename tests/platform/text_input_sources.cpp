@@ -28,20 +28,22 @@ bool isEnabled(const InputSourceObject& source) {
   return found != source.properties.end() && found->second == PropertyListValue(true);
 }
 
-class Observer : public NotificationObserver {
- public:
-  explicit Observer(Block block) : block_(std::move(block)) {
+/// Its beginning and its end stand in the journal.
+struct NotedObservation {
+  explicit NotedObservation(Block block)
+      : observation(test::active->enabledSourcesObservers.add(std::move(block))) {
     test::note("observe");
-    test::active->observers.insert(&block_);
+    ++test::active->liveObservers;
   }
-  ~Observer() override {
+  ~NotedObservation() {
     if (!test::active) return;
     test::note("stop observing");
-    test::active->observers.erase(&block_);
+    --test::active->liveObservers;
   }
+  NotedObservation(const NotedObservation&) = delete;
+  NotedObservation& operator=(const NotedObservation&) = delete;
 
- private:
-  Block block_;
+  Observation observation;
 };
 
 }  // namespace
@@ -90,8 +92,8 @@ Status selectInputSource(const InputSource& source) {
 Status deselectInputSource(const InputSource& source) {
   return act("deselect", source);
 }
-std::unique_ptr<NotificationObserver> observeEnabledInputSourcesChanged(Block block) {
-  return std::make_unique<Observer>(std::move(block));
+Observation observeEnabledInputSourcesChanged(Block block) {
+  return std::make_shared<NotedObservation>(std::move(block));
 }
 
 }  // namespace platform
@@ -126,7 +128,7 @@ void Platform::setEnabled(const std::string& sourceID, bool enabled) {
 }
 
 void Platform::notifyEnabledSourcesChanged() {
-  for (platform::Block* observer : observers) platform::async(*observer);
+  platform::async([] { active->enabledSourcesObservers.call(); });
 }
 
 }  // namespace test

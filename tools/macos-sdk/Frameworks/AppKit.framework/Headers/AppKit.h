@@ -56,7 +56,11 @@ typedef enum NSCompositingOperation : NSUInteger {
 @end
 
 typedef NSUInteger NSWindowStyleMask;  // as C++ sees NS_OPTIONS
-enum : NSWindowStyleMask { NSWindowStyleMaskFullSizeContentView = 1U << 15U };
+enum : NSWindowStyleMask {
+  NSWindowStyleMaskMiniaturizable = 1U << 2U,
+  NSWindowStyleMaskResizable = 1U << 3U,
+  NSWindowStyleMaskFullSizeContentView = 1U << 15U
+};
 typedef enum NSWindowTitleVisibility : NSInteger {
   NSWindowTitleVisible = 0,
   NSWindowTitleHidden = 1,
