@@ -9,12 +9,14 @@ constexpr platform::Seconds kPollStandsBack{3.0};
 }  // namespace
 
 void ContentView::registerEnabledInputSourcesChangedNotificationIfNeeded() {
+  // A second observer would handle each notification twice.
   if (enableNotificationObserver.get()) return;
   enableNotificationObserver = platform::observeEnabledInputSourcesChanged([view =
                                                                                 weak_from_this()] {
     const auto self = view.lock();
     if (!self) return;
     self->appendUILog("收到输入源启用状态更新（kTISNotifyEnabledKeyboardInputSourcesChanged）\n");
+    // Notifications come in bursts. Only the last one of a burst is handled.
     if (const auto& pending = self->pendingEnableNotificationWorkItem.get()) pending->cancel();
     self->pendingEnableNotificationWorkItem =
         platform::scheduleWorkItem(kNotificationDebounce, [view] {
@@ -27,14 +29,18 @@ void ContentView::registerEnabledInputSourcesChangedNotificationIfNeeded() {
 
 void ContentView::removeEnabledInputSourcesChangedNotificationIfNeeded() {
   enableNotificationObserver = nullptr;
+  // A notification may have come just before; its handling must not follow now.
   if (const auto& pending = pendingEnableNotificationWorkItem.get()) pending->cancel();
   pendingEnableNotificationWorkItem = nullptr;
 }
 
 void ContentView::handleEnabledKeyboardInputSourcesChanged(const std::string& trigger) {
+  // Any other status is welcome, not only waitingEnable: the user may be faster than
+  // the delayed step to that status.
   if (installationStatus->is(InstallationStatus::success) ||
       installationStatus->is(InstallationStatus::failed))
     return;
+  // Stamped before the work, so that the poll stands back while this one acts.
   lastEnabledNotificationAt = platform::now();
   const TessalInstaller installer;
   registerForActivationIfNeeded("（来自通知）");
@@ -43,13 +49,14 @@ void ContentView::handleEnabledKeyboardInputSourcesChanged(const std::string& tr
     appendUILog("已调用 TISSelectInputSource（来自通知：" + trigger +
                 "，ok=" + (isSelectCallOk ? "true" : "false") + "）\n");
   }
+  // Asked afresh: a select call that answers 0 need not have taken effect yet.
   if (installer.isSelected(InputMode::pinyin)) finalizeInstallSuccess(/*refreshAgents=*/true);
 }
 
 void ContentView::startEnablePolling() {
   enablePollingTimer = nullptr;
   enablePollingTimer = platform::scheduleTimer(kPollInterval, [view = weak_from_this()] {
-    platform::async([view] {
+    platform::asyncOnMain([view] {
       if (const auto self = view.lock()) self->pollEnableState();
     });
   });
@@ -57,7 +64,8 @@ void ContentView::startEnablePolling() {
 
 void ContentView::pollEnableState() {
   if (!installationStatus->is(InstallationStatus::waitingEnable)) return;
-  // The notification path is in charge for a while after it has run.
+  // The poll stands back for a while after a notification has been handled: two
+  // select calls at a time would disturb each other.
   const auto& handled = lastEnabledNotificationAt.get();
   if (handled && platform::now() - *handled < kPollStandsBack) return;
 
@@ -71,6 +79,8 @@ void ContentView::pollEnableState() {
 }
 
 void ContentView::enableWaitingViewDidAppear() {
+  // The delayed step of a fresh install has made the attempt already. This one is
+  // for a screen that comes up without it.
   if (!didAttemptFreshEnableOnce) {
     didAttemptFreshEnableOnce = true;
     attemptFreshEnable("auto");

@@ -20,15 +20,21 @@ void ContentView::attemptFreshEnable(const std::string& trigger) {
   if (installationStatus->is(InstallationStatus::success) ||
       installationStatus->is(InstallationStatus::failed))
     return;
+  // Before the throttle: also a press that asks for nothing new brings the
+  // installer to the front.
   platform::activateIgnoringOtherApps();
   const TessalInstaller installer;
   registerForActivationIfNeeded("");
+  // Disabling what the user has just allowed would undo the user's answer.
   if (installer.isBaseEnabledBestEffort()) return;
 
   const auto now = platform::now();
+  // Each request may make the system show its prompt: not two within a short time.
   const auto& last = lastEnableBaseRequestAt.get();
   if (last && now - *last < kEnableRequestSpacing) return;
 
+  // An earlier installation may have left the sources half enabled. The system asks
+  // the user again only for a source that is disabled.
   if (!didDisableAllForFreshEnable) {
     didDisableAllForFreshEnable = true;
     const auto modes = installer.disableInputModesBestEffort({InputMode::pinyin});
@@ -39,9 +45,11 @@ void ContentView::attemptFreshEnable(const std::string& trigger) {
 
   const auto status = installer.enableBaseKeyboardInputMethodBestEffort();
   if (!status) {
+    // Nothing was requested, so the next attempt need not wait.
     appendUILog("未找到 base 输入源，无法调用 TISEnableInputSource（trigger=" + trigger + "）\n");
     return;
   }
+  // The time from before the calls, and also after an error: a request is a request.
   lastEnableBaseRequestAt = now;
   appendUILog("已调用 TISEnableInputSource（fresh:enableBase=" + std::to_string(*status) +
               "，trigger=" + trigger + "）\n");

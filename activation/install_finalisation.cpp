@@ -11,6 +11,7 @@ constexpr const char* kSettingsBundleID = "com.tessal.inputmethod.Orvane.setting
 }  // namespace
 
 void ContentView::finalizeInstallSuccess(bool /*refreshAgents*/) {
+  // First: restarting the agents below may post the notification once more.
   removeEnabledInputSourcesChangedNotificationIfNeeded();
   installProgress.set(1.0, kSuccessAnimation);
   installationStatus = InstallationStatus::success;
@@ -19,6 +20,8 @@ void ContentView::finalizeInstallSuccess(bool /*refreshAgents*/) {
   launchSettingsBootstrapIfNeeded();
 }
 
+// The menu of input sources is drawn by these agents; they show the new one only
+// after a restart. A notification and a poll may both get here.
 void ContentView::refreshTextInputAgentsOnce() {
   if (didRefreshTextInputAgentsOnce) return;
   didRefreshTextInputAgentsOnce = true;
@@ -27,6 +30,7 @@ void ContentView::refreshTextInputAgentsOnce() {
 }
 
 void ContentView::launchSettingsBootstrapIfNeeded() {
+  // Only a first install shows the settings: an update must not open windows.
   if (!shouldLaunchSettingsBootstrapOnSuccess || didLaunchSettingsBootstrap) return;
   // Set before trying: a failed launch is not retried.
   didLaunchSettingsBootstrap = true;

@@ -9,7 +9,8 @@ constexpr std::array kSettingsLinks = {
     "x-apple.systempreferences:com.apple.Keyboard-Settings.extension",
 };
 constexpr const char* kKeyboardPane = "/System/Library/PreferencePanes/Keyboard.prefPane";
-// The settings open after the enable request and the prompt that it may raise.
+// The settings open after the enable request, which may raise a prompt: opened at
+// the same time they would cover it.
 constexpr platform::Seconds kSettingsDelay{0.35};
 }  // namespace
 
@@ -33,7 +34,7 @@ void ContentView::openKeyboardSettings() {
 void ContentView::userPressedGoEnable() {
   showExitEnableConfirm = false;
   attemptFreshEnable("user");
-  platform::asyncAfter(kSettingsDelay, [view = weak_from_this()] {
+  platform::asyncOnMainAfter(kSettingsDelay, [view = weak_from_this()] {
     if (const auto self = view.lock()) self->openKeyboardSettings();
   });
 }

@@ -23,12 +23,14 @@ void ContentView::postInstallActivation() {
   }
   shouldLaunchSettingsBootstrapOnSuccess = !installPathExistedBeforeStart;
 
+  // Asked once. This answer alone decides between overwrite and fresh install, also
+  // where a disabled copy was installed before.
   const bool isBaseEnabled = installer.isBaseEnabledBestEffort();
   appendUILog(std::string("启用路径：") +
               (isBaseEnabled ? "覆盖安装（跳过 enable，仅 select）"
                              : "全新安装（可能弹出“允许启用”提示）") +
               "\n");
-  // In place before anything is enabled, so that no answer is missed.
+  // The observer is in place before anything is enabled, so no answer is missed.
   if (!isBaseEnabled) registerEnabledInputSourcesChangedNotificationIfNeeded();
   registerForActivationIfNeeded("");
 
@@ -37,25 +39,31 @@ void ContentView::postInstallActivation() {
       didEnsureHIToolboxDefaultsOnce = true;
       installer.ensureOrvaneEnabledInHIToolboxDefaults(TessalInstaller::InputMode::pinyin);
     }
-    // The user's current input source is left alone; "true" is a constant.
+    // The user's current input source is left alone. The "true" in the log is a
+    // constant and not the answer of this query.
     installer.isSelected(TessalInstaller::InputMode::pinyin);
     appendUILog("已处理覆盖安装：跳过切换当前输入法（ok=true）\n");
+    // Here the agents restart before the observer goes. finalizeInstallSuccess()
+    // does it the other way round, and then finds the agents restarted.
     refreshTextInputAgentsOnce();
     finalizeInstallSuccess(/*refreshAgents=*/true);
     return;
   }
 
   installProgress.set(1.0, LinearAnimation{kFreshDelay});
-  platform::asyncAfter(kFreshDelay, [view = weak_from_this()] {
+  // The bar is seen to reach its end before the screen changes.
+  platform::asyncOnMainAfter(kFreshDelay, [view = weak_from_this()] {
     const auto self = view.lock();
     if (!self) return;
     self->isInstalling = false;
     self->installationStatus = InstallationStatus::waitingEnable;
+    // Before the waiting screen appears, which would make its own attempt.
     self->didAttemptFreshEnableOnce = true;
     self->attemptFreshEnable("enter-waiting");
   });
 }
 
+// Both registrations hold for the life of the window; a second run finds them done.
 void ContentView::registerForActivationIfNeeded(std::string_view logSuffix) {
   if (!didRegisterForActivation) {
     TessalInstaller().registerBundle();

@@ -5,7 +5,7 @@
 #include "platform/application.h"
 
 void AppDelegate::install(QGuiApplication& application) const {
-  // The toolkit would not ask.
+  // The toolkit would quit without asking the delegate.
   QGuiApplication::setQuitOnLastWindowClosed(false);
   QObject::connect(&application, &QGuiApplication::lastWindowClosed, &application, [this] {
     if (applicationShouldTerminateAfterLastWindowClosed()) platform::terminateApplication();

@@ -9,7 +9,7 @@
 #include "ui/installer_ui.h"
 
 namespace {
-// Until the window is configured, which keeps its centre.
+// The size until the window is configured. Its centre stays then.
 constexpr QSize kFirstSize{500, 450};
 }  // namespace
 
@@ -29,8 +29,8 @@ TessalInputInstallerApp::TessalInputInstallerApp(QGuiApplication& application) {
   // Its parent item owns it.
   new WindowAccessor(window_.rootObject(),
                      [this](platform::HostWindow* host) { contentView_->configureWindow(host); });
-  // After it has been configured, so that it appears with its final size.
-  platform::async([this] { window_.show(); });
+  // On a later turn than the configuration, so that it appears with its final size.
+  platform::asyncOnMain([this] { window_.show(); });
 }
 
 int TessalInputInstallerApp::main() {

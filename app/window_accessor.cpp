@@ -9,7 +9,7 @@
 WindowAccessor::WindowAccessor(QQuickItem* parent,
                                std::function<void(platform::HostWindow*)> callback)
     : QQuickItem(parent) {
-  platform::async([item = QPointer<WindowAccessor>(this), callback = std::move(callback)] {
+  platform::asyncOnMain([item = QPointer<WindowAccessor>(this), callback = std::move(callback)] {
     QQuickWindow* const window = item ? item->window() : nullptr;
     if (!window) return callback(nullptr);
     platform::HostWindow host(*window);

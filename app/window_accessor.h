@@ -5,7 +5,7 @@
 
 #include "platform/host_window.h"
 
-/// An invisible item that tells in which window it has come to lie.
+/// An invisible item that tells which window it lies in.
 class WindowAccessor : public QQuickItem {
  public:
   /// Offers the hosting window to `callback` once, on a later turn of the main

@@ -34,7 +34,7 @@ double follow(platform::ChildProcess::OutputHandler handle, const std::function<
                               {"-n", "+1", "-F", platform::onDisk(kInstallLogPath).string()},
                               std::move(handle));
   std::unique_ptr<platform::Timer> check;
-  platform::async([&] {
+  platform::asyncOnMain([&] {
     tail.launch();
     check = platform::scheduleTimer(std::chrono::milliseconds(1), [&] {
       if (isDone()) platform::endMainLoop(0);
@@ -66,14 +66,14 @@ int main() {
   auto lastTurn = Clock::now();
   const double followed = follow(
       [&](std::string_view piece) {
-        platform::async([&, text = std::string(piece)] {
+        platform::asyncOnMain([&, text = std::string(piece)] {
           const auto start = Clock::now();
           view->handleInstallLogChunk(text);
           pieces.push_back(since(start));
         });
       },
       [&] {
-        // This timer gets its turn between two pieces: how long did it wait?
+        // This timer runs between two pieces: it sees how long it had to wait.
         longestStall = std::max(longestStall, since(lastTurn));
         lastTurn = Clock::now();
         return view->logText->size() >= log.size();

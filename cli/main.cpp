@@ -85,13 +85,14 @@ class TerminalFront {
       say("已安装，尚未启用");
       return leaveSoon(kLeftWhileWaiting);
     }
-    // How the script ends now decides the result.
+    // The run goes on: how the script ends now decides its result.
     platform::interruptAdminScript();
   }
 
-  /// After what is on the queue now: the last pieces of the log among it.
+  /// Leaves when all that is on the main queue now has run. The last pieces of the
+  /// log may be part of that.
   void leaveSoon(ExitStatus status) {
-    platform::async([this, status] {
+    platform::asyncOnMain([this, status] {
       if (view_) leave(status);
     });
   }
@@ -160,6 +161,6 @@ int main(int argc, char** argv) {
   if (const auto status = parseArguments(program, argc, argv)) return *status;
 
   TerminalFront front(options);
-  platform::async([&front] { front.start(); });
+  platform::asyncOnMain([&front] { front.start(); });
   return platform::runMainLoop();
 }

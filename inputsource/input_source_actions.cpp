@@ -8,8 +8,8 @@ using platform::Status;
 
 namespace {
 
-/// Deselecting the very source that is then selected makes the service take the
-/// selection anew.
+/// Deselects the source and then selects it. The service ignores a selection of a
+/// source that it believes to be selected already; the first call prevents that.
 Status reselect(const InputSource& source) {
   platform::deselectInputSource(source);
   return platform::selectInputSource(source);

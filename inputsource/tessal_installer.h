@@ -15,6 +15,9 @@
 /// state: make one where it is needed and drop it. Main thread only. Nothing is
 /// cached and nothing throws; a failure of the service reads as not found, not
 /// enabled or not selected.
+///
+/// `BestEffort` in a name: the operation tries once, tolerates every failure and
+/// passes on what the service says; the caller only logs it.
 class TessalInstaller {
  public:
   /// A mode of the input method.

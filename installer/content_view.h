@@ -16,9 +16,13 @@
 #include "platform/main_queue.h"
 #include "platform/text_input_sources.h"
 
-/// The installer's main view: all of its state and every operation on it. Lives
-/// on the main thread, for the life of the window. Blocks that it leaves on the
+/// The installer's main view: all of its state and every operation on it. It lives
+/// on the main thread, for as long as the window. The blocks that it puts on the
 /// main queue hold it weakly: they do nothing once it is gone.
+///
+/// A field named `did…` guards an action that must not repeat. It is set when the
+/// action is taken, and a failure of the action does not clear it. A new run clears
+/// most of them, see startInstallation().
 class ContentView : public std::enable_shared_from_this<ContentView> {
  public:
   [[nodiscard]] static std::shared_ptr<ContentView> create();
@@ -79,12 +83,20 @@ class ContentView : public std::enable_shared_from_this<ContentView> {
   void handleInstallLogChunk(const std::string& text);
 
   // After the script (activation/).
+  /// Registers the installed bundle, and finishes or starts to wait. Runs once a
+  /// run, see triggerActivation().
   void postInstallActivation();
+  /// Asks the system to enable the input method. `trigger` says in the log who
+  /// called: "enter-waiting", "auto" or "user"; it changes nothing else.
   void attemptFreshEnable(const std::string& trigger);
   void registerEnabledInputSourcesChangedNotificationIfNeeded();
   void removeEnabledInputSourcesChangedNotificationIfNeeded();
+  /// Selects the mode and, once it is selected, finishes. `trigger` is the name of
+  /// the notification, for the log.
   void handleEnabledKeyboardInputSourcesChanged(const std::string& trigger);
+  /// Polls every 1.5 s from now on; replaces a timer that runs already.
   void startEnablePolling();
+  /// Does what the notification does, for systems that post it late or not at all.
   void pollEnableState();
   /// The waiting screen has come on screen, or left it.
   void enableWaitingViewDidAppear();

@@ -41,7 +41,7 @@ std::shared_ptr<platform::ChildProcess> ContentView::startFollowingInstallLog() 
       [view](std::string_view piece) {
         // A piece that does not decode is dropped: nothing may be shown garbled.
         if (piece.empty() || !utf8::is_valid(piece.begin(), piece.end())) return;
-        platform::async([view, text = std::string(piece)] {
+        platform::asyncOnMain([view, text = std::string(piece)] {
           if (const auto self = view.lock()) self->handleInstallLogChunk(text);
         });
       });

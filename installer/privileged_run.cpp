@@ -79,7 +79,9 @@ void ContentView::startInstallation() {
       {script->string(), adminPrompt(platform::bundleLocation())});
   platform::asyncOnWorker([view = weak_from_this(), tail, source] {
     const auto error = platform::executeAdminScript(source);
-    platform::async([view, tail, error] {
+    // These blocks alone own the follower, so it ends with its run. If the view owned
+    // it, a second run would wait on the main thread for the end of the first one.
+    platform::asyncOnMain([view, tail, error] {
       if (tail->isRunning()) tail->terminate();
       if (const auto self = view.lock()) self->finishPrivilegedRun(error);
     });

@@ -16,10 +16,10 @@ struct LinearAnimation {
   bool operator==(const LinearAnimation&) const = default;
 };
 
-/// A value whose every change reaches its observers. Only the main thread reads
-/// or writes it. Observers are called on the next turn of the main queue, after
-/// the operation that writes has run to its end, so they never see a state half
-/// way between two writes; several writes within a turn reach them as one, with
+/// A value that tells its observers of every change. Only the main thread reads
+/// or writes it. Observers are called on the next turn of the main queue, when the
+/// operation that wrote has run to its end: they never see a state between two
+/// writes of one operation. Several writes within a turn reach them as one, with
 /// the last value and the animation of the last write.
 template <class T>
 class State {
@@ -69,7 +69,7 @@ class State {
     cell_->animation = animation;
     if (cell_->pending) return;
     cell_->pending = true;
-    platform::async([weak = std::weak_ptr(cell_)] {
+    platform::asyncOnMain([weak = std::weak_ptr(cell_)] {
       const auto cell = weak.lock();
       if (!cell) return;
       cell->pending = false;

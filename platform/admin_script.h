@@ -21,16 +21,16 @@ inline constexpr int kAdminScriptCancelled = -128;
 /// Executes a script source of the form
 ///   do shell script "/bin/sh " & quoted form of POSIX path of "PATH"
 ///     with administrator privileges with prompt "PROMPT"
-/// and blocks until the script has ended; call it on a worker. Absent on
+/// and blocks until the script has ended. Call it on a worker. Absent on
 /// success. A non-zero exit of the script gives that number, with its standard
 /// error as the message; a source of another form gives an error that says so.
 std::optional<AdminScriptError> executeAdminScript(const std::string& source);
 
-/// Asks a script that is being executed to end, as far as the system lets this
-/// process do so: a pending password prompt is dismissed and a script of the
-/// same user is sent SIGTERM; one that runs with higher rights goes on. None is
-/// started any more. Returns when no child of this process is left of it, at once
-/// when there is none. Main thread.
+/// Ends the script that is being executed, as far as the system lets this process
+/// do so: a password prompt that is open is dismissed, and a script of the same
+/// user is sent SIGTERM. A script with higher rights goes on. After this call no
+/// script is started any more. It returns when this process has no child left that
+/// belongs to the script. Main thread.
 void interruptAdminScript();
 
 }  // namespace platform

@@ -13,14 +13,16 @@ using Block = std::function<void()>;
 using Seconds = std::chrono::duration<double>;
 using WallClock = std::chrono::system_clock;
 
-/// Puts `block` at the end of the main queue and returns at once. Callable on
-/// any thread. Blocks run on the main thread, one at a time, in the order of
-/// the calls; input and drawing get their turn between two of them. A block
-/// still queued when the process ends is destroyed unrun.
-void async(Block block);
+/// Puts `block` at the end of the main queue and returns at once. Callable on any
+/// thread. Blocks run on the main thread, one at a time, in the order of the
+/// calls. Timers, input and drawing get their turn as well, but not between any
+/// two blocks. A block that is still queued when the process ends may be destroyed
+/// unrun, or never. The calling thread does not destroy a block that it has put
+/// there.
+void asyncOnMain(Block block);
 
-/// As async(), but not before `delay` has passed. Main thread only.
-void asyncAfter(Seconds delay, Block block);
+/// Does the same, but not before `delay` has passed. Main thread only.
+void asyncOnMainAfter(Seconds delay, Block block);
 
 /// A delayed block that can be taken back. The caller owns it: to destroy it is
 /// to cancel it, also from inside its own block. Main thread only.

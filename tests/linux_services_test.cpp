@@ -130,7 +130,7 @@ TEST_F(LinuxServices, ObserversSeeEachChangeOfTheEnabledSetOnce) {
     end = scheduleWorkItem(Seconds(0.3), [] { endMainLoop(0); });
   });
   inputSources("disable " + kMode);  // before the main loop runs
-  async([&] { end = scheduleWorkItem(Seconds(30), [] { endMainLoop(1); }); });
+  asyncOnMain([&] { end = scheduleWorkItem(Seconds(30), [] { endMainLoop(1); }); });
   EXPECT_EQ(runMainLoop(), 0);
   EXPECT_EQ(seen, 2);
   EXPECT_FALSE(once);

@@ -25,7 +25,7 @@ using namespace std::chrono_literals;
 
 /// Runs `block` on the main queue and the main loop until endMainLoop().
 int runOnMainLoop(Block block) {
-  async(std::move(block));
+  asyncOnMain(std::move(block));
   return runMainLoop();
 }
 
@@ -36,11 +36,11 @@ TEST(Contract, MainQueueKeepsOrderAcrossThreads) {
     asyncOnWorker([&] {
       EXPECT_NE(std::this_thread::get_id(), mainThread);
       for (int i = 0; i < 1000; ++i)
-        async([&order, i, mainThread] {
+        asyncOnMain([&order, i, mainThread] {
           EXPECT_EQ(std::this_thread::get_id(), mainThread);
           order.push_back(i);
         });
-      async([] { endMainLoop(7); });
+      asyncOnMain([] { endMainLoop(7); });
     });
   });
   EXPECT_EQ(status, 7);
@@ -54,10 +54,10 @@ TEST(Contract, DelayedBlocksGetTheirTurnInLongQueues) {
   bool isDue = false;
   Block again = [&] {
     ++turns;
-    isDue ? endMainLoop(0) : async(again);
+    isDue ? endMainLoop(0) : asyncOnMain(again);
   };
   runOnMainLoop([&] {
-    asyncAfter(20ms, [&] { isDue = true; });
+    asyncOnMainAfter(20ms, [&] { isDue = true; });
     again();
   });
   EXPECT_TRUE(isDue);
@@ -80,7 +80,7 @@ TEST(Contract, WorkItemsAndTimersEndWithTheirHandles) {
       ran.emplace_back("tick");
       if (ran.size() == 3) {
         timer.reset();
-        asyncAfter(40ms, [] { endMainLoop(0); });
+        asyncOnMainAfter(40ms, [] { endMainLoop(0); });
       }
     });
     cancelled->cancel();

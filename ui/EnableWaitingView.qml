@@ -10,8 +10,9 @@ Item {
     readonly property real contentHeight: Math.max(height - 64, 0)
     readonly property real illustrationHeight:
         Math.max(Math.min(contentHeight - 94 - 94, 560), 200)
-    // What the four spacers share; where it is too little for them, the column is
-    // higher than its frame and reaches into the padding above and below alike.
+    // The height that the four spacers share. It may be less than their minimums
+    // need; the column is then higher than its frame, and reaches into the padding
+    // above and below by the same amount.
     readonly property real spacer:
         (contentHeight - title.height - instruction.height - illustration.height - button.height) / 4
 

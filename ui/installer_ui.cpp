@@ -9,8 +9,8 @@
 #include "platform/bundle.h"
 #include "ui/progress_item.h"
 
-// Named by the build after the module. In a static library nothing else refers
-// to them.
+// The build names these functions after the QML module. They must be called,
+// because nothing else keeps them in a static library.
 void qml_register_types_Orvane_Installer();
 
 namespace {

@@ -5,10 +5,11 @@
 #include <QString>
 #include <QUrl>
 
-/// What has to be settled before there is an application: how it draws.
+/// Chooses how the toolkit draws. Call it before there is an application.
 void prepareToolkit();
 
-/// The font that every text starts from. Once there is an application.
+/// Sets the font that every text starts from. Call it once there is an
+/// application.
 void setApplicationFont();
 
 /// The product's name as the user sees it: the bundle's display name, or else its

@@ -3,8 +3,8 @@
 #include <QQuickItem>
 #include <QtQmlIntegration>
 
-/// An item that tells assistive tools how far something is, which the toolkit
-/// has none for. It draws nothing.
+/// An item that tells assistive tools the progress of something. The toolkit has
+/// no item for that. It draws nothing.
 class ProgressItem : public QQuickItem {
   Q_OBJECT
   QML_ELEMENT

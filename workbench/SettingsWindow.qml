@@ -64,7 +64,8 @@ Rectangle {
                 width: flickable.width
                 Repeater {
                     id: rows
-                    // Their number: a row lives on, and keeps the focus, when its source changes.
+                    // The number and not the list: a row then survives a change of its
+                    // source and keeps the focus.
                     model: root.list.sources.length
                     Item {
                         id: row

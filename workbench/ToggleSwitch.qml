@@ -8,7 +8,7 @@ Item {
 
     property bool isOn: false
     property string name
-    // Whether it has moved since it was made: it does not start with a motion.
+    // Whether the user has moved it. Before that it changes without animation.
     property bool isAnimated: false
 
     signal turned(bool on)

@@ -10,8 +10,8 @@
 #include "platform/host_window.h"
 #include "ui/installer_ui.h"
 
-// Named by the build after the module. In a static library nothing else refers
-// to them.
+// The build names this function after the QML module. It must be called, because
+// nothing else keeps it in a static library.
 void qml_register_types_Orvane_Workbench();
 
 namespace {
@@ -26,14 +26,16 @@ Reporter& reporter() {
   return instance;
 }
 
-/// Drops what the toolkit says for its own developers: it may tell keys.
+/// Drops the toolkit's messages for its own developers: they may tell which keys
+/// were pressed.
 void report(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
   if (type == QtDebugMsg || type == QtInfoMsg) return;
   std::cerr << reporter().name << ": " << message.toStdString() << '\n';
   if (type == QtFatalMsg) std::_Exit(reporter().fatalStatus);
 }
 
-/// What has to be settled before there is an application; passes its name on.
+/// Makes the settings that must stand before there is an application. Returns
+/// `name`.
 const char* prepare(const char* name, int noDisplayStatus) {
   reporter() = {name, noDisplayStatus};
   qInstallMessageHandler(report);

@@ -42,8 +42,8 @@ int askForConsent(const std::string& id) {
   const auto observer = service::observeInputSources(service::WatchedState::everything, [&] {
     if (isAsked()) return;
     instance.release();
-    // Asked once more before that, the agent started for it has found the place
-    // taken and left it to this one.
+    // The question may have come up again before release(). The agent that was
+    // started for it then found the place taken and ended, so this one goes on.
     if (isAsked() && instance.take()) return;
     HelperProgram::end(0);
   });

@@ -17,7 +17,8 @@ class SingleInstance {
   SingleInstance(const SingleInstance&) = delete;
   SingleInstance& operator=(const SingleInstance&) = delete;
 
-  /// Whether this process holds it now; else its holder is told.
+  /// Tries to take the place. Returns whether this process holds it now. If another
+  /// process does, that one is told, see onOtherStart().
   bool take();
   void release();
 

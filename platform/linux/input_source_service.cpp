@@ -172,7 +172,7 @@ class StateWatch : public std::enable_shared_from_this<StateWatch> {
       existing = watch = std::make_shared<StateWatch>();
       // File notifications need the main loop. start() compares with the state that
       // is read here, so a change before the loop runs is seen as well.
-      async([started = existing] {
+      asyncOnMain([started = existing] {
         if (const auto self = started.lock()) self->start();
       });
     }
@@ -204,7 +204,7 @@ class StateWatch : public std::enable_shared_from_this<StateWatch> {
     const State before = std::exchange(seen_, readState());
     if (seen_ == before) return;
     const bool isEnabledChanged = seen_.enabled != before.enabled;
-    async([weak = weak_from_this(), isEnabledChanged] {
+    asyncOnMain([weak = weak_from_this(), isEnabledChanged] {
       const auto self = weak.lock();
       if (!self) return;
       if (isEnabledChanged) self->ofEnabledSources_.call();

@@ -102,11 +102,11 @@ class QtTimer : public Timer {
 
 }  // namespace
 
-void async(Block block) {
+void asyncOnMain(Block block) {
   MainQueue::instance().push(std::move(block));
 }
 
-void asyncAfter(Seconds delay, Block block) {
+void asyncOnMainAfter(Seconds delay, Block block) {
   QTimer::singleShot(atLeast(delay), Qt::PreciseTimer, &MainQueue::instance(), std::move(block));
 }
 

@@ -38,11 +38,11 @@ class TerminationSignals {
     block_ = std::move(block);
     if (pipe_[0] >= 0 || ::pipe2(pipe_.data(), O_CLOEXEC | O_NONBLOCK) != 0) return;
     // Once the main loop is there to watch it.
-    async([this] {
+    asyncOnMain([this] {
       notifier_ = std::make_unique<QSocketNotifier>(pipe_[0], QSocketNotifier::Read);
       QObject::connect(notifier_.get(), &QSocketNotifier::activated, [this] {
         char signal = 0;
-        while (::read(pipe_[0], &signal, 1) > 0) async(block_);
+        while (::read(pipe_[0], &signal, 1) > 0) asyncOnMain(block_);
       });
     });
     struct sigaction action {};

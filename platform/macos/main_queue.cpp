@@ -27,7 +27,7 @@ Block unlessGone(const std::shared_ptr<Block>& block) {
 class DelayedBlock final : public WorkItem {
  public:
   DelayedBlock(Seconds delay, Block block) : block_(std::make_shared<Block>(std::move(block))) {
-    asyncAfter(delay, unlessGone(block_));
+    asyncOnMainAfter(delay, unlessGone(block_));
   }
   void cancel() override { block_.reset(); }
 
@@ -53,13 +53,13 @@ class SourceTimer final : public Timer {
 
 }  // namespace
 
-void async(Block block) {
+void asyncOnMain(Block block) {
   dispatch_async(dispatch_get_main_queue(), ^{
     block();
   });
 }
 
-void asyncAfter(Seconds delay, Block block) {
+void asyncOnMainAfter(Seconds delay, Block block) {
   dispatch_after(dispatch_time(DISPATCH_TIME_NOW, nanoseconds(delay)), dispatch_get_main_queue(), ^{
     block();
   });

@@ -88,10 +88,10 @@ class VirtualTimer : public Timer {
 
 }  // namespace
 
-void async(Block block) {
+void asyncOnMain(Block block) {
   test::active->queue.push_back(std::move(block));
 }
-void asyncAfter(Seconds delay, Block block) {
+void asyncOnMainAfter(Seconds delay, Block block) {
   test::active->unowned.push_back(schedule(delay, false, std::move(block)));
 }
 std::unique_ptr<WorkItem> scheduleWorkItem(Seconds delay, Block block) {

@@ -128,7 +128,7 @@ void Platform::setEnabled(const std::string& sourceID, bool enabled) {
 }
 
 void Platform::notifyEnabledSourcesChanged() {
-  platform::async([] { active->enabledSourcesObservers.call(); });
+  platform::asyncOnMain([] { active->enabledSourcesObservers.call(); });
 }
 
 }  // namespace test
