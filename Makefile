@@ -1,44 +1,51 @@
-# make        builds
 # make run    opens the installer; without a display, make demo
 # make test   runs every test
+# make check  format, clang-tidy, shellcheck, qmllint, documents, sanitized unit tests
 # make demo   the whole installation with real clicks, a screenshot a step
 # make bench  what things cost
-# Each sets up this machine first, if something is missing.
+# Each of these sets up this machine first, if something is missing.
+# make        builds, and installs nothing
+# make setup  sets up this machine
 
 PRESET := release
 APP := build/Orvane Installer.app
 
-.PHONY: all setup run test demo bench tidy format sanitize macos-check clean
+.PHONY: all setup run test check demo bench format sanitize macos-check clean
 
-all: setup
+all:
+	@tools/setup.sh --check
 	@cmake --preset $(PRESET) --log-level=WARNING >/dev/null
 	@cmake --build --preset $(PRESET)
 
 setup:
 	@tools/setup.sh
 
-run: all
+# What these targets need is set up before all of them.
+run test check demo bench sanitize:
+run test demo bench: all
+
+run:
 	@tools/run.sh "$(APP)"
 
-test: all
+test:
 	@ctest --preset $(PRESET) -j 2
 
-demo: all
+demo:
 	@tools/demo.sh "$(APP)" build/demo
 
-bench: all
+bench:
 	@build/release/bench/log_follow
 	@if [ -n "$$DISPLAY" ]; then build/release/bench/first_frame build/release/bench/bare_window "$(APP)/Contents/MacOS/Orvane Installer"; \
 	else xvfb-run -a -s '-screen 0 1280x1024x24' \
 	  build/release/bench/first_frame build/release/bench/bare_window "$(APP)/Contents/MacOS/Orvane Installer"; fi
 
 # The same tests under the address, undefined-behaviour and thread sanitizers.
-sanitize: setup
+sanitize:
 	cmake --preset asan && cmake --build --preset asan && ctest --preset asan
 	cmake --preset tsan && cmake --build --preset tsan && ctest --preset tsan -L unit
 
-tidy: all
-	@tools/lint.sh
+check:
+	@tools/check.sh
 
 format:
 	@git ls-files '*.cpp' '*.h' '*.mm' ':!tools/macos-sdk' | xargs clang-format -i

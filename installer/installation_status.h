@@ -1,18 +1,16 @@
 // Where an installation stands.
+// clang-format off
 //
-// | status        | meaning                                    | entered from  | by |
-// |---------------|--------------------------------------------|---------------|-----------------------------|
-// | notStarted    | nothing has been tried yet                 | –             | a new view | |
-// installing    | the script runs, or its result is handled  | any           | startInstallation |
-// | needAdmin     | the authorisation was cancelled or refused | installing    |
-// finishPrivilegedRun         | | failed        | the run ended in an error, with a message  |
-// installing    | startInstallation,          | |               | |               |
-// finishPrivilegedRun,        | |               |                                            | |
-// postInstallActivation       | | waitingEnable | installed; the user has to allow it        |
-// installing    | postInstallActivation       | | success       | installed and enabled |
-// installing,   | postInstallActivation,      | |               | | waitingEnable |
-// finalizeInstallSuccess      |
+// | status        | meaning                                   | entered from              | by                                                             |
+// |---------------|-------------------------------------------|---------------------------|----------------------------------------------------------------|
+// | notStarted    | nothing has been tried yet                | –                         | a new view                                                     |
+// | installing    | the script runs, or its result is handled | any                       | startInstallation                                              |
+// | needAdmin     | the password prompt was closed or refused | installing                | finishPrivilegedRun                                            |
+// | failed        | the run ended in an error, with a message | installing                | startInstallation, finishPrivilegedRun, postInstallActivation  |
+// | waitingEnable | installed; the user has to allow it       | installing                | postInstallActivation                                          |
+// | success       | installed and enabled                     | installing, waitingEnable | finalizeInstallSuccess                                         |
 //
+// clang-format on
 // Only a new run leaves needAdmin, failed and success. One case is special: the user
 // may allow the input method before the delayed step to waitingEnable has run. The
 // status is then success, becomes waitingEnable, and the next poll makes it success

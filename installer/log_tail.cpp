@@ -35,7 +35,7 @@ constexpr LinearAnimation kMarkerAnimation{platform::Seconds(0.25)};
 
 std::shared_ptr<platform::ChildProcess> ContentView::startFollowingInstallLog() {
   const std::weak_ptr<ContentView> view = weak_from_this();
-  const auto tail = std::make_shared<platform::ChildProcess>(
+  auto tail = std::make_shared<platform::ChildProcess>(
       "/usr/bin/tail",
       std::vector<std::string>{"-n", "+1", "-F", platform::onDisk(kInstallLogPath).string()},
       [view](std::string_view piece) {

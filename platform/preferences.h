@@ -18,9 +18,10 @@ std::optional<PropertyListValue> copyPreferencesValue(const std::string& key,
                                                       const std::string& application,
                                                       PreferencesUser user, PreferencesHost host);
 
-/// Sets the value under `key`; other keys stay as they are. It reaches the disk
-/// with synchronizePreferences() at the latest.
-void setPreferencesValue(const std::string& key, const PropertyListValue& value,
+/// Sets the value under `key`, or removes the key if there is no value; other keys
+/// stay as they are. It reaches the disk with synchronizePreferences() at the
+/// latest.
+void setPreferencesValue(const std::string& key, const std::optional<PropertyListValue>& value,
                          const std::string& application, PreferencesUser user,
                          PreferencesHost host);
 

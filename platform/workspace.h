@@ -15,7 +15,8 @@ struct Url {
   std::string text;
 };
 
-/// The text as a URL; absent if it is not one.
+/// The text as a URL; absent if the system's parser refuses it. What parsers refuse
+/// differs from system to system.
 std::optional<Url> parseUrl(const std::string& text);
 /// The file URL of an absolute path.
 Url fileUrl(const std::filesystem::path& path);

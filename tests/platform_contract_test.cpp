@@ -1,13 +1,18 @@
 // What every platform must do, run against the one that is linked. It needs no
-// window, changes nothing of the user's, and keeps its files in a folder of its
-// own.
+// window. Its files lie in a folder of its own; where the platform knows no other
+// root it also uses the user's preferences, under a domain of the run's own that it
+// removes again.
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <limits>
+#include <map>
 #include <thread>
 
 #include "platform/admin_script.h"
@@ -16,6 +21,7 @@
 #include "platform/main_queue.h"
 #include "platform/preferences.h"
 #include "platform/program.h"
+#include "platform/text_input_sources.h"
 #include "platform/workspace.h"
 
 namespace {
@@ -171,23 +177,69 @@ TEST(Contract, PropertyListsAreReadWithTheirTypes) {
 }
 
 TEST(Contract, PreferencesGiveBackWhatWasSet) {
-  const std::string domain = "com.tessal.installer.contract-test";
-  const PropertyListValue value = PropertyListArray{
-      PropertyListDictionary{{"flag", true}, {"number", std::int64_t{-3}}, {"text", "好"}}, 1.5};
-  setPreferencesValue("key", value, domain, PreferencesUser::current, PreferencesHost::current);
-  EXPECT_TRUE(synchronizePreferences(domain, PreferencesUser::current, PreferencesHost::current));
-  EXPECT_EQ(copyPreferencesValue("key", domain, PreferencesUser::current, PreferencesHost::current),
-            value);
-  EXPECT_EQ(copyPreferencesValue("key", domain, PreferencesUser::current, PreferencesHost::any),
+  const std::string domain = "com.tessal.installer.contract-test." + std::to_string(::getpid());
+  const auto copy = [&](const std::string& key) {
+    return copyPreferencesValue(key, domain, PreferencesUser::current, PreferencesHost::current);
+  };
+  const auto set = [&](const std::string& key, const std::optional<PropertyListValue>& value) {
+    setPreferencesValue(key, value, domain, PreferencesUser::current, PreferencesHost::current);
+  };
+  const auto synchronize = [&] {
+    return synchronizePreferences(domain, PreferencesUser::current, PreferencesHost::current);
+  };
+  // Each type, there and back.
+  const std::map<std::string, PropertyListValue> values = {
+      {"flag", true},
+      {"number", std::int64_t{-3}},
+      {"large", std::numeric_limits<std::int64_t>::max()},
+      {"real", 1.5},
+      {"text", "好 \xF0\x9F\x8D\x81 & <"},
+      {"date", PropertyListDate{86400.0}},
+      {"data", PropertyListData{std::byte{0}, std::byte{0xFF}}},
+      {"list", PropertyListArray{PropertyListDictionary{{"a", PropertyListArray{}}}, 2.0, ""}},
+  };
+  for (const auto& [key, value] : values) set(key, value);
+  set("foreign", PropertyListArray{ForeignKeyDictionary{}});
+  EXPECT_TRUE(synchronize());
+  for (const auto& [key, value] : values) EXPECT_EQ(copy(key), value) << key;
+  EXPECT_EQ(copy("foreign"), PropertyListValue(PropertyListArray{PropertyListDictionary{}}));
+  EXPECT_EQ(copyPreferencesValue("flag", domain, PreferencesUser::current, PreferencesHost::any),
             std::nullopt);
-  EXPECT_EQ(
-      copyPreferencesValue("other", domain, PreferencesUser::current, PreferencesHost::current),
-      std::nullopt);
+  for (const auto& [key, value] : values) set(key, std::nullopt);
+  set("foreign", std::nullopt);
+  EXPECT_EQ(copy("flag"), std::nullopt);
+  EXPECT_TRUE(synchronize());
+  EXPECT_EQ(copy("flag"), std::nullopt);
+}
+
+TEST(Contract, ListedInputSourcesOutliveTheirList) {
+  InputSource first;
+  {
+    const auto list = createInputSourceList(std::nullopt, /*includeAllInstalled=*/true);
+    ASSERT_TRUE(list && !list->empty());
+    first = list->front();
+  }
+  const auto id = getInputSourceProperty(first, InputSourceProperty::inputSourceID);
+  ASSERT_TRUE(id.has_value());
+  const auto same = createInputSourceList({{InputSourceProperty::inputSourceID, *id}}, true);
+  EXPECT_TRUE(same && !same->empty());
+}
+
+TEST(Contract, BrokenPipesEndChildrenAndNotThisProcess) {
+  onTerminationRequest([] {});
+  ::raise(SIGPIPE);
+  std::string output;
+  {
+    ChildProcess child("/bin/sh", {"-c", "echo before; kill -s PIPE $$; echo after"},
+                       [&](std::string_view piece) { output += piece; });
+    ASSERT_EQ(child.launch(), std::nullopt);
+    while (child.isRunning()) std::this_thread::sleep_for(1ms);
+  }
+  EXPECT_EQ(output, "before\n");
 }
 
 TEST(Contract, UrlsAreParsedAndPathsEscaped) {
   EXPECT_TRUE(parseUrl("x-apple.systempreferences:com.apple.preference.keyboard?InputSources"));
-  EXPECT_FALSE(parseUrl("http://[bad"));
   EXPECT_EQ(fileUrl("/Library/Input Methods/澄.app").text,
             "file:///Library/Input%20Methods/%E6%BE%84.app");
 }
@@ -196,8 +248,6 @@ TEST(Contract, UrlsAreParsedAndPathsEscaped) {
 
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);
-  // Where the platform knows no other root, the user's own stores are used, under
-  // a domain of the test's.
   std::string root = std::filesystem::temp_directory_path() / "orvane-contract-XXXXXX";
   ::mkdtemp(root.data());
   for (const auto& option : platform::platformOptions()) option.use(root);

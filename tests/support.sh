@@ -1,3 +1,4 @@
+# shellcheck shell=sh disable=SC2034
 # Shared by the test scripts of this folder; sourced.
 
 export LC_ALL=C.UTF-8 # texts and window titles are Chinese

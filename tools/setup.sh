@@ -1,6 +1,6 @@
 #!/bin/sh
-# Installs what building, testing and showing the installer needs; does nothing
-# when nothing is missing.
+# Installs what building, testing and showing the installer needs. It does nothing
+# when nothing is missing. With --check it installs nothing, and only fails.
 set -eu
 
 if [ "$(uname -s)" = Darwin ]; then
@@ -9,7 +9,10 @@ if [ "$(uname -s)" = Darwin ]; then
     brew list --versions "$formula" >/dev/null 2>&1 || missing="${missing:-} $formula"
   done
   # shellcheck disable=SC2086
-  [ -z "${missing:-}" ] || brew install $missing
+  if [ -n "${missing:-}" ]; then
+    [ "${1:-}" != --check ] || { echo "missing:$missing; 'make setup' installs it" >&2; exit 1; }
+    brew install $missing
+  fi
   exit 0
 fi
 
@@ -23,7 +26,7 @@ packages='
   fonts-noto-cjk librsvg2-bin icnsutils
   zip unzip sudo
   xvfb xauth xdotool openbox x11-utils imagemagick
-  clang-format clang-tidy llvm-14
+  clang-format clang-tidy shellcheck llvm-14
 '
 missing=
 # Not Debian's own packages everywhere.
@@ -33,6 +36,7 @@ for package in $packages; do
     missing="$missing $package"
 done
 [ -n "$missing" ] || exit 0
+[ "${1:-}" != --check ] || { echo "missing:$missing; 'make setup' installs it" >&2; exit 1; }
 
 echo "installing:$missing"
 as_root=

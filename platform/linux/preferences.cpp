@@ -22,9 +22,12 @@ std::filesystem::path preferencesFile(const std::string& application, Preference
          (application + "." + QSysInfo::machineHostName().toStdString() + ".plist");
 }
 
+/// Absent: the key is to be removed.
+using Changes = std::map<std::string, std::optional<PropertyListValue>>;
+
 /// What has been set and not yet written, by file.
-std::map<std::filesystem::path, PropertyListDictionary>& unwritten() {
-  static std::map<std::filesystem::path, PropertyListDictionary> values;
+std::map<std::filesystem::path, Changes>& unwritten() {
+  static std::map<std::filesystem::path, Changes> values;
   return values;
 }
 
@@ -35,14 +38,15 @@ std::optional<PropertyListValue> copyPreferencesValue(const std::string& key,
                                                       PreferencesUser user, PreferencesHost host) {
   const auto file = preferencesFile(application, user, host);
   if (const auto pending = unwritten().find(file); pending != unwritten().end()) {
-    if (const auto* value = linux_::valueIn(pending->second, key)) return *value;
+    if (const auto found = pending->second.find(key); found != pending->second.end())
+      return found->second;
   }
   const auto stored = readPropertyListDictionary(file);
   const auto* value = stored ? linux_::valueIn(*stored, key) : nullptr;
   return value ? std::optional(*value) : std::nullopt;
 }
 
-void setPreferencesValue(const std::string& key, const PropertyListValue& value,
+void setPreferencesValue(const std::string& key, const std::optional<PropertyListValue>& value,
                          const std::string& application, PreferencesUser user,
                          PreferencesHost host) {
   unwritten()[preferencesFile(application, user, host)].insert_or_assign(key, value);
@@ -54,7 +58,12 @@ bool synchronizePreferences(const std::string& application, PreferencesUser user
   if (pending == unwritten().end()) return true;
   const bool written =
       linux_::editPropertyListFile(pending->first, [&](PropertyListDictionary& stored) {
-        for (const auto& [key, value] : pending->second) stored.insert_or_assign(key, value);
+        for (const auto& [key, value] : pending->second) {
+          if (value)
+            stored.insert_or_assign(key, *value);
+          else
+            stored.erase(key);
+        }
       });
   if (written) unwritten().erase(pending);
   return written;

@@ -25,11 +25,13 @@ std::optional<PropertyListValue> copyPreferencesValue(const std::string& key,
   return toPropertyListValue(value.get());
 }
 
-void setPreferencesValue(const std::string& key, const PropertyListValue& value,
+void setPreferencesValue(const std::string& key, const std::optional<PropertyListValue>& value,
                          const std::string& application, PreferencesUser user,
                          PreferencesHost host) {
-  CFPreferencesSetValue(toCfString(key).get(), toCfPropertyList(value).get(),
-                        toCfString(application).get(), name(user), name(host));
+  // A null value removes the key.
+  const auto list = value ? toCfPropertyList(*value) : CfRef<CFPropertyListRef>();
+  CFPreferencesSetValue(toCfString(key).get(), list.get(), toCfString(application).get(),
+                        name(user), name(host));
 }
 
 bool synchronizePreferences(const std::string& application, PreferencesUser user,

@@ -14,10 +14,13 @@ std::optional<PropertyListValue> copyPreferencesValue(const std::string& key,
   if (found == test::active->preferences.end()) return std::nullopt;
   return found->second;
 }
-void setPreferencesValue(const std::string& key, const PropertyListValue& value,
+void setPreferencesValue(const std::string& key, const std::optional<PropertyListValue>& value,
                          const std::string& application, PreferencesUser, PreferencesHost) {
   test::note("set " + application + " " + key);
-  test::active->preferences[key] = value;
+  if (value)
+    test::active->preferences[key] = *value;
+  else
+    test::active->preferences.erase(key);
 }
 bool synchronizePreferences(const std::string& application, PreferencesUser, PreferencesHost) {
   test::note("synchronize " + application);
