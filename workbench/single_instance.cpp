@@ -3,10 +3,10 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <system_error>
+#include <utility>
 
 #include "platform/linux/file_root_linux.h"
 
@@ -17,17 +17,15 @@ SingleInstance::SingleInstance(const std::string& name)
 }
 
 bool SingleInstance::take() {
-  descriptor_ = ::open(file_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+  platform::Descriptor file(
+      ::open(file_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
   // Without a place to hold, a window too many is better than none.
-  if (descriptor_ < 0 || ::flock(descriptor_, LOCK_EX | LOCK_NB) == 0) return true;
-  ::futimens(descriptor_, nullptr);  // what the holder watches for
-  release();
-  return false;
-}
-
-void SingleInstance::release() {
-  if (descriptor_ >= 0) ::close(descriptor_);
-  descriptor_ = -1;
+  if (file && ::flock(file.get(), LOCK_EX | LOCK_NB) != 0) {
+    ::futimens(file.get(), nullptr);  // what the holder watches for
+    return false;
+  }
+  held_ = std::move(file);
+  return true;
 }
 
 void SingleInstance::onOtherStart(const std::function<void()>& block) {

@@ -1,7 +1,6 @@
 #include "platform/program.h"
 
 #include <fcntl.h>
-#include <unistd.h>
 
 #include <QCoreApplication>
 #include <QSocketNotifier>
@@ -11,6 +10,7 @@
 #include <utility>
 
 #include "platform/linux/file_root_linux.h"
+#include "platform/posix/descriptor.h"
 
 namespace platform {
 namespace {
@@ -36,19 +36,23 @@ class TerminationSignals {
 
   void onSignal(Block block) {
     block_ = std::move(block);
-    if (pipe_[0] >= 0 || ::pipe2(pipe_.data(), O_CLOEXEC | O_NONBLOCK) != 0) return;
+    if (pipe_.readEnd) return;
+    pipe_ = makePipe();
+    if (!pipe_.readEnd) return;
+    for (const Descriptor* end : {&pipe_.readEnd, &pipe_.writeEnd})
+      ::fcntl(end->get(), F_SETFL, O_NONBLOCK);
     // Once the main loop is there to watch it.
     asyncOnMain([this] {
-      notifier_ = std::make_unique<QSocketNotifier>(pipe_[0], QSocketNotifier::Read);
+      notifier_ = std::make_unique<QSocketNotifier>(pipe_.readEnd.get(), QSocketNotifier::Read);
       QObject::connect(notifier_.get(), &QSocketNotifier::activated, [this] {
         char signal = 0;
-        while (::read(pipe_[0], &signal, 1) > 0) asyncOnMain(block_);
+        while (::read(pipe_.readEnd.get(), &signal, 1) > 0) asyncOnMain(block_);
       });
     });
     struct sigaction action {};
     action.sa_handler = [](int signal) {
       const char byte = static_cast<char>(signal);
-      [[maybe_unused]] const auto written = ::write(instance().pipe_[1], &byte, 1);
+      [[maybe_unused]] const auto written = ::write(instance().pipe_.writeEnd.get(), &byte, 1);
     };
     action.sa_flags = SA_RESTART;
     for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT})
@@ -60,7 +64,7 @@ class TerminationSignals {
   void stop() { notifier_.reset(); }
 
  private:
-  std::array<int, 2> pipe_{-1, -1};
+  Pipe pipe_;
   std::unique_ptr<QSocketNotifier> notifier_;
   Block block_;
 };

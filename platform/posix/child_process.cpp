@@ -1,6 +1,5 @@
 #include "platform/child_process.h"
 
-#include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -15,48 +14,12 @@
 #include <thread>
 #include <utility>
 
+#include "platform/posix/descriptor.h"
+
 extern char** environ;
 
 namespace platform {
 namespace {
-
-class Descriptor {
- public:
-  Descriptor() = default;
-  explicit Descriptor(int descriptor) : descriptor_(descriptor) {}
-  ~Descriptor() { close(); }
-  Descriptor(Descriptor&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
-  Descriptor& operator=(Descriptor&& other) noexcept {
-    std::swap(descriptor_, other.descriptor_);
-    return *this;
-  }
-  int get() const { return descriptor_; }
-  void close() {
-    if (descriptor_ >= 0) ::close(std::exchange(descriptor_, -1));
-  }
-
- private:
-  int descriptor_ = -1;
-};
-
-struct Pipe {
-  Descriptor readEnd;
-  Descriptor writeEnd;
-};
-
-/// A pipe that no other child inherits. 0, or the error number.
-int makePipe(Pipe& pipe) {
-  std::array<int, 2> ends{};
-#ifdef __linux__
-  if (::pipe2(ends.data(), O_CLOEXEC) != 0) return errno;
-#else
-  // Elsewhere children are started with all descriptors closed by default.
-  if (::pipe(ends.data()) != 0) return errno;
-  for (const int end : ends) ::fcntl(end, F_SETFD, FD_CLOEXEC);
-#endif
-  pipe = {Descriptor(ends[0]), Descriptor(ends[1])};
-  return 0;
-}
 
 /// Starts a child whose standard output and error are `output`, or inherited if
 /// that is negative. 0, or the error number.
@@ -171,9 +134,9 @@ ChildProcess::~ChildProcess() {
 }
 
 std::optional<std::string> ChildProcess::launch() {
-  Pipe pipe;
-  int error = makePipe(pipe);
-  if (error == 0) error = makePipe(impl_->stop);
+  Pipe pipe = makePipe();
+  impl_->stop = makePipe();
+  int error = pipe.readEnd && impl_->stop.readEnd ? 0 : errno;
   if (error == 0) {
     const std::lock_guard lock(impl_->mutex);
     error = spawn(impl_->child, impl_->launchPath, impl_->arguments, pipe.writeEnd.get());
