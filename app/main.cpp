@@ -32,6 +32,8 @@ int main(int argc, char** argv) {
   addCommonOptions(program);
   if (const auto status = parseArguments(program, argc, argv)) return *status;
 
+  // The toolkit ends the process by itself when it loses its display.
+  std::atexit([] { platform::interruptAdminScript(); });
   prepareToolkit();
   qInstallMessageHandler(endWithoutDisplay);
   argc = 1;

@@ -85,8 +85,10 @@ class TerminalFront {
       say("已安装，尚未启用");
       return leaveSoon(kLeftWhileWaiting);
     }
-    // The run goes on: how the script ends now decides its result.
-    platform::interruptAdminScript();
+    // How the script ends now decides the result.
+    if (platform::interruptAdminScript()) return;
+    complain("安装脚本仍以管理员权限运行，无法中止");
+    leaveSoon(kFailed);
   }
 
   /// Leaves when all that is on the main queue now has run. The last pieces of the

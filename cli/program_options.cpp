@@ -1,5 +1,6 @@
 #include "cli/program_options.h"
 
+#include <cstdlib>
 #include <iostream>
 #include <string>
 
@@ -22,6 +23,10 @@ void addCommonOptions(CLI::App& program) {
 }
 
 std::optional<int> parseArguments(CLI::App& program, int argc, char** argv) {
+  if (const auto problem = platform::prepareProcess()) {
+    std::cerr << program.get_name() << ": " << *problem << std::endl;
+    return EXIT_FAILURE;
+  }
   try {
     program.parse(argc, argv);
     return std::nullopt;

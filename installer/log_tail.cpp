@@ -1,6 +1,8 @@
 #include <utf8.h>
 
 #include <array>
+#include <condition_variable>
+#include <mutex>
 
 #include "installer/content_view.h"
 #include "installer/log_files.h"
@@ -31,20 +33,67 @@ constexpr std::string_view kFinishMarker = "finish";
 
 constexpr LinearAnimation kMarkerAnimation{platform::Seconds(0.25)};
 
+/// Keeps the reader of the log from running far ahead of the main queue.
+class Backlog {
+ public:
+  /// Waits for room. The reader's thread.
+  void add(std::size_t bytes) {
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [this] { return isDropped_ || bytes_ < kMost; });
+    bytes_ += bytes;
+  }
+  void remove(std::size_t bytes) {
+    const std::lock_guard lock(mutex_);
+    bytes_ -= bytes;
+    changed_.notify_one();
+  }
+  /// Nothing waits for room any more.
+  void drop() {
+    const std::lock_guard lock(mutex_);
+    isDropped_ = true;
+    changed_.notify_one();
+  }
+
+ private:
+  static constexpr std::size_t kMost = 1024 * 1024;
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  std::size_t bytes_ = 0;
+  bool isDropped_ = false;
+};
+
+struct Follower {
+  Follower(std::shared_ptr<Backlog> backlog, std::vector<std::string> arguments,
+           platform::ChildProcess::OutputHandler handle)
+      : backlog(std::move(backlog)),
+        tail("/usr/bin/tail", std::move(arguments), std::move(handle)) {}
+  // The child's end waits for its reader, which must not wait for this thread.
+  ~Follower() { backlog->drop(); }
+  Follower(const Follower&) = delete;
+  Follower& operator=(const Follower&) = delete;
+
+  const std::shared_ptr<Backlog> backlog;
+  platform::ChildProcess tail;
+};
+
 }  // namespace
 
 std::shared_ptr<platform::ChildProcess> ContentView::startFollowingInstallLog() {
   const std::weak_ptr<ContentView> view = weak_from_this();
-  auto tail = std::make_shared<platform::ChildProcess>(
-      "/usr/bin/tail",
-      std::vector<std::string>{"-n", "+1", "-F", platform::onDisk(kInstallLogPath).string()},
-      [view](std::string_view piece) {
-        // A piece that does not decode is dropped: nothing may be shown garbled.
-        if (piece.empty() || !utf8::is_valid(piece.begin(), piece.end())) return;
-        platform::asyncOnMain([view, text = std::string(piece)] {
-          if (const auto self = view.lock()) self->handleInstallLogChunk(text);
-        });
-      });
+  const auto backlog = std::make_shared<Backlog>();
+  const std::vector<std::string> arguments = {"-n", "+1", "-F",
+                                              platform::onDisk(kInstallLogPath).string()};
+  const auto handle = [view, backlog](std::string_view piece) {
+    // A piece that does not decode is dropped: nothing may be shown garbled.
+    if (piece.empty() || !utf8::is_valid(piece.begin(), piece.end())) return;
+    backlog->add(piece.size());
+    platform::asyncOnMain([view, backlog, text = std::string(piece)] {
+      if (const auto self = view.lock()) self->handleInstallLogChunk(text);
+      backlog->remove(text.size());
+    });
+  };
+  const auto follower = std::make_shared<Follower>(backlog, arguments, handle);
+  std::shared_ptr<platform::ChildProcess> tail(follower, &follower->tail);
   tail_ = tail;
   if (const auto problem = tail->launch()) appendUILog("无法启动日志跟踪: " + *problem + "\n");
   return tail;

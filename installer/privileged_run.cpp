@@ -77,15 +77,18 @@ void ContentView::startInstallation() {
 
   const std::string source = platform::composeAdminScriptSource(
       {script->string(), adminPrompt(platform::bundleLocation())});
-  platform::asyncOnWorker([view = weak_from_this(), tail, source] {
-    const auto error = platform::executeAdminScript(source);
+  const auto handOver = [view = weak_from_this(), tail](
+                            const std::optional<platform::AdminScriptError>& error) {
     // These blocks alone own the follower, so it ends with its run. If the view owned
     // it, a second run would wait on the main thread for the end of the first one.
     platform::asyncOnMain([view, tail, error] {
       if (tail->isRunning()) tail->terminate();
       if (const auto self = view.lock()) self->finishPrivilegedRun(error);
     });
-  });
+  };
+  const auto problem = platform::asyncOnWorker(
+      [source, handOver] { handOver(platform::executeAdminScript(source)); });
+  if (problem) handOver(platform::AdminScriptError{std::nullopt, *problem});
 }
 
 void ContentView::finishPrivilegedRun(const std::optional<platform::AdminScriptError>& error) {

@@ -26,11 +26,10 @@ inline constexpr int kAdminScriptCancelled = -128;
 /// error as the message; a source of another form gives an error that says so.
 std::optional<AdminScriptError> executeAdminScript(const std::string& source);
 
-/// Ends the script that is being executed, as far as the system lets this process
-/// do so: a password prompt that is open is dismissed, and a script of the same
-/// user is sent SIGTERM. A script with higher rights goes on. After this call no
-/// script is started any more. It returns when this process has no child left that
-/// belongs to the script. Main thread.
-void interruptAdminScript();
+/// Ends the script that is being executed, within a second and as far as the
+/// system lets this process do so: a pending password prompt is dismissed, and a
+/// script of the same user is sent SIGTERM, then killed. None is started any more.
+/// False if a script with higher rights runs on. Main thread.
+bool interruptAdminScript();
 
 }  // namespace platform

@@ -6,6 +6,8 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
+#include <string>
 
 namespace platform {
 
@@ -51,7 +53,8 @@ class Timer {
 WallClock::time_point now();
 
 /// Runs `block` on a background worker of quality of service userInitiated and
-/// returns at once. The process may end while it runs.
-void asyncOnWorker(Block block);
+/// returns at once. Absent, or why there is no worker for it, for the user. The
+/// process may end while the block runs.
+[[nodiscard]] std::optional<std::string> asyncOnWorker(Block block);
 
 }  // namespace platform

@@ -11,6 +11,11 @@
 
 namespace platform {
 
+/// Readies this process, before anything else is done in it: a closed standard
+/// stream must not be taken by a file, and what goes wrong for good ends it with a
+/// reason. Absent, or what it lacks to run at all, for the user.
+[[nodiscard]] std::optional<std::string> prepareProcess();
+
 /// An option that every program of this platform takes beside its own.
 struct PlatformOption {
   std::string name;       // "--root"

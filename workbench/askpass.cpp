@@ -1,18 +1,28 @@
-// askpass: asks for a password in a window and prints it on standard output, as
-// sudo wants it of its SUDO_ASKPASS program. The exit status is 1 if there is none.
+// askpass: asks for a password in a window, or in the terminal if there is no
+// display, and prints it on standard output, as sudo wants it of its SUDO_ASKPASS
+// program. The exit status is 1 if there is none. It ends with the installer that
+// the password is for: one typed later would still install.
 
 #include <pwd.h>
+#include <sys/pidfd.h>
 #include <sys/prctl.h>
 #include <sys/uio.h>
 #include <unistd.h>
 
+#include <QSocketNotifier>
 #include <array>
+#include <cstdlib>
+#include <iostream>
+#include <memory>
 #include <string>
 
 #include "cli/program_options.h"
 #include "platform/bundle.h"
+#include "platform/linux/askpass_contract.h"
+#include "platform/posix/descriptor.h"
 #include "workbench/helper_program.h"
 #include "workbench/password_prompt.h"
+#include "workbench/terminal_prompt.h"
 
 namespace {
 
@@ -44,6 +54,34 @@ bool printAndWipe(const QQuickItem& field) {
   return isWritten;
 }
 
+bool isSet(const char* variable) {
+  const char* value = std::getenv(variable);
+  return value && *value;
+}
+
+/// The installer that the password is for.
+struct Installer {
+  pid_t process = 0;              // 0: somebody else has started this program
+  platform::Descriptor lifeline;  // can be read once the process has ended
+};
+
+Installer installer() {
+  const char* number = std::getenv(platform::linux_::kInstallerProcessVariable);
+  Installer result;
+  result.process = number ? std::atoi(number) : 0;
+  if (result.process > 0)
+    result.lifeline = platform::Descriptor(::pidfd_open(result.process, 0));
+  return result;
+}
+
+int askWithoutDisplay(const std::string& prompt, const Installer& installer) {
+  std::string reason;
+  const pid_t foreground = installer.process > 0 ? ::getpgid(installer.process) : -1;
+  const auto isGiven = askInTerminal(prompt, installer.lifeline.get(), foreground, reason);
+  if (!isGiven) std::cerr << platform::linux_::kCannotAsk << ": " << reason << '\n';
+  return isGiven.value_or(false) ? 0 : kNoPassword;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -55,13 +93,25 @@ int main(int argc, char** argv) {
 
   ::prctl(PR_SET_DUMPABLE, 0);  // neither a core file nor a debugger gets the password
 
-  HelperProgram program("askpass", kNoPassword);
-  const QString text = QString::fromLocal8Bit(given.c_str()).trimmed();
-  PasswordPrompt prompt(text.isEmpty() ? QStringLiteral("需要管理员权限") : text, userName());
+  const QString wanted = QString::fromUtf8(given.c_str()).trimmed();
+  const QString text = wanted.isEmpty() ? QStringLiteral("需要管理员权限") : wanted;
+  const Installer asking = installer();
+  if (asking.process > 0 && !asking.lifeline && errno == ESRCH) return kNoPassword;
+  if (!isSet("DISPLAY") && !isSet("WAYLAND_DISPLAY") && !isSet("QT_QPA_PLATFORM"))
+    return askWithoutDisplay(text.toStdString(), asking);
+
+  HelperProgram program("askpass", platform::linux_::kCannotAsk, kNoPassword);
+  PasswordPrompt prompt(text, userName());
   QObject::connect(&prompt, &PasswordPrompt::accepted, [](const QQuickItem* field) {
     HelperProgram::end(printAndWipe(*field) ? 0 : kNoPassword);
   });
   QObject::connect(&prompt, &PasswordPrompt::cancelled, [] { HelperProgram::end(kNoPassword); });
+
+  std::unique_ptr<QSocketNotifier> end;
+  if (asking.lifeline) {
+    end = std::make_unique<QSocketNotifier>(asking.lifeline.get(), QSocketNotifier::Read);
+    QObject::connect(end.get(), &QSocketNotifier::activated, &prompt, &PasswordPrompt::cancelled);
+  }
 
   const auto bundle = QString::fromStdString(platform::bundleLocation().stem().string());
   program.keepOnTop();

@@ -19,6 +19,7 @@ namespace {
 /// Who reports, and how a fatal message ends the process.
 struct Reporter {
   std::string name;
+  std::string fatalWords;
   int fatalStatus = 1;
 };
 Reporter& reporter() {
@@ -30,14 +31,15 @@ Reporter& reporter() {
 /// were pressed.
 void report(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
   if (type == QtDebugMsg || type == QtInfoMsg) return;
-  std::cerr << reporter().name << ": " << message.toStdString() << '\n';
+  std::cerr << (type == QtFatalMsg ? reporter().fatalWords : reporter().name) << ": "
+            << message.toStdString() << '\n';
   if (type == QtFatalMsg) std::_Exit(reporter().fatalStatus);
 }
 
 /// Makes the settings that must stand before there is an application. Returns
 /// `name`.
-const char* prepare(const char* name, int noDisplayStatus) {
-  reporter() = {name, noDisplayStatus};
+const char* prepare(const char* name, const char* noDisplayWords, int noDisplayStatus) {
+  reporter() = {name, noDisplayWords, noDisplayStatus};
   qInstallMessageHandler(report);
   prepareToolkit();
   return name;
@@ -45,8 +47,9 @@ const char* prepare(const char* name, int noDisplayStatus) {
 
 }  // namespace
 
-HelperProgram::HelperProgram(const char* name, int noDisplayStatus)
-    : name_(prepare(name, noDisplayStatus)), application_(argumentCount_, arguments_.data()) {
+HelperProgram::HelperProgram(const char* name, const char* noDisplayWords, int noDisplayStatus)
+    : name_(prepare(name, noDisplayWords, noDisplayStatus)),
+      application_(argumentCount_, arguments_.data()) {
   QGuiApplication::setQuitOnLastWindowClosed(false);
   setApplicationFont();
   registerInstallerUi();

@@ -14,8 +14,8 @@
 class HelperProgram {
  public:
   /// `name` introduces what it says on standard error. Without a display the
-  /// process ends here, with a reason and this status.
-  HelperProgram(const char* name, int noDisplayStatus);
+  /// process ends here, with `noDisplayWords`, a reason and this status.
+  HelperProgram(const char* name, const char* noDisplayWords, int noDisplayStatus);
 
   /// Shows the screen "`screen`.qml" in the middle of the display, as large as
   /// its root asks to be, now and later. `isClosable` gives it a close button, and

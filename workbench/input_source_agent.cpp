@@ -34,7 +34,7 @@ int askForConsent(const std::string& id) {
   SingleInstance instance(place);
   if (!instance.take()) return 0;
 
-  HelperProgram program(kName, kNoDisplay);
+  HelperProgram program(kName, kName, kNoDisplay);
   const auto isAsked = [&id] {
     const auto now = service::findInputSource(id);
     return now && now->isAsked;
@@ -68,7 +68,7 @@ int askForConsent(const std::string& id) {
 int showSettings() {
   SingleInstance instance("settings");
   if (!instance.take()) return 0;
-  HelperProgram program(kName, kNoDisplay);
+  HelperProgram program(kName, kName, kNoDisplay);
   InputSourceList list;
   instance.onOtherStart(platform::activateIgnoringOtherApps);
   program.open(QStringLiteral("SettingsWindow"), {{"list", QVariant::fromValue(&list)}},

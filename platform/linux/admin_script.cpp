@@ -3,138 +3,141 @@
 
 #include "platform/admin_script.h"
 
-#include <dirent.h>
-#include <signal.h>
 #include <unistd.h>
+#include <utf8.h>
 
-#include <QProcess>
-#include <QString>
-#include <chrono>
-#include <condition_variable>
-#include <fstream>
-#include <map>
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <iterator>
 #include <mutex>
-#include <sstream>
 #include <string_view>
 #include <vector>
 
 #include "platform/bundle.h"
+#include "platform/child_process.h"
 #include "platform/common/admin_script_source.h"
+#include "platform/linux/askpass_contract.h"
 #include "platform/linux/file_root_linux.h"
 
 namespace platform {
 namespace {
 
-// What sudo says when the askpass program gave no password.
-constexpr std::string_view kNoPassword = "sudo: no password was provided";
+using namespace std::chrono_literals;
+using namespace std::string_view_literals;
 
-/// The one execution at a time, and how to end it from another thread.
+// What a program that starts another says of one that does not start.
+constexpr int kCannotExecute = 126;
+constexpr int kNotFound = 127;
+
+// What sudo says when the askpass program does not start, when it gave no password,
+// and to a user whom no rule allows the command.
+constexpr std::string_view kAskpassFailed = "sudo: unable to run ";
+constexpr std::string_view kNoPassword = "sudo: no password was provided";
+constexpr std::array kNotAllowed = {"is not in the sudoers file"sv, "may not run sudo"sv,
+                                    "not allowed to execute"sv};
+
+// A script that rolls back gets this long; an interruption takes a second at most.
+constexpr auto kPatience = 500ms;
+
+/// The one child of the execution that is going on, and how to end it from
+/// another thread.
 class Execution {
  public:
-  static Execution& instance() {
-    static Execution execution;
-    return execution;
-  }
-
-  void begin() {
-    std::unique_lock lock(mutex_);
-    changed_.wait(lock, [this] { return !isBusy_; });
-    isBusy_ = true;
-  }
-
-  void end() {
+  /// Launches the child unless there was an interruption. False if there was.
+  bool launch(ChildProcess& child, std::optional<std::string>& problem) {
     const std::lock_guard lock(mutex_);
-    isBusy_ = false;
-    changed_.notify_all();
-  }
-
-  /// False if the child must not be started any more.
-  bool mayStart() {
-    const std::lock_guard lock(mutex_);
-    return !isInterrupted_;
-  }
-
-  void started(pid_t child) {
-    const std::lock_guard lock(mutex_);
-    child_ = child;
-    if (isInterrupted_) endProcesses();
+    if (isInterrupted_) return false;
+    problem = child.launch();
+    if (!problem) child_ = &child;
+    return true;
   }
 
   void finished() {
     const std::lock_guard lock(mutex_);
-    child_ = 0;
+    child_ = nullptr;
   }
 
-  void interrupt() {
-    std::unique_lock lock(mutex_);
+  bool interrupt() {
+    const std::lock_guard lock(mutex_);
     isInterrupted_ = true;
-    // Again and again: a program that is just being started is not seen yet.
-    do {
-      endProcesses();
-    } while (!changed_.wait_for(lock, std::chrono::milliseconds(100), [this] { return !isBusy_; }));
+    return !child_ || child_->end(kPatience);
   }
 
  private:
-  /// SIGTERM for the child and all below it, as far as this user may: sudo itself
-  /// belongs to root, its askpass program to the user.
-  void endProcesses() const {
-    if (child_ <= 0) return;
-    std::multimap<pid_t, pid_t> childrenOf;
-    const std::unique_ptr<DIR, int (*)(DIR*)> processes(::opendir("/proc"), ::closedir);
-    while (const dirent* entry = processes ? ::readdir(processes.get()) : nullptr) {
-      std::ifstream stat(std::string("/proc/") + entry->d_name + "/stat");
-      std::string line;
-      if (!std::getline(stat, line)) continue;
-      // "PID (NAME) STATE PARENT …": the name may hold anything.
-      std::istringstream rest(line.substr(line.rfind(')') + 1));
-      char state = 0;
-      pid_t parent = 0;
-      if (rest >> state >> parent) childrenOf.emplace(parent, std::atoi(entry->d_name));
-    }
-    std::vector<pid_t> toEnd = {child_};
-    for (std::size_t next = 0; next < toEnd.size(); ++next) {
-      const auto [first, last] = childrenOf.equal_range(toEnd[next]);
-      for (auto child = first; child != last; ++child) toEnd.push_back(child->second);
-    }
-    for (const pid_t process : toEnd) ::kill(process, SIGTERM);
-  }
-
   std::mutex mutex_;
-  std::condition_variable changed_;
-  bool isBusy_ = false;
   bool isInterrupted_ = false;
-  pid_t child_ = 0;
+  ChildProcess* child_ = nullptr;
 };
+
+Execution execution;
+std::mutex oneAtATime;
 
 struct Outcome {
   int status = 0;
   std::string standardError;
 };
 
-/// Runs a program to its end; its standard input is empty.
-Outcome run(const QString& program, const QStringList& arguments,
-            const QProcessEnvironment& environment) {
-  Execution& execution = Execution::instance();
-  if (!execution.mayStart()) return {kAdminScriptCancelled, ""};
-  QProcess process;
-  process.setProcessEnvironment(environment);
-  process.setStandardInputFile(QProcess::nullDevice());
-  process.setStandardOutputFile(QProcess::nullDevice());
-  process.start(program, arguments);
-  if (!process.waitForStarted(-1))
-    return {127, (program + ": " + process.errorString()).toStdString()};
-  execution.started(static_cast<pid_t>(process.processId()));
-  process.waitForFinished(-1);
-  execution.finished();
-  const bool isCrashed = process.exitStatus() == QProcess::CrashExit;
-  return {isCrashed ? 128 + process.exitCode() : process.exitCode(),
-          process.readAllStandardError().trimmed().toStdString()};
+bool contains(std::string_view text, std::string_view phrase) {
+  return text.find(phrase) != std::string_view::npos;
 }
 
-QString askpassProgram() {
-  const QString own = qEnvironmentVariable("SUDO_ASKPASS");
-  if (!own.isEmpty()) return own;
-  return QString::fromStdString((bundleLocation() / "Contents/Helpers/askpass").string());
+/// Text that can be shown and logged, whatever a script has written.
+std::string readable(const std::string& bytes) {
+  std::string text;
+  utf8::replace_invalid(bytes.begin(), bytes.end(), std::back_inserter(text));
+  constexpr std::string_view kBlanks = " \t\r\n";
+  const auto first = text.find_first_not_of(kBlanks);
+  if (first == std::string::npos) return {};
+  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
+
+/// Runs a program to its end.
+Outcome run(const std::string& program, const std::vector<std::string>& arguments,
+            std::map<std::string, std::string> environment) {
+  // Of a script that says much, the end counts.
+  constexpr std::size_t kMost = 64 * 1024;
+  std::string said;
+  int status = 0;
+  {
+    ChildProcess child(
+        program, arguments,
+        [&said](std::string_view piece) {
+          said += piece;
+          if (said.size() > 2 * kMost) said.erase(0, said.size() - kMost);
+        },
+        {Capture::errors, std::move(environment)});
+    std::optional<std::string> problem;
+    if (!execution.launch(child, problem)) return {kAdminScriptCancelled, ""};
+    if (problem) return {kNotFound, *problem};
+    status = child.wait();
+    execution.finished();
+  }
+  return {status, readable(said)};
+}
+
+/// Runs a program of this user, which gets SIGTERM when this process dies.
+Outcome runAsUser(const std::string& program, const std::string& argument,
+                  std::map<std::string, std::string> environment) {
+  constexpr const char* kSetpriv = "/usr/bin/setpriv";
+  if (::access(kSetpriv, X_OK) != 0) return run(program, {argument}, std::move(environment));
+  return run(kSetpriv, {"--pdeathsig", "TERM", program, argument}, std::move(environment));
+}
+
+/// The program that asks for the password.
+std::string askpassProgram() {
+  const char* own = std::getenv("SUDO_ASKPASS");
+  if (own && *own) return own;
+  return (bundleLocation() / "Contents/Helpers/askpass").string();
+}
+
+/// Why the password cannot be asked for; absent if it can.
+std::optional<AdminScriptError> missingAskpass() {
+  const std::string program = askpassProgram();
+  if (::access(program.c_str(), X_OK) == 0) return std::nullopt;
+  return AdminScriptError{std::nullopt, program + ": " + std::strerror(errno)};
 }
 
 AdminScriptError cancelled() {
@@ -146,27 +149,40 @@ std::optional<AdminScriptError> result(const Outcome& outcome) {
   return AdminScriptError{outcome.status, outcome.standardError};
 }
 
+/// For the askpass program: whose prompt it is.
+std::map<std::string, std::string> askpassEnvironment() {
+  return {{linux_::kInstallerProcessVariable, std::to_string(::getpid())}};
+}
+
 /// The askpass program's exit status alone decides; the script runs as this user.
 std::optional<AdminScriptError> runBelow(const std::filesystem::path& root,
                                          const AdminScript& script) {
-  auto environment = QProcessEnvironment::systemEnvironment();
-  const Outcome asked = run(askpassProgram(), {QString::fromStdString(script.prompt)}, environment);
+  const Outcome asked = runAsUser(askpassProgram(), script.prompt, askpassEnvironment());
+  const bool isNotRun = asked.status == kCannotExecute || asked.status == kNotFound;
+  if (isNotRun || contains(asked.standardError, linux_::kCannotAsk)) return result(asked);
   if (asked.status != 0) return cancelled();
-  environment.insert("INSTALL_ROOT", QString::fromStdString(root.string()));
-  return result(run("/bin/sh", {QString::fromStdString(script.path)}, environment));
+  return result(runAsUser("/bin/sh", script.path, {{"INSTALL_ROOT", root.string()}}));
 }
 
 std::optional<AdminScriptError> runWithSudo(const AdminScript& script) {
-  auto environment = QProcessEnvironment::systemEnvironment();
-  environment.insert("SUDO_ASKPASS", askpassProgram());
-  environment.insert("LC_ALL", "C.UTF-8");  // its messages are read below
+  auto environment = askpassEnvironment();
+  environment["SUDO_ASKPASS"] = askpassProgram();
+  // Its messages are read below, and LANGUAGE would win over LC_ALL.
+  environment["LC_ALL"] = "C.UTF-8";
+  environment["LANGUAGE"] = "";
   // In a prompt of sudo a percent sign introduces an escape.
-  const QString prompt = QString::fromStdString(script.prompt).replace('%', "%%");
-  const Outcome outcome =
-      run("sudo", {"-A", "-k", "-p", prompt, "--", "/bin/sh", QString::fromStdString(script.path)},
-          environment);
-  if (outcome.status != 0 && outcome.standardError.find(kNoPassword) != std::string::npos)
-    return cancelled();
+  std::string prompt;
+  for (const char c : script.prompt) prompt.append(c == '%' ? 2 : 1, c);
+  const char* const usual = "/usr/bin/sudo";
+  const Outcome outcome = run(::access(usual, X_OK) == 0 ? usual : "sudo",
+                              {"-A", "-k", "-p", prompt, "--", "/bin/sh", script.path}, environment);
+  if (outcome.status == 0) return std::nullopt;
+  const std::string& said = outcome.standardError;
+  if (contains(said, linux_::kCannotAsk) || contains(said, kAskpassFailed)) return result(outcome);
+  if (outcome.status == kAdminScriptCancelled || contains(said, kNoPassword)) return cancelled();
+  if (std::any_of(kNotAllowed.begin(), kNotAllowed.end(),
+                  [&](std::string_view words) { return contains(said, words); }))
+    return AdminScriptError{outcome.status, "not authorized: " + said};
   return result(outcome);
 }
 
@@ -176,21 +192,15 @@ std::optional<AdminScriptError> executeAdminScript(const std::string& source) {
   const auto script = parseAdminScriptSource(source);
   if (!script) return adminScriptSyntaxError(source);
 
-  Execution::instance().begin();
-  std::optional<AdminScriptError> error;
-  if (const auto root = linux_::fileRoot())
-    error = runBelow(*root, *script);
-  else if (::geteuid() == 0)
-    error = result(run("/bin/sh", {QString::fromStdString(script->path)},
-                       QProcessEnvironment::systemEnvironment()));
-  else
-    error = runWithSudo(*script);
-  Execution::instance().end();
-  return error;
+  const std::lock_guard lock(oneAtATime);
+  const auto root = linux_::fileRoot();
+  if (!root && ::geteuid() == 0) return result(runAsUser("/bin/sh", script->path, {}));
+  if (auto missing = missingAskpass()) return missing;
+  return root ? runBelow(*root, *script) : runWithSudo(*script);
 }
 
-void interruptAdminScript() {
-  Execution::instance().interrupt();
+bool interruptAdminScript() {
+  return execution.interrupt();
 }
 
 }  // namespace platform

@@ -3,11 +3,12 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <QObject>
-#include <QThreadPool>
 #include <QTimer>
 #include <cmath>
 #include <deque>
 #include <mutex>
+#include <system_error>
+#include <thread>
 #include <utility>
 
 namespace platform {
@@ -122,8 +123,13 @@ WallClock::time_point now() {
   return WallClock::now();
 }
 
-void asyncOnWorker(Block block) {
-  QThreadPool::globalInstance()->start(std::move(block));
+std::optional<std::string> asyncOnWorker(Block block) {
+  try {
+    std::thread(std::move(block)).detach();
+    return std::nullopt;
+  } catch (const std::system_error& error) {
+    return "no thread: " + error.code().message();
+  }
 }
 
 }  // namespace platform

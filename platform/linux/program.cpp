@@ -1,12 +1,22 @@
 #include "platform/program.h"
 
 #include <fcntl.h>
+#include <unistd.h>
+#include <utf8.h>
 
 #include <QCoreApplication>
 #include <QSocketNotifier>
 #include <array>
+#include <cerrno>
 #include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <exception>
 #include <filesystem>
+#include <new>
+#include <system_error>
+#include <thread>
 #include <utility>
 
 #include "platform/linux/file_root_linux.h"
@@ -15,13 +25,39 @@
 namespace platform {
 namespace {
 
+[[noreturn]] void endWithReason() noexcept {
+  const char* reason = "out of order";
+  try {
+    if (const auto error = std::current_exception()) std::rethrow_exception(error);
+  } catch (const std::bad_alloc&) {
+    reason = "out of memory";
+  } catch (const std::exception& error) {
+    reason = error.what();
+  } catch (...) {
+  }
+  std::fprintf(stderr, "%s: %s\n", program_invocation_short_name, reason);
+  std::_Exit(EXIT_FAILURE);
+}
+
+/// The null device for each standard stream that is closed.
+void openStandardStreams() {
+  int descriptor = 0;
+  while (descriptor >= 0 && descriptor <= STDERR_FILENO)
+    descriptor = ::open("/dev/null", O_RDWR);
+  if (descriptor > STDERR_FILENO) ::close(descriptor);
+}
+
 std::optional<std::string> useRoot(const std::string& directory) {
   if (directory.empty() || directory.starts_with("-")) return "--root needs a folder";
+  // The toolkit would turn it into another path.
+  if (!utf8::is_valid(directory.begin(), directory.end())) return "--root: the path is not UTF-8";
   std::error_code error;
   std::filesystem::create_directories(directory, error);
   const auto root = error ? std::filesystem::path() : std::filesystem::canonical(directory, error);
   if (!error) std::filesystem::create_directories(root / "tmp", error);
   if (error) return "--root " + directory + ": " + error.message();
+  if (const std::string path = root.string(); !utf8::is_valid(path.begin(), path.end()))
+    return "--root: the path leads to one that is not UTF-8";
   linux_::setFileRoot(root);
   return std::nullopt;
 }
@@ -70,6 +106,24 @@ class TerminationSignals {
 };
 
 }  // namespace
+
+std::optional<std::string> prepareProcess() {
+  openStandardStreams();
+  std::set_terminate(endWithReason);
+  // The toolkit aborts, or waits for ever, when it gets no descriptor or thread.
+  constexpr std::size_t kDescriptors = 48;
+  std::array<Descriptor, kDescriptors> reserve;
+  for (Descriptor& descriptor : reserve) {
+    descriptor = Descriptor(::open("/dev/null", O_RDONLY | O_CLOEXEC));
+    if (!descriptor) return std::string("no file can be opened: ") + std::strerror(errno);
+  }
+  try {
+    std::thread([] {}).join();
+  } catch (const std::system_error& error) {
+    return "no thread can be started: " + error.code().message();
+  }
+  return std::nullopt;
+}
 
 std::vector<PlatformOption> platformOptions() {
   return {{"--root", "DIR", "keep everything below DIR and run the script as this user", useRoot}};

@@ -10,10 +10,13 @@
 
 namespace platform {
 
+namespace {
+std::mutex executing;  // NSAppleScript is not thread-safe
+}  // namespace
+
 std::optional<AdminScriptError> executeAdminScript(const std::string& source) {
   if (!parseAdminScriptSource(source)) return adminScriptSyntaxError(source);
-  // NSAppleScript is not thread-safe, and a worker has no pool of its own.
-  static std::mutex executing;
+  // A worker has no pool of its own.
   const std::lock_guard lock(executing);
   @autoreleasepool {
     NSAppleScript* script = [[NSAppleScript alloc] initWithSource:toNSString(source)];
@@ -27,6 +30,9 @@ std::optional<AdminScriptError> executeAdminScript(const std::string& source) {
 
 // The password prompt and the script belong to processes of the system, which
 // this one can neither signal nor wait for.
-void interruptAdminScript() {}
+bool interruptAdminScript() {
+  const std::unique_lock idle(executing, std::try_to_lock);
+  return idle.owns_lock();
+}
 
 }  // namespace platform

@@ -77,10 +77,11 @@ WallClock::time_point now() {
   return WallClock::now();
 }
 
-void asyncOnWorker(Block block) {
+std::optional<std::string> asyncOnWorker(Block block) {
   dispatch_async(dispatch_get_global_queue(QOS_CLASS_USER_INITIATED, 0), ^{
     block();
   });
+  return std::nullopt;  // the system makes one, sooner or later
 }
 
 }  // namespace platform

@@ -1,69 +1,41 @@
 #include "platform/child_process.h"
 
 #include <poll.h>
-#include <spawn.h>
+#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
-#include <chrono>
 #include <csignal>
 #include <cstring>
 #include <mutex>
+#include <system_error>
 #include <thread>
 #include <utility>
 
 #include "platform/posix/descriptor.h"
-
-extern char** environ;
+#include "platform/posix/spawn.h"
 
 namespace platform {
 namespace {
 
-/// Starts a child whose standard output and error are `output`, or inherited if
-/// that is negative. 0, or the error number.
-int spawn(pid_t& child, const std::string& launchPath, const std::vector<std::string>& arguments,
-          int output) {
-  std::vector<std::string> words = {launchPath};
-  words.insert(words.end(), arguments.begin(), arguments.end());
-  std::vector<char*> argv;
-  for (std::string& word : words) argv.push_back(word.data());
-  argv.push_back(nullptr);
+using namespace std::chrono_literals;
 
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawnattr_t attributes;
-  posix_spawnattr_init(&attributes);
-  // A child must not inherit signals that this process blocks or ignores.
-  sigset_t none;
-  sigemptyset(&none);
-  posix_spawnattr_setsigmask(&attributes, &none);
-  sigset_t ignored;
-  sigemptyset(&ignored);
-  sigaddset(&ignored, SIGPIPE);
-  posix_spawnattr_setsigdefault(&attributes, &ignored);
-  short flags = POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
-#ifdef POSIX_SPAWN_CLOEXEC_DEFAULT
-  flags |= POSIX_SPAWN_CLOEXEC_DEFAULT;
-  for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
-    if (output < 0 || standard == STDIN_FILENO)
-      posix_spawn_file_actions_addinherit_np(&actions, standard);
-#endif
-  posix_spawnattr_setflags(&attributes, flags);
-  if (output >= 0) {
-    posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, output, STDERR_FILENO);
-  }
-  const int error =
-      posix_spawn(&child, launchPath.c_str(), &actions, &attributes, argv.data(), environ);
-  posix_spawnattr_destroy(&attributes);
-  posix_spawn_file_actions_destroy(&actions);
-  return error;
+// How long a child that is no longer wanted gets to end by itself.
+constexpr auto kPatience = 500ms;
+
+int exitStatus(int status) {
+  return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
-void reap(pid_t child) {
-  while (::waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
+/// Waits for the end of a child and leaves it to be reaped, so that its number
+/// stays taken.
+void awaitEnd(pid_t child) {
+  siginfo_t info;
+  while (::waitid(P_PID, static_cast<id_t>(child), &info, WEXITED | WNOWAIT) != 0 &&
+         errno == EINTR) {
   }
 }
 
@@ -73,92 +45,174 @@ struct ChildProcess::Impl {
   std::string launchPath;
   std::vector<std::string> arguments;
   OutputHandler outputHandler;
+  ChildOptions options;
 
-  mutable std::mutex mutex;
-  mutable pid_t child = 0;  // 0: not launched, or reaped
+  mutable std::mutex mutex;  // guards the next three
+  mutable pid_t child = 0;   // 0: not launched, or reaped
+  mutable int status = 0;
+  bool isEnding = false;
+
   Descriptor output;
   Pipe stop;  // its write end closed: nobody writes any more, read what is there
   std::thread reader;
 
-  bool isRunning() const {
-    const std::lock_guard lock(mutex);
-    if (child == 0) return false;
-    if (::waitpid(child, nullptr, WNOHANG) == 0) return true;
+  /// Holding the mutex. Whether there is no child, or it has just been reaped.
+  bool reap() const {
+    if (child == 0) return true;
+    siginfo_t info{};
+    if (::waitid(P_PID, static_cast<id_t>(child), &info, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+        info.si_pid == 0)
+      return false;
+    // While the child is there to be reaped, its group bears its number.
+    if (isEnding) ::kill(-child, SIGKILL);
+    while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
     child = 0;
-    return false;
+    return true;
   }
 
-  void signal(int number) const {
+  bool hasEnded() const {
     const std::lock_guard lock(mutex);
-    if (child != 0) ::kill(child, number);
+    return reap();
+  }
+
+  void signalGroup(int number) const {
+    const std::lock_guard lock(mutex);
+    if (child != 0) ::kill(-child, number);
+  }
+
+  bool handOn(std::size_t limit, std::array<char, 64 * 1024>& buffer, std::size_t& count) const {
+    const ssize_t got = ::read(output.get(), buffer.data(), std::min(limit, buffer.size()));
+    if (got < 0) {
+      count = 0;
+      return errno == EINTR || errno == EAGAIN;
+    }
+    count = static_cast<std::size_t>(got);
+    if (count > 0) outputHandler({buffer.data(), count});
+    return count > 0;
   }
 
   void read() const {
     std::array<char, 64 * 1024> buffer;
+    std::size_t count = 0;
     for (;;) {
       std::array<pollfd, 2> watched = {
           {{output.get(), POLLIN, 0}, {stop.readEnd.get(), POLLIN, 0}}};
-      if (::poll(watched.data(), watched.size(), -1) < 0 && errno != EINTR) return;
-      if (watched[0].revents != 0) {
-        const ssize_t count = ::read(output.get(), buffer.data(), buffer.size());
-        if (count > 0) outputHandler({buffer.data(), static_cast<std::size_t>(count)});
-        if (count == 0 || (count < 0 && errno != EINTR)) return;
+      if (::poll(watched.data(), watched.size(), -1) < 0) {
+        if (errno != EINTR) return;
       } else if (watched[1].revents != 0) {
+        break;
+      } else if (watched[0].revents != 0 && !handOn(buffer.size(), buffer, count)) {
         return;
       }
     }
+    // What is in the pipe now and no more: someone else may hold it and write on.
+    int left = 0;
+    if (::ioctl(output.get(), FIONREAD, &left) != 0) return;
+    for (auto rest = static_cast<std::size_t>(left); rest > 0; rest -= count)
+      if (!handOn(rest, buffer, count)) return;
+  }
+
+  int startReader() {
+    try {
+      reader = std::thread([this] { read(); });
+      return 0;
+    } catch (const std::system_error& error) {
+      return error.code().value();
+    }
+  }
+
+  void stopReader() {
+    stop.writeEnd.close();
+    if (reader.joinable()) reader.join();
   }
 };
 
 ChildProcess::ChildProcess(std::string launchPath, std::vector<std::string> arguments,
-                           OutputHandler outputHandler)
+                           OutputHandler outputHandler, ChildOptions options)
     : impl_(std::make_unique<Impl>()) {
   impl_->launchPath = std::move(launchPath);
   impl_->arguments = std::move(arguments);
   impl_->outputHandler = std::move(outputHandler);
+  impl_->options = std::move(options);
 }
 
 ChildProcess::~ChildProcess() {
-  if (isRunning()) {
-    terminate();
-    // A child that does not heed SIGTERM must not hold this process up.
-    for (int tries = 0; tries < 200 && isRunning(); ++tries)
-      std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    if (isRunning()) {
-      impl_->signal(SIGKILL);
-      reap(impl_->child);
-    }
-  }
-  impl_->stop.writeEnd.close();
-  if (impl_->reader.joinable()) impl_->reader.join();
+  end(kPatience);
+  impl_->stopReader();
 }
 
 std::optional<std::string> ChildProcess::launch() {
   Pipe pipe = makePipe();
   impl_->stop = makePipe();
   int error = pipe.readEnd && impl_->stop.readEnd ? 0 : errno;
+  impl_->output = std::move(pipe.readEnd);
+  // Before the child: one that nobody listens to must not run.
+  if (error == 0) error = impl_->startReader();
   if (error == 0) {
+    SpawnOptions spawning;
+    spawning.environment = impl_->options.environment;
+    spawning.ownGroup = true;
+    spawning.standardInput = kNullDevice;
+    spawning.standardOutput =
+        impl_->options.capture == Capture::everything ? pipe.writeEnd.get() : kNullDevice;
+    spawning.standardError = pipe.writeEnd.get();
     const std::lock_guard lock(impl_->mutex);
-    error = spawn(impl_->child, impl_->launchPath, impl_->arguments, pipe.writeEnd.get());
+    error = spawn(impl_->child, impl_->launchPath, impl_->arguments, spawning);
     if (error != 0) impl_->child = 0;
   }
-  if (error != 0) return impl_->launchPath + ": " + std::strerror(error);
-  impl_->output = std::move(pipe.readEnd);
-  impl_->reader = std::thread([impl = impl_.get()] { impl->read(); });
-  return std::nullopt;
+  if (error == 0) return std::nullopt;
+  impl_->stopReader();
+  return impl_->launchPath + ": " + std::strerror(error);
 }
 
 bool ChildProcess::isRunning() const {
-  return impl_->isRunning();
+  return !impl_->hasEnded();
+}
+
+int ChildProcess::wait() {
+  pid_t child = 0;
+  {
+    const std::lock_guard lock(impl_->mutex);
+    child = impl_->child;
+  }
+  if (child != 0) awaitEnd(child);
+  impl_->hasEnded();
+  const std::lock_guard lock(impl_->mutex);
+  return exitStatus(impl_->status);
 }
 
 void ChildProcess::terminate() {
-  impl_->signal(SIGTERM);
+  impl_->signalGroup(SIGTERM);
+}
+
+bool ChildProcess::end(std::chrono::milliseconds patience) {
+  {
+    const std::lock_guard lock(impl_->mutex);
+    if (impl_->reap()) return true;
+    impl_->isEnding = true;
+  }
+  constexpr auto kStep = 5ms;
+  constexpr int kStepsBetweenRequests = 20;
+  for (int step = 0; step * kStep < patience; ++step) {
+    // More than once: a program that the child is just starting misses the first.
+    if (step % kStepsBetweenRequests == 0) impl_->signalGroup(SIGTERM);
+    if (impl_->hasEnded()) return true;
+    std::this_thread::sleep_for(kStep);
+  }
+  impl_->signalGroup(SIGKILL);
+  for (int step = 0; step < kStepsBetweenRequests; ++step) {
+    if (impl_->hasEnded()) return true;
+    std::this_thread::sleep_for(kStep);
+  }
+  return false;
 }
 
 void runAndWait(const std::string& launchPath, const std::vector<std::string>& arguments) {
   pid_t child = 0;
-  if (spawn(child, launchPath, arguments, -1) == 0) reap(child);
+  if (spawn(child, launchPath, arguments, {}) != 0) return;
+  while (::waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
+  }
 }
 
 }  // namespace platform

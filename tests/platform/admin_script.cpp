@@ -10,8 +10,9 @@ std::optional<AdminScriptError> executeAdminScript(const std::string& source) {
   return test::active->adminScriptError;
 }
 
-void interruptAdminScript() {
+bool interruptAdminScript() {
   test::note("interrupt");
+  return true;
 }
 
 }  // namespace platform

@@ -76,6 +76,7 @@ class Platform {
   std::optional<platform::AdminScriptError> adminScriptError;
   std::function<void()> duringAdminScript;
   std::optional<std::string> launchProblem;
+  std::optional<std::string> workerProblem;
   platform::ChildProcess::OutputHandler outputHandler;
 
   // The input-source service.
