@@ -24,7 +24,7 @@ packages='
   libcli11-dev libplist-dev libplist-utils libutfcpp-dev
   libgtest-dev
   fonts-noto-cjk librsvg2-bin icnsutils
-  zip unzip sudo
+  zip unzip libarchive-tools openssl perl-base sudo
   xvfb xauth xdotool openbox x11-utils imagemagick
   clang-format clang-tidy shellcheck llvm-14
 '

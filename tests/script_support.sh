@@ -1,0 +1,83 @@
+# Shared by the tests of install.sh and uninstall.sh; sourced with the folder of both scripts as $1. They run below
+# throw-away roots, with the shell whose path INSTALL_SHELL is.
+# shellcheck shell=sh
+# shellcheck disable=SC2015 # "A && B || return" is meant
+# shellcheck disable=SC2034,SC2154 # the tests use what is set here
+
+set -u
+export LC_ALL=C
+resources=$(cd -- "$1" && pwd)
+shell=${INSTALL_SHELL:-/bin/sh}
+work=$(mktemp -d)
+trap 'chattr -R -i "$work" 2>/dev/null; rm -rf "$work"' EXIT
+root="$work/a root"
+copy="$work/a copy"
+orvane="$root/Library/Input Methods/Orvane.app"
+sondrel="$root/Applications/Sondrel.app"
+failures=0
+
+run_case() { # NAME FUNCTION
+  rm -rf "$root"
+  if "$2"; then
+    echo "ok: $1"
+  else
+    echo "FAILED: $1"
+    sed 's/^/  | /' "$work/stderr"
+    failures=$((failures + 1))
+  fi
+}
+
+run_script() { # NAME RESOURCES
+  # shellcheck disable=SC2086
+  INSTALL_ROOT=$root $shell "$2/$1.sh" 2>"$work/stderr"
+}
+install() { run_script install "${1:-$resources}"; } # [RESOURCES]
+
+same() { diff -r "$1" "$2" >/dev/null 2>&1; }
+# The root holds what TREE holds, and no staging, backup or leftover.
+holds() { same "$root/Library" "$1/Library" && same "$root/Applications" "$1/Applications"; }
+start_from() { rm -rf "$root" && cp -R "$1" "$root" && mkdir -p "$root/tmp"; }
+copy_resources() { rm -rf "$copy" && cp -R "$resources" "$copy"; }
+failed_because() { tail -n 1 "$log" | grep -q "^error: .*$1" && grep -q "$1" "$work/stderr"; }
+# In a copy with functions for commands, the message on standard error may go where the command's would.
+interrupted_by() { tail -n 1 "$log" | grep -q "^error: interrupted by SIG$1"; }
+lock_is_free() {
+  [ ! -e "$root/var/run/tessal_installer.lock" ] || flock -w 10 "$root/var/run/tessal_installer.lock" true
+}
+
+# A copy whose scripts begin with these lines.
+make_copy_with() { # LINES
+  copy_resources
+  for script in install uninstall; do
+    { printf '%s\n' "$1" && cat "$resources/$script.sh"; } >"$copy/$script.sh"
+  done
+}
+
+# The scripts as they would be if the N-th call of one of these commands came after a signal to the script.
+make_stopping_copy() {
+  # shellcheck disable=SC2016
+  make_copy_with "$(
+    echo 'boundary() {
+      echo >>"$STOPPED.calls"
+      [ "$(wc -l <"$STOPPED.calls")" -lt "$STOP_AT" ] || [ -e "$STOPPED" ] ||
+        { : >"$STOPPED"; kill -s "$STOP_SIGNAL" $$; }
+    }'
+    for command in mv rm bsdtar unzip chmod touch mkdir; do
+      echo "$command() { boundary; command $command \"\$@\"; }"
+    done
+  )"
+}
+
+stop_at() { # SCRIPT N SIGNAL; false if the run has no N-th boundary
+  rm -f "$work/stopped" "$work/stopped.calls"
+  (STOP_AT=$2 STOP_SIGNAL=$3 STOPPED="$work/stopped" run_script "$1" "$copy") 2>/dev/null
+  status=$?
+  [ -e "$work/stopped" ]
+}
+
+mkdir "$work/nothing"
+for bundle in 'Library/Input Methods/Orvane' Applications/Sondrel Applications/Cogwen; do
+  mkdir -p "$work/old/$bundle.app/Contents" && echo old >"$work/old/$bundle.app/Contents/old"
+done
+find "$work/old" -exec touch -t 202001010000 {} +
+install "$resources" && cp -R "$root" "$work/new"

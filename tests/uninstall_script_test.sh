@@ -1,0 +1,96 @@
+#!/bin/sh
+# uninstall_script_test.sh RESOURCES: runs the uninstall.sh that lies in RESOURCES, on what install.sh has left.
+
+# shellcheck disable=SC2015 # "A && B || return" is meant
+
+# shellcheck source-path=SCRIPTDIR source=script_support.sh
+. "$(dirname "$0")/script_support.sh"
+log="$root/tmp/tessal_uninstaller.log"
+
+uninstall() { run_script uninstall "${1:-$resources}"; } # [RESOURCES]
+nothing_left() { [ -z "$(find "$root/Library" "$root/Applications" -name '*.app*')" ]; }
+
+everything() {
+  start_from "$work/new" && uninstall && nothing_left && [ "$(cat "$log")" = 'kill Orvane
+remove Orvane
+Orvane removed
+kill Sondrel
+remove Sondrel
+Sondrel removed
+kill Cogwen
+remove Cogwen
+Cogwen removed
+finish' ] && uninstall && nothing_left && install && holds "$work/new"
+}
+
+# What must be kept is put in Sondrel's place; the others go.
+keeps() { # WHAT
+  plist="$sondrel/Contents/Info.plist"
+  start_from "$work/new" && copy_resources || return 1
+  case $1 in
+    'another identifier') sed -i s/com.tessal.Sondrel/com.tessal.Sondrel2/ "$plist" ;;
+    'the identifier elsewhere') # in a comment, in an inner dictionary, as another key's value
+      printf '%s\n' '<plist><!-- <dict><key>CFBundleIdentifier</key><string>com.tessal.Sondrel</string> -->' \
+        '<dict><key>A</key><dict><key>B</key><dict></dict>' \
+        '<key>CFBundleIdentifier</key><string>com.tessal.Sondrel</string></dict>' \
+        '<key>CFBundleName</key><string>com.tessal.Sondrel</string></dict></plist>' >"$plist"
+      ;;
+    'no property list') rm "$plist" ;;
+    'a file') rm -r "$sondrel" && echo precious >"$sondrel" ;;
+    'a link') mv "$sondrel" "$work/linked.app" && ln -s "$work/linked.app" "$sondrel" ;;
+    'no archive that declares it') rm "$copy/Sondrel.zip" ;;
+  esac && rm -rf "$work/before" && cp -RP "$sondrel" "$work/before" && uninstall "$copy" &&
+    same "$sondrel" "$work/before" && [ "$(find "$root/Library" "$root/Applications" -name '*.app')" = "$sondrel" ]
+}
+
+somebody_elses() {
+  for what in 'another identifier' 'the identifier elsewhere' 'no property list' 'a file' 'a link' \
+    'no archive that declares it'; do
+    keeps "$what" || { echo "$what" && return 1; }
+  done
+}
+
+binary_property_list() {
+  start_from "$work/new" && plistutil -f bin -i "$sondrel/Contents/Info.plist" -o "$work/binary" &&
+    cp "$work/binary" "$sondrel/Contents/Info.plist" && uninstall && nothing_left
+}
+
+# A run of install.sh that was killed left staging here, and the old bundle under another name there.
+after_killed_installation() {
+  start_from "$work/new" && mv "$sondrel" "$root/Applications/.Sondrel.app.backup" &&
+    mkdir "$root/Applications/.Sondrel.app.staging" "$root/Library/Input Methods/.Orvane.app.leftover.3" &&
+    uninstall && nothing_left
+}
+
+cannot_remove() {
+  start_from "$work/new" && chattr +i "$root/Applications" 2>/dev/null || return 0
+  ! uninstall && failed_because Sondrel.app && same "$root/Applications" "$work/new/Applications" || return 1
+  chattr -i "$root/Applications" && uninstall && nothing_left
+}
+
+# Stopped at any step: a bundle is there and whole, or gone; the next run does the rest.
+stopped() {
+  make_stopping_copy
+  for signal in KILL TERM; do
+    n=1
+    while start_from "$work/new" && stop_at uninstall "$n" "$signal"; do
+      for bundle in "Library/Input Methods/Orvane.app" Applications/Sondrel.app Applications/Cogwen.app; do
+        [ ! -e "$root/$bundle" ] || same "$root/$bundle" "$work/new/$bundle" ||
+          { echo "$bundle, SIG$signal at $n" && return 1; }
+      done
+      if [ $signal = TERM ]; then
+        interrupted_by TERM && lock_is_free && [ -z "$(find "$root" -name '.*.app.*')" ]
+      fi && uninstall && nothing_left || { echo "SIG$signal at $n" && return 1; }
+      n=$((n + 1))
+    done
+    [ "$n" -gt 20 ] || return 1
+  done
+}
+
+run_case 'everything goes, and can be installed again' everything
+run_case "somebody else's application of that name stays" somebody_elses
+run_case 'a binary property list' binary_property_list
+run_case 'what a killed installation left goes too' after_killed_installation
+[ "$(id -u)" -ne 0 ] || run_case 'a folder that cannot be written' cannot_remove
+run_case 'stopped at any step' stopped
+[ "$failures" -eq 0 ]
