@@ -36,7 +36,7 @@ demo:
 bench:
 	@build/release/bench/log_follow
 	@if [ -n "$$DISPLAY" ]; then build/release/bench/first_frame build/release/bench/bare_window "$(APP)/Contents/MacOS/Orvane Installer"; \
-	else xvfb-run -a -s '-screen 0 1280x1024x24' \
+	else xvfb-run -a -s '-noreset -screen 0 1280x1024x24' \
 	  build/release/bench/first_frame build/release/bench/bare_window "$(APP)/Contents/MacOS/Orvane Installer"; fi
 
 # The same tests under the address, undefined-behaviour and thread sanitizers.

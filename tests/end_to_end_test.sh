@@ -54,7 +54,7 @@ case_ fresh
 (install /bin/true; exit $status) & front=$!
 wait_for "$root.out" '请将「澄枫输入法」添加到输入法列表'
 sources allow $base || fail "allow"
-wait $front
+wait_for_end $front
 expect status $? 0
 wait_for "$root.out" 安装成功
 expect "current source" "$(sources current)" $base.pinyin
@@ -120,7 +120,7 @@ for signal in INT TERM; do
     --root "$root" >/dev/null 2>&1 & front=$!
   wait_for "$ui_log" trigger=enter-waiting
   kill -$signal $front
-  wait $front
+  wait_for_end $front
   expect "status after SIG$signal" $? 3
 done
 no_child_left
@@ -132,7 +132,7 @@ printf 'trap "echo stopped >&2; exit 9" TERM\necho unzip package >>"$INSTALL_ROO
 SUDO_ASKPASS=/bin/true "$bundle/Contents/MacOS/orvane-install" --root "$root" >"$root.out" 2>&1 & front=$!
 wait_for "$ui_log" 'unzip package'
 kill -TERM $front
-wait $front
+wait_for_end $front
 expect "status" $? 1
 grep -q '管理员授权失败: stopped' "$ui_log" || fail "the script was not stopped"
 no_child_left

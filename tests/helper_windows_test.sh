@@ -21,11 +21,11 @@ start() { # start TITLE PROGRAM [ARGUMENT...]: until its window has the focus
   title=$1 program=$helpers/$2
   shift 2
   "$program" "$@" >"$work/out" 2>"$work/err" & running=$!
-  window=$(timeout 30 xdotool search --sync --onlyvisible --name "^$title\$") &&
-    timeout 30 xdotool windowactivate --sync "$window" || fail "no window $title"
+  window=$(xdotool search --sync --onlyvisible --name "^$title\$") &&
+    xdotool windowactivate --sync "$window" || fail "no window $title"
 }
 click() { xdotool mousemove --window "$window" "$1" "$2" click 1; }
-ended() { wait "$running" 2>/dev/null; expect "$1: status" $? "$2"; running=; }
+ended() { wait_for_end "$running"; expect "$1: status" $? "$2"; running=; }
 sources() { "$helpers/input-sources" --root "$work/root" "$@"; }
 expect_state() { expect "$1" "$(sources list | grep "^$base	" | cut -f 2)" "$2"; }
 
@@ -42,8 +42,9 @@ for keys in Escape alt+F4 "Tab space"; do
   [ ! -s "$work/out" ] || fail "$keys gives the password away"
 done
 ask; kill "$running"; ended SIGTERM 143
-env -u DISPLAY "$helpers/askpass" >"$work/out" 2>"$work/err"
+DISPLAY=:none "$helpers/askpass" >"$work/out" 2>"$work/err"
 expect "status without a display" $? 1
+grep -q 'cannot ask for the password' "$work/err" || fail "no reason: $(cat "$work/err")"
 
 consent() { start 输入法许可 input-source-agent --root "$work/root" --consent $base; }
 unanswered_request() { env -u DISPLAY "$helpers/input-sources" --root "$work/root" enable $base; }

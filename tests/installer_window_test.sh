@@ -23,6 +23,7 @@ end_agents() {
   done
 }
 open_installer() { # the window goes to $window
+  rm -f "$root/tmp/tessal_installer_ui.log" # it tells of the run before
   SUDO_ASKPASS=${1:-/bin/true} "$app/Contents/MacOS/Orvane Installer" --root "$root" 2>/dev/null &
   installer=$!
   await "a window" xdotool search --onlyvisible --pid $installer
@@ -37,7 +38,7 @@ content_centre() {
 # The colour of a point of the window, in pixels.
 colour() { import -silent -window "$window" -crop 1x1+"$1"+"$2" -depth 8 txt:- | grep -o '#[0-9A-F]\{6\}' | tail -n 1; }
 click() { xdotool mousemove --window "$window" "$1" "$2" sleep 0.2 click 1; }
-ended() { wait $installer; expect "$1: exit status" $? 0; installer=; }
+ended() { wait_for_end $installer; expect "$1: exit status" $? 0; installer=; }
 ui_log_has() { grep -q "$1" "$root/tmp/tessal_installer_ui.log"; }
 
 echo "without a window manager"
@@ -98,7 +99,7 @@ open_installer
 xdotool windowfocus --sync "$window" key Tab Return
 await "the waiting phase" ui_log_has trigger=enter-waiting
 "$app/Contents/Helpers/input-sources" --root "$root" allow com.tessal.inputmethod.Orvane
-await "success" ui_log_has 'kTISNotifyEnabledKeyboardInputSourcesChanged'
+await "success" ui_log_has 'kTISNotifyEnabledKeyboardInputSourcesChanged，ok=true）'
 sleep 1
 xdotool windowfocus --sync "$window" key Tab space
 ended "安装成功"

@@ -1,72 +1,155 @@
 #!/bin/sh
-# Installs without --root, for a user with a password, through the real sudo, in
-# a copy-on-write view of this machine that leaves nothing behind.
+# Installs without --root, for a user with a password, through the real sudo. The
+# user, the rule and all that is written live in memory, in a root folder that only
+# this test's processes see: nothing stays, however the test ends.
 # usage: sudo_test.sh APP_BUNDLE   Exit status 77: it cannot run here.
 set -u
 . "$(dirname "$0")/support.sh"
 
 if [ "${1:-}" != --inside ]; then
-  [ "$(id -u)" -eq 0 ] || skip "only root can set the test machine up"
-  unshare --mount true 2>/dev/null || skip "no mount namespaces here"
-  exec unshare --mount sh "$0" --inside "$1"
+  as_root=
+  if [ "$(id -u)" -ne 0 ]; then
+    sudo -n true 2>/dev/null || skip "only root can set the test machine up"
+    as_root='sudo -n'
+  fi
+  $as_root unshare --mount true 2>/dev/null || skip "no mount namespaces here"
+  machine=$(mktemp -d) || exit 1
+  trap 'rmdir "$machine"' EXIT
+  # The first process ends all others with it, and the mounts end with the last one.
+  $as_root unshare --mount --pid --mount-proc --fork --kill-child sh "$0" --inside "$1" "$machine"
+  exit
 fi
 
-app=$2
-machine=$(mktemp -d) || exit 1
-trap 'umount -R -l "$machine" 2>/dev/null; rmdir "$machine"' EXIT
-mount -t tmpfs tmpfs "$machine" && mkdir "$machine/changes" "$machine/work" "$machine/root" &&
-  mount -t overlay overlay \
-    -o "lowerdir=/,upperdir=$machine/changes,workdir=$machine/work" "$machine/root" 2>/dev/null ||
-  skip "no overlay file system here"
-cp -R "$app" "$machine/root/opt/" || exit 1
-app=/opt/$(basename "$app")
-mount --rbind /proc "$machine/root/proc" && mount --rbind /dev "$machine/root/dev" &&
-  mount -t tmpfs -o mode=1777 tmpfs "$machine/root/tmp" || exit 1
+app=$2 machine=$3
+mount -t tmpfs -o mode=755 tmpfs "$machine" || exit 1
+# What is installed is shared; what is written is a copy, or starts empty.
+for folder in /usr /bin /sbin /lib* /opt /dev /sys /var/lib/locales; do
+  [ -e "$folder" ] || continue
+  if [ -L "$folder" ]; then
+    cp -P "$folder" "$machine$folder"
+  else
+    mkdir -p "$machine$folder" && mount --rbind "$folder" "$machine$folder"
+  fi
+done
+mkdir -p "$machine/proc" "$machine/home" "$machine/root" "$machine/run" "$machine/app" \
+  "$machine/var/log" "$machine/var/mail" "$machine/var/lib" && mkdir -m 1777 "$machine/tmp" &&
+  mount -t proc proc "$machine/proc" && cp -a /etc "$machine/" && cp -R "$app" "$machine/app/" || exit 1
+app=/app/$(basename "$app")
 
-inside() { chroot "$machine/root" "$@"; }
+inside() { chroot "$machine" "$@"; }
+as_user() { inside su installer-tester -c "$1"; }
 
-inside useradd --create-home installer-tester || exit 1
-echo 'installer-tester:das richtige' | inside chpasswd || exit 1
-echo 'installer-tester ALL=(ALL:ALL) ALL' >"$machine/root/etc/sudoers.d/installer-tester"
-chmod 440 "$machine/root/etc/sudoers.d/installer-tester"
+inside useradd --create-home --shell /bin/sh installer-tester || exit 1
+readonly password='das richtige'
+echo "installer-tester:$password" | inside chpasswd || exit 1
+rule=$machine/etc/sudoers.d/installer-tester
+echo 'installer-tester ALL=(ALL:ALL) ALL' >"$rule"
+chmod 440 "$rule"
+
 askpass() { # askpass NAME COMMAND
-  printf '#!/bin/sh\necho "$1" >>/tmp/prompts\n%s\n' "$2" >"$machine/root/opt/askpass-$1"
-  chmod 755 "$machine/root/opt/askpass-$1"
+  printf '#!/bin/sh\necho "$1" >>/tmp/prompts\n%s\n' "$2" >"$machine/app/askpass-$1"
+  chmod 755 "$machine/app/askpass-$1"
 }
-askpass right "echo 'das richtige'"
+askpass right "cat /app/password"
+askpass slow "sleep 1; cat /app/password"
 askpass wrong "echo falsch"
 askpass closed "exit 1"
-install() { # install ASKPASS EXPECTED_STATUS
-  echo "$1"
-  inside su installer-tester -c "SUDO_ASKPASS=/opt/askpass-$1 timeout 100 \
-    '$app/Contents/MacOS/orvane-install' --no-wait" >/dev/null 2>&1
-  status=$?
-  [ $status -eq "$2" ] || fail "exit status $status instead of $2"
-}
-ui_log=$machine/root/tmp/tessal_installer_ui.log
-
-install closed 2
-[ ! -s "$ui_log" ] || fail "the UI log says something about a refusal"
-install wrong 1
-grep -q '管理员授权失败: .*' "$ui_log" && grep -q 'incorrect password' "$ui_log" ||
-  fail "the UI log does not say why"
-[ ! -e "$machine/root/Library" ] || fail "something was installed"
-install right 3
 askpass mistyped-then-closed 'if [ -e /tmp/mistyped ]; then exit 1; fi; : >/tmp/mistyped; echo falsch'
-install mistyped-then-closed 2
+askpass asleep ': >/tmp/asleep; exec sleep 50'
+echo "$password" >"$machine/app/password"
+ui_log=$machine/tmp/tessal_installer_ui.log
+
+# row NAME ENVIRONMENT EXPECTED_STATUS UI_LOG: the log is empty if that is "".
+row() {
+  rm -f "$ui_log"
+  as_user "ulimit -c unlimited; cd /tmp; timeout 100 env $2 '$app/Contents/MacOS/orvane-install' --no-wait" \
+    >"$machine/out" 2>&1
+  status=$?
+  echo "$1: $status"
+  expect "$1: exit status" $status "$3"
+  if [ -z "$4" ]; then
+    [ ! -s "$ui_log" ] || fail "$1: the UI log says $(cat "$ui_log")"
+  else
+    grep -q -- "$4" "$ui_log" || fail "$1: the UI log lacks \"$4\": $(cat "$ui_log")"
+  fi
+}
+
+row closed SUDO_ASKPASS=/app/askpass-closed 2 ''
+for language in de zh_CN; do
+  row "closed, in $language" "LANG=$language.UTF-8 LANGUAGE=$language:fr SUDO_ASKPASS=/app/askpass-closed" 2 ''
+done
+row mistyped-then-closed SUDO_ASKPASS=/app/askpass-mistyped-then-closed 2 ''
+row wrong SUDO_ASKPASS=/app/askpass-wrong 1 '管理员授权失败: .*'
+grep -q 'incorrect password' "$ui_log" || fail "the UI log does not say why"
+row "wrong, in German" "LANGUAGE=de SUDO_ASKPASS=/app/askpass-wrong" 1 'incorrect password'
+row "no askpass" SUDO_ASKPASS=/app/none 1 '/app/none: No such file'
+row "askpass that cannot run" SUDO_ASKPASS=/app/password 1 '/app/password: Permission denied'
+row "no display, no terminal" "-u DISPLAY setsid -w" 1 'cannot ask for the password'
+mv "$rule" "$machine/rule"
+row "not allowed" SUDO_ASKPASS=/app/askpass-right 2 ''
+row "not allowed, in German" "LANGUAGE=de SUDO_ASKPASS=/app/askpass-right" 2 ''
+echo 'installer-tester ALL=(ALL:ALL) /bin/true' >"$rule"
+row "another command allowed" SUDO_ASKPASS=/app/askpass-right 2 ''
+mv -f "$machine/rule" "$rule"
+mv "$machine/app/password" "$machine/password"
+
+# A prompt that is open when the installer is told to end, or killed.
+for signal in TERM KILL; do
+  rm -f "$machine/tmp/asleep"
+  as_user "SUDO_ASKPASS=/app/askpass-asleep exec '$app/Contents/MacOS/orvane-install'" >/dev/null 2>&1 & front=$!
+  await "the prompt" test -e "$machine/tmp/asleep"
+  pkill -$signal -x orvane-install
+  wait_for_end $front
+  status=$?
+  [ $signal = KILL ] || expect "SIG$signal at the prompt" $status 2
+  [ $signal = KILL ] || await "the end of the prompt" sh -c '! pgrep -x sudo && ! pgrep -f askpass-asleep'
+  pkill -f askpass-asleep
+  pkill -x sudo
+done
+[ ! -e "$machine/Library" ] || fail "something was installed"
+mv "$machine/password" "$machine/app/password"
+
+# The password is in nobody's arguments or environment while it is used.
+(
+  until [ -e "$machine/stop" ]; do
+    for process in /proc/[0-9]*; do
+      cat "$process/cmdline" "$process/environ" 2>/dev/null
+    done | grep -aqF "$password" && : >"$machine/seen"
+  done
+) & watch=$!
+row right SUDO_ASKPASS=/app/askpass-slow 3 '启用路径：全新安装'
+: >"$machine/stop"
+wait $watch
+[ ! -e "$machine/seen" ] || fail "the password was in arguments or an environment"
+
 rm -f "$ui_log"
 echo "right, and allowed"
-inside su installer-tester -c "SUDO_ASKPASS=/opt/askpass-right timeout 100 \
-  '$app/Contents/MacOS/orvane-install'" >/dev/null 2>&1 & front=$!
+as_user "SUDO_ASKPASS=/app/askpass-right timeout 100 '$app/Contents/MacOS/orvane-install'" >/dev/null 2>&1 & front=$!
 await "the waiting phase" grep -q trigger=enter-waiting "$ui_log"
-sources() { inside su installer-tester -c "'$app/Contents/Helpers/input-sources' $*"; }
+sources() { as_user "'$app/Contents/Helpers/input-sources' $*"; }
 sources allow com.tessal.inputmethod.Orvane
-wait $front
+wait_for_end $front
 expect "exit status" $? 0
 expect "current source" "$(sources current)" com.tessal.inputmethod.Orvane.pinyin
-[ "$(stat -c %U:%G "$machine/root/Library/Input Methods/Orvane.app")" = root:root ] ||
+[ "$(stat -c %U:%G "$machine/Library/Input Methods/Orvane.app")" = root:root ] ||
   fail "the bundle is not root's"
-grep -q finish "$machine/root/tmp/tessal_installer.log" || fail "no finish in the install log"
-grep -q 'Orvane Installer 想要进行更改' "$machine/root/tmp/prompts" || fail "another prompt"
+grep -q finish "$machine/tmp/tessal_installer.log" || fail "no finish in the install log"
+grep -q 'Orvane Installer 想要进行更改' "$machine/tmp/prompts" || fail "another prompt"
+
+# A script with root's rights cannot be stopped, but the installer ends.
+echo 'trap "" TERM INT HUP; echo holding >>/tmp/tessal_installer.log; sleep 5' \
+  >"$machine$app/Contents/Resources/install.sh"
+rm -f "$ui_log"
+as_user "SUDO_ASKPASS=/app/askpass-right exec '$app/Contents/MacOS/orvane-install'" >"$machine/out" 2>&1 & front=$!
+await "the script" grep -q holding "$ui_log"
+pkill -TERM -x orvane-install
+wait_for_end $front
+expect "SIGTERM while root's script runs" $? 1
+grep -q 无法中止 "$machine/out" || fail "it does not say that the script goes on"
+await "the script's end" sh -c '! pgrep -x sudo'
+
+rm -f "$machine/app/password" "$machine"/app/askpass-*
+! grep -raqF "$password" "$machine/tmp" "$machine/home" "$machine/var" "$machine/run" "$machine/out" "$machine/Library" ||
+  fail "the password was written: $(grep -ralF "$password" "$machine/tmp" "$machine/home" "$machine/var" "$machine/run")"
 
 finish

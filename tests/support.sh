@@ -18,6 +18,15 @@ await() {
   done
 }
 
+# wait_for_end PID: its exit status. It is killed after 40 seconds.
+wait_for_end() {
+  (sleep 40; kill -9 "$1") >/dev/null 2>&1 & guard=$!
+  wait "$1" 2>/dev/null
+  ended_with=$?
+  kill $guard 2>/dev/null
+  return $ended_with
+}
+
 finish() { [ $failures -eq 0 ] || { echo "$failures failed"; exit 1; }; }
 
 skip() { echo "skipped: $*"; exit 77; }
@@ -25,12 +34,17 @@ skip() { echo "skipped: $*"; exit 77; }
 # on_display SIZE SCRIPT ARGUMENT...: the script again, on a display of its own.
 on_display() {
   for tool in xvfb-run xauth xdotool xprop xwininfo openbox import; do
-    command -v $tool >/dev/null || skip "no $tool here"
+    (unset -f xdotool; command -v $tool) >/dev/null || skip "no $tool here"
   done
   size=$1
   shift
-  exec xvfb-run -a -s "-screen 0 ${size}x24" sh "$@"
+  # Without -noreset it resets when its last client leaves, and one that connects just
+  # then finds no display.
+  exec xvfb-run -a -s "-noreset -screen 0 ${size}x24" sh "$@"
 }
+
+# It may wait for an event that never comes.
+xdotool() { timeout 30 xdotool "$@"; }
 
 # Starts a window manager, as $manager.
 start_window_manager() {

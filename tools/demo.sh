@@ -35,7 +35,7 @@ die() {
   exit 1
 }
 
-Xvfb -displayfd 3 -screen 0 1920x1080x24 -nolisten tcp 3>"$display_file" 2>/dev/null &
+Xvfb -displayfd 3 -noreset -screen 0 1920x1080x24 -nolisten tcp 3>"$display_file" 2>/dev/null &
 children+=($!)
 for ((i = 0; i < 100; ++i)); do [ -s "$display_file" ] && break; sleep 0.1; done
 DISPLAY=:$(cat "$display_file")

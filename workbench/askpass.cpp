@@ -4,7 +4,6 @@
 // the password is for: one typed later would still install.
 
 #include <pwd.h>
-#include <sys/pidfd.h>
 #include <sys/prctl.h>
 #include <sys/uio.h>
 #include <unistd.h>
@@ -19,7 +18,7 @@
 #include "cli/program_options.h"
 #include "platform/bundle.h"
 #include "platform/linux/askpass_contract.h"
-#include "platform/posix/descriptor.h"
+#include "platform/linux/process_descriptor.h"
 #include "workbench/helper_program.h"
 #include "workbench/password_prompt.h"
 #include "workbench/terminal_prompt.h"
@@ -69,8 +68,7 @@ Installer installer() {
   const char* number = std::getenv(platform::linux_::kInstallerProcessVariable);
   Installer result;
   result.process = number ? std::atoi(number) : 0;
-  if (result.process > 0)
-    result.lifeline = platform::Descriptor(::pidfd_open(result.process, 0));
+  if (result.process > 0) result.lifeline = platform::linux_::processDescriptor(result.process);
   return result;
 }
 

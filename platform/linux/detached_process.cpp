@@ -1,6 +1,5 @@
 #include "platform/linux/detached_process.h"
 
-#include <sys/pidfd.h>
 #include <sys/wait.h>
 
 #include <QCoreApplication>
@@ -8,7 +7,7 @@
 #include <memory>
 #include <utility>
 
-#include "platform/posix/descriptor.h"
+#include "platform/linux/process_descriptor.h"
 #include "platform/posix/spawn.h"
 
 namespace platform::linux_ {
@@ -17,7 +16,7 @@ namespace {
 
 /// Reaps the program if it ends before this process; else the system does.
 void reapAtItsEnd(pid_t child) {
-  Descriptor process(::pidfd_open(child, 0));
+  Descriptor process = processDescriptor(child);
   if (!process || !QCoreApplication::instance()) return;
   const int descriptor = process.get();
   auto* const notifier =
