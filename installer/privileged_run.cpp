@@ -9,6 +9,7 @@
 #include "platform/child_process.h"
 #include "platform/common/admin_script_source.h"
 #include "platform/file_root.h"
+#include "platform/log_file.h"
 
 namespace {
 
@@ -62,7 +63,7 @@ void ContentView::startInstallation() {
 
   installPathExistedBeforeStart = TessalInstaller().isInstalled();
 
-  emptyFile(platform::onDisk(kUILogPath));
+  platform::emptyLogFile(platform::onDisk(kUILogPath));
 
   const auto script = platform::bundleResource("install", "sh");
   if (!script) {
@@ -72,7 +73,7 @@ void ContentView::startInstallation() {
     return;
   }
 
-  emptyFile(platform::onDisk(kInstallLogPath));
+  platform::emptyLogFile(platform::onDisk(kInstallLogPath));
   const auto tail = startFollowingInstallLog();
 
   const std::string source = platform::composeAdminScriptSource(

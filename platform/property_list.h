@@ -48,7 +48,8 @@ class PropertyListValue : public std::variant<bool, std::int64_t, double, std::s
 };
 
 /// Reads an XML or binary property list; absent if the file is missing,
-/// unreadable, damaged, or has another kind of value at its root.
+/// unreadable, damaged, above 4 MiB, no regular file, or has another kind of value
+/// at its root. Any thread.
 std::optional<PropertyListDictionary> readPropertyListDictionary(const std::filesystem::path& file);
 
 }  // namespace platform

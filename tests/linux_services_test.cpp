@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdint>
 #include <cstdlib>
 #include <fstream>
 #include <thread>
@@ -11,8 +10,8 @@
 #include "platform/bundle.h"
 #include "platform/linux/file_root_linux.h"
 #include "platform/linux/input_source_service.h"
-#include "platform/linux/property_list_file.h"
-#include "platform/preferences.h"
+#include "platform/linux/input_source_state.h"
+#include "platform/linux/property_list_codec.h"
 #include "platform/program.h"
 
 namespace platform::linux_ {
@@ -22,27 +21,9 @@ namespace fs = std::filesystem;
 const std::string kBase = "com.example.inputmethod.Sample";
 const std::string kMode = kBase + ".pinyin";
 
-PropertyListDictionary everyKind(double seconds) {
-  return {{"integers", PropertyListArray{-5L, 0L, INT64_MIN, INT64_MAX}},
-          {"reals", PropertyListArray{0.1, -2.5, 1e300}},
-          {"<&> 中文", PropertyListArray{" “😀” & <b>\n", "", true, false}},
-          {"date", PropertyListDate{seconds}},
-          {"data", PropertyListArray{PropertyListData{std::byte{255}}, PropertyListData{}}},
-          {"", PropertyListArray{PropertyListDictionary{}, PropertyListArray{}}}};
-}
-
 void writeFile(const fs::path& path, const PropertyListDictionary& dictionary) {
   fs::create_directories(path.parent_path());
-  std::ofstream(path) << encodePropertyList(dictionary, PropertyListFormat::binary);
-}
-
-TEST(PropertyListFile, CarriesEveryKindInBothFormats) {
-  for (const auto format : {PropertyListFormat::xml, PropertyListFormat::binary}) {
-    const double seconds = format == PropertyListFormat::xml ? -86400.0 : 700000000.25;
-    const auto bytes = encodePropertyList(everyKind(seconds), format);
-    EXPECT_EQ(decodePropertyList(bytes), PropertyListValue(everyKind(seconds)));
-    EXPECT_FALSE(decodePropertyList(bytes.substr(0, bytes.size() / 2)));
-  }
+  std::ofstream(path) << *encodePropertyList(dictionary, PropertyListFormat::binary);
 }
 
 class LinuxServices : public testing::Test {
@@ -73,24 +54,6 @@ class LinuxServices : public testing::Test {
   std::string template_ = (fs::temp_directory_path() / "linux_services.XXXXXX").string();
   fs::path root_ = ::mkdtemp(template_.data());
 };
-
-TEST_F(LinuxServices, PreferencesKeepOtherKeysAndADamagedFile) {
-  const auto set = [](const PropertyListValue& value, PreferencesHost host) {
-    setPreferencesValue("list", value, "com.example", PreferencesUser::current, host);
-    return synchronizePreferences("com.example", PreferencesUser::current, host);
-  };
-  const fs::path file = userStore() / "Preferences/com.example.plist";
-  auto expected = everyKind(0.25);
-  writeFile(file, expected);
-  EXPECT_TRUE(set("mine", PreferencesHost::any));
-  EXPECT_TRUE(set("of this host", PreferencesHost::current));
-  expected["list"] = "mine";
-  EXPECT_EQ(readPropertyListDictionary(file), expected);
-  std::ofstream(file) << "<plist><dict><key>cut off";
-  EXPECT_TRUE(set("again", PreferencesHost::any));
-  EXPECT_EQ(fs::file_size(file.string() + ".damaged"), 25U);
-  EXPECT_EQ(readPropertyListDictionary(file), (PropertyListDictionary{{"list", "again"}}));
-}
 
 TEST_F(LinuxServices, ASourceIsEnabledOnceTheUserAllowsIt) {
   EXPECT_EQ(install("Sample.app", kBase), kNoError);

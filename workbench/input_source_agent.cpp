@@ -9,6 +9,7 @@
 #include "cli/program_options.h"
 #include "platform/application.h"
 #include "platform/linux/input_source_service.h"
+#include "platform/linux/input_source_state.h"
 #include "ui/installer_ui.h"
 #include "workbench/consent_question.h"
 #include "workbench/helper_program.h"

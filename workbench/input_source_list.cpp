@@ -2,6 +2,8 @@
 
 #include <iostream>
 
+#include "platform/linux/input_source_state.h"
+
 namespace service = platform::linux_;
 
 InputSourceList::InputSourceList()

@@ -6,6 +6,7 @@
 
 #include "cli/program_options.h"
 #include "platform/linux/input_source_service.h"
+#include "platform/linux/input_source_state.h"
 #include "platform/program.h"
 
 namespace {

@@ -2,7 +2,7 @@
 
 #include <system_error>
 
-#include "platform/linux/property_list_file.h"
+#include "platform/linux/property_list_lookups.h"
 
 namespace platform {
 

@@ -1,16 +1,15 @@
 #include "platform/linux/input_source_service.h"
 
-#include <QFileSystemWatcher>
 #include <algorithm>
 #include <cstdlib>
-#include <functional>
-#include <set>
 #include <utility>
 
 #include "platform/bundle.h"
 #include "platform/linux/detached_process.h"
 #include "platform/linux/file_root_linux.h"
-#include "platform/linux/property_list_file.h"
+#include "platform/linux/input_source_state.h"
+#include "platform/linux/property_list_lookups.h"
+#include "platform/linux/status.h"
 
 namespace platform::linux_ {
 
@@ -18,60 +17,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-struct State {
-  /// Bundles, as paths within the folder of input methods.
-  std::set<std::string> registered;
-  /// Bundle identifiers.
-  std::set<std::string> allowed;
-  std::set<std::string> asked;
-  /// Source identifiers, without the built-in layout.
-  std::set<std::string> enabled;
-  std::string current = kBuiltInLayoutId;
-
-  bool operator==(const State&) const = default;
-};
-
-fs::path stateFile() {
-  return userStore() / "InputSources.plist";
-}
 fs::path inputMethodsFolder() {
   return onDisk("/Library/Input Methods");
-}
-
-State stateFrom(const PropertyListDictionary& stored) {
-  const auto setIn = [&](const char* key) {
-    const auto texts = textsIn(stored, key);
-    return std::set<std::string>(texts.begin(), texts.end());
-  };
-  return {setIn("registered"), setIn("allowed"), setIn("asked"), setIn("enabled"),
-          textIn(stored, "current").value_or(kBuiltInLayoutId)};
-}
-
-void store(const State& state, PropertyListDictionary& stored) {
-  const auto array = [](const std::set<std::string>& texts) {
-    return PropertyListArray(texts.begin(), texts.end());
-  };
-  stored["registered"] = array(state.registered);
-  stored["allowed"] = array(state.allowed);
-  stored["asked"] = array(state.asked);
-  stored["enabled"] = array(state.enabled);
-  stored["current"] = state.current;
-}
-
-State readState() {
-  return stateFrom(readPropertyListDictionary(stateFile()).value_or(PropertyListDictionary()));
-}
-
-/// Makes one change with no other process in between; answers its status.
-Status changeState(const std::function<Status(State&)>& change) {
-  Status status = kNoError;
-  const bool written = editPropertyListFile(stateFile(), [&](PropertyListDictionary& stored) {
-    const State before = stateFrom(stored);
-    State after = before;
-    status = change(after);
-    if (after != before) store(after, stored);
-  });
-  return written ? status : kInputOutputError;
 }
 
 /// The sources that an information dictionary declares: the base source first.
@@ -106,7 +53,7 @@ std::vector<InputSourceInfo> declaredSources(const PropertyListDictionary& info)
   return sources;
 }
 
-std::vector<InputSourceInfo> sourcesOf(const State& state) {
+std::vector<InputSourceInfo> sourcesOf(const InputSourceState& state) {
   InputSourceInfo layout;
   layout.id = kBuiltInLayoutId;
   layout.bundleId = "com.apple.keyboardlayout.all";
@@ -131,7 +78,7 @@ std::vector<InputSourceInfo> sourcesOf(const State& state) {
   return sources;
 }
 
-std::optional<InputSourceInfo> find(const std::string& id, const State& state) {
+std::optional<InputSourceInfo> find(const std::string& id, const InputSourceState& state) {
   for (auto& source : sourcesOf(state)) {
     if (source.id == id) return std::move(source);
   }
@@ -139,11 +86,11 @@ std::optional<InputSourceInfo> find(const std::string& id, const State& state) {
 }
 
 /// The source if it is of a bundle, so that the user's permission is needed.
-std::optional<InputSourceInfo> findInBundle(const std::string& id, const State& state) {
+std::optional<InputSourceInfo> findInBundle(const std::string& id, const InputSourceState& state) {
   return id == kBuiltInLayoutId ? std::nullopt : find(id, state);
 }
 
-void setEnabled(State& state, const std::string& id, bool enabled) {
+void setEnabled(InputSourceState& state, const std::string& id, bool enabled) {
   if (enabled) {
     state.enabled.insert(id);
   } else {
@@ -152,7 +99,7 @@ void setEnabled(State& state, const std::string& id, bool enabled) {
   }
 }
 
-void setAllEnabled(State& state, const std::string& bundleId, bool enabled) {
+void setAllEnabled(InputSourceState& state, const std::string& bundleId, bool enabled) {
   for (const auto& source : sourcesOf(state)) {
     if (source.bundleId == bundleId) setEnabled(state, source.id, enabled);
   }
@@ -162,70 +109,14 @@ bool hasInputMethodComponent(const std::string& identifier) {
   return ("." + identifier + ".").find(".inputmethod.") != std::string::npos;
 }
 
-/// Follows the state for all observers of this process; they own it together.
-class StateWatch : public std::enable_shared_from_this<StateWatch> {
- public:
-  static std::shared_ptr<StateWatch> shared() {
-    static std::weak_ptr<StateWatch> existing;
-    auto watch = existing.lock();
-    if (!watch) {
-      existing = watch = std::make_shared<StateWatch>();
-      // File notifications need the main loop. start() compares with the state that
-      // is read here, so a change before the loop runs is seen as well.
-      asyncOnMain([started = existing] {
-        if (const auto self = started.lock()) self->start();
-      });
-    }
-    return watch;
-  }
-
-  Observation observe(WatchedState watched, Block block) {
-    auto& observers = watched == WatchedState::enabledSources ? ofEnabledSources_ : ofEverything_;
-    // The observation owns the watch as well.
-    auto owned = std::make_shared<std::pair<std::shared_ptr<StateWatch>, Observation>>(
-        shared_from_this(), observers.add(std::move(block)));
-    return owned;
-  }
-
- private:
-  void start() {
-    const fs::path folder = stateFile().parent_path();
-    std::error_code error;
-    fs::create_directories(folder, error);
-    watcher_ = std::make_unique<QFileSystemWatcher>();
-    // The folder, as the file itself gets replaced.
-    watcher_->addPath(QString::fromStdString(folder.string()));
-    QObject::connect(watcher_.get(), &QFileSystemWatcher::directoryChanged, watcher_.get(),
-                     [this] { compare(); });
-    compare();
-  }
-
-  void compare() {
-    const State before = std::exchange(seen_, readState());
-    if (seen_ == before) return;
-    const bool isEnabledChanged = seen_.enabled != before.enabled;
-    asyncOnMain([weak = weak_from_this(), isEnabledChanged] {
-      const auto self = weak.lock();
-      if (!self) return;
-      if (isEnabledChanged) self->ofEnabledSources_.call();
-      self->ofEverything_.call();
-    });
-  }
-
-  State seen_ = readState();
-  std::unique_ptr<QFileSystemWatcher> watcher_;
-  HandlerList<> ofEnabledSources_;
-  HandlerList<> ofEverything_;
-};
-
 }  // namespace
 
 std::vector<InputSourceInfo> installedInputSources() {
-  return sourcesOf(readState());
+  return sourcesOf(readInputSourceState());
 }
 
 std::optional<InputSourceInfo> findInputSource(const std::string& id) {
-  return find(id, readState());
+  return find(id, readInputSourceState());
 }
 
 Status registerInputMethod(const fs::path& bundle) {
@@ -237,7 +128,7 @@ Status registerInputMethod(const fs::path& bundle) {
                              .parent_path()
                              .lexically_relative(inputMethodsFolder().lexically_normal());
   if (place.empty() || place == "." || *place.begin() == "..") return kParameterError;
-  return changeState([&](State& state) {
+  return changeInputSourceState([&](InputSourceState& state) {
     state.registered.insert(place.string());
     return kNoError;
   });
@@ -245,7 +136,7 @@ Status registerInputMethod(const fs::path& bundle) {
 
 Status enableInputSource(const std::string& id) {
   std::string toAsk;
-  const Status status = changeState([&](State& state) {
+  const Status status = changeInputSourceState([&](InputSourceState& state) {
     const auto source = find(id, state);
     if (!source) return kParameterError;
     if (source->id == kBuiltInLayoutId) return kNoError;
@@ -263,7 +154,7 @@ Status enableInputSource(const std::string& id) {
 }
 
 Status disableInputSource(const std::string& id) {
-  return changeState([&](State& state) {
+  return changeInputSourceState([&](InputSourceState& state) {
     if (!findInBundle(id, state)) return kParameterError;
     setEnabled(state, id, false);
     return kNoError;
@@ -271,7 +162,7 @@ Status disableInputSource(const std::string& id) {
 }
 
 Status selectInputSource(const std::string& id) {
-  return changeState([&](State& state) {
+  return changeInputSourceState([&](InputSourceState& state) {
     const auto source = find(id, state);
     if (!source || !source->isEnabled || !source->isSelectCapable) return kParameterError;
     state.current = id;
@@ -280,7 +171,7 @@ Status selectInputSource(const std::string& id) {
 }
 
 Status allowInputMethod(const std::string& id) {
-  return changeState([&](State& state) {
+  return changeInputSourceState([&](InputSourceState& state) {
     const auto source = findInBundle(id, state);
     if (!source) return kParameterError;
     state.allowed.insert(source->bundleId);
@@ -291,7 +182,7 @@ Status allowInputMethod(const std::string& id) {
 }
 
 Status denyInputMethod(const std::string& id) {
-  return changeState([&](State& state) {
+  return changeInputSourceState([&](InputSourceState& state) {
     const auto source = findInBundle(id, state);
     if (!source) return kParameterError;
     state.allowed.erase(source->bundleId);
@@ -312,10 +203,6 @@ bool startInputSourceAgent(std::vector<std::string> arguments) {
   const auto root = rootArguments();
   arguments.insert(arguments.begin(), root.begin(), root.end());
   return startDetached(agent, arguments);
-}
-
-Observation observeInputSources(WatchedState watched, Block block) {
-  return StateWatch::shared()->observe(watched, std::move(block));
 }
 
 }  // namespace platform::linux_

@@ -14,13 +14,6 @@
 
 namespace platform::linux_ {
 
-/// Statuses of the system beside those of the contract.
-inline constexpr Status kInputOutputError = -36;
-inline constexpr Status kFileNotFound = -43;
-
-/// The built-in layout: always enabled, and current when nothing else is.
-inline constexpr const char* kBuiltInLayoutId = "com.apple.keylayout.ABC";
-
 /// A source as it is now. A base source carries the identifier of its bundle; a
 /// mode source has a mode identifier beside it.
 struct InputSourceInfo {
@@ -72,12 +65,5 @@ Status denyInputMethod(const std::string& id);
 /// Starts the agent of the running bundle on the same root and does not wait for
 /// it. Whether it has started; it needs a display.
 bool startInputSourceAgent(std::vector<std::string> arguments);
-
-enum class WatchedState { enabledSources, everything };
-
-/// Runs `block` on the main queue after any process, this one included, has
-/// changed the set of enabled sources or, if so asked, anything of the state,
-/// until the result is destroyed. Never null.
-[[nodiscard]] Observation observeInputSources(WatchedState watched, Block block);
 
 }  // namespace platform::linux_

@@ -8,6 +8,7 @@
 #include "platform/bundle.h"
 #include "platform/linux/file_root_linux.h"
 #include "platform/linux/property_list_file.h"
+#include "platform/linux/property_list_lookups.h"
 
 namespace platform {
 

@@ -1,23 +1,22 @@
 #include "platform/linux/property_list_file.h"
 
 #include <fcntl.h>
-#include <plist/plist.h>
 #include <sys/file.h>
 #include <unistd.h>
 
-#include <QFile>
-#include <QSaveFile>
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
-#include <clocale>
+#include <chrono>
 #include <cmath>
-#include <cstdlib>
 #include <iostream>
-#include <limits>
-#include <memory>
-#include <utility>
+#include <optional>
+#include <string>
+#include <thread>
 
-#include "platform/bundle.h"
+#include "platform/linux/property_list_codec.h"
+#include "platform/linux/property_list_limits.h"
+#include "platform/posix/regular_file.h"
 
 namespace platform::linux_ {
 
@@ -25,170 +24,65 @@ namespace {
 
 namespace fs = std::filesystem;
 
-struct NodeDeleter {
-  void operator()(void* node) const { plist_free(node); }
-};
-using Node = std::unique_ptr<void, NodeDeleter>;
-
-struct FreeDeleter {
-  void operator()(void* memory) const {
-    std::free(memory);  // NOLINT(cppcoreguidelines-owning-memory): libplist's own
+/// Whether this is the value, as far as a file can carry it.
+bool isCarriedAs(const PropertyListValue& carried, const PropertyListValue& value) {
+  if (const auto* array = value.as<PropertyListArray>()) {
+    const auto* other = carried.as<PropertyListArray>();
+    return other && std::ranges::equal(*other, *array, isCarriedAs);
   }
-};
-template <class T>
-using Malloced = std::unique_ptr<T, FreeDeleter>;
-
-/// Numbers with a decimal point in this thread: libplist reads them as the
-/// user's locale has them.
-class DecimalPoint {
- public:
-  DecimalPoint() : locale_(newlocale(LC_NUMERIC_MASK, "C", nullptr)), before_(uselocale(locale_)) {}
-  ~DecimalPoint() {
-    uselocale(before_);
-    freelocale(locale_);
+  if (const auto* dictionary = value.as<PropertyListDictionary>()) {
+    const auto* other = carried.as<PropertyListDictionary>();
+    return other && std::ranges::equal(*other, *dictionary, [](const auto& a, const auto& b) {
+             return a.first == b.first && isCarriedAs(a.second, b.second);
+           });
   }
-  DecimalPoint(const DecimalPoint&) = delete;
-  DecimalPoint& operator=(const DecimalPoint&) = delete;
-
- private:
-  locale_t locale_;
-  locale_t before_;
-};
-
-Node toNode(const PropertyListValue& value);
-
-struct NodeBuilder {
-  Node operator()(bool value) const { return Node(plist_new_bool(value ? 1 : 0)); }
-  // libplist writes the bits of a negative number as a signed one.
-  Node operator()(std::int64_t value) const {
-    return Node(plist_new_uint(static_cast<std::uint64_t>(value)));
+  if (const auto* real = value.as<double>()) {
+    const auto* other = carried.as<double>();
+    return other && (*other == *real || (std::isnan(*other) && std::isnan(*real)));
   }
-  Node operator()(double value) const { return Node(plist_new_real(value)); }
-  Node operator()(const std::string& value) const { return Node(plist_new_string(value.c_str())); }
-  Node operator()(const PropertyListDate& value) const {
-    using Limits = std::numeric_limits<std::int32_t>;
-    const double clamped =
-        std::clamp(value.secondsSince2001, double{Limits::min()}, double{Limits::max()});
-    const double seconds = std::floor(clamped);
-    return Node(plist_new_date(static_cast<std::int32_t>(seconds),
-                               static_cast<std::int32_t>(std::lround((clamped - seconds) * 1e6))));
-  }
-  Node operator()(const PropertyListData& value) const {
-    const char empty = 0;
-    return Node(plist_new_data(value.empty() ? &empty : reinterpret_cast<const char*>(value.data()),
-                               value.size()));
-  }
-  Node operator()(const PropertyListArray& value) const {
-    Node array(plist_new_array());
-    for (const auto& item : value) plist_array_append_item(array.get(), toNode(item).release());
-    return array;
-  }
-  Node operator()(const PropertyListDictionary& value) const {
-    Node dictionary(plist_new_dict());
-    for (const auto& [key, item] : value) {
-      plist_dict_set_item(dictionary.get(), key.c_str(), toNode(item).release());
-    }
-    return dictionary;
-  }
-  Node operator()(const ForeignKeyDictionary& /*value*/) const { return Node(plist_new_dict()); }
-};
-
-Node toNode(const PropertyListValue& value) {
-  return std::visit(NodeBuilder{}, value);
+  // Dates are rounded, and foreign keys are not carried.
+  if (value.as<PropertyListDate>()) return carried.as<PropertyListDate>() != nullptr;
+  if (value.as<ForeignKeyDictionary>())
+    return carried == PropertyListValue(PropertyListDictionary());
+  return carried == value;
 }
 
-PropertyListValue fromNode(plist_t node);
+/// XML where it reads back as the same value, else binary; absent if that does
+/// not read back either.
+std::optional<std::string> encodeForFile(const PropertyListDictionary& dictionary) {
+  const PropertyListValue value(dictionary);
+  const auto xml = encodePropertyList(value, PropertyListFormat::xml);
+  if (xml && decodePropertyList(*xml) == value) return xml;
+  auto binary = encodePropertyList(value, PropertyListFormat::binary);
+  const auto back = binary ? decodePropertyList(*binary) : std::nullopt;
+  return back && isCarriedAs(*back, value) ? binary : std::nullopt;
+}
 
-PropertyListDictionary dictionaryFrom(plist_t node) {
-  PropertyListDictionary dictionary;
-  plist_dict_iter started = nullptr;
-  plist_dict_new_iter(node, &started);
-  const Malloced<void> iterator(started);
-  while (true) {
-    char* key = nullptr;
-    plist_t item = nullptr;
-    plist_dict_next_item(node, iterator.get(), &key, &item);
-    const Malloced<char> owned(key);
-    if (!key || !item) return dictionary;
-    dictionary.insert_or_assign(key, fromNode(item));
+/// Writes all bytes, as far as the disk.
+bool writeToDisk(int file, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t count = ::write(file, bytes.data(), bytes.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return false;
+    bytes.remove_prefix(static_cast<std::size_t>(count));
   }
+  return ::fsync(file) == 0;
 }
 
-PropertyListValue fromNode(plist_t node) {
-  std::uint64_t length = 0;
-  switch (plist_get_node_type(node)) {
-    case PLIST_BOOLEAN:
-      return plist_bool_val_is_true(node) != 0;
-    case PLIST_UINT: {
-      std::uint64_t value = 0;
-      plist_get_uint_val(node, &value);
-      return static_cast<std::int64_t>(value);
-    }
-    case PLIST_REAL: {
-      double value = 0.0;
-      plist_get_real_val(node, &value);
-      return value;
-    }
-    case PLIST_STRING: {
-      const char* text = plist_get_string_ptr(node, &length);
-      return text ? std::string(text, length) : std::string();
-    }
-    case PLIST_DATE: {
-      std::int32_t seconds = 0;
-      std::int32_t microseconds = 0;
-      plist_get_date_val(node, &seconds, &microseconds);
-      return PropertyListDate{seconds + microseconds / 1e6};
-    }
-    case PLIST_DATA: {
-      const auto* bytes = reinterpret_cast<const std::byte*>(plist_get_data_ptr(node, &length));
-      return bytes ? PropertyListData(bytes, bytes + length) : PropertyListData();
-    }
-    case PLIST_ARRAY: {
-      PropertyListArray array;
-      const std::uint32_t size = plist_array_get_size(node);
-      for (std::uint32_t i = 0; i < size; ++i) {
-        array.push_back(fromNode(plist_array_get_item(node, i)));
-      }
-      return array;
-    }
-    case PLIST_DICT:
-      return dictionaryFrom(node);
-    case PLIST_UID: {
-      // As XML writes it.
-      std::uint64_t value = 0;
-      plist_get_uid_val(node, &value);
-      return PropertyListDictionary{{"CF$UID", static_cast<std::int64_t>(value)}};
-    }
-    default:
-      return std::string();
+/// Replaces the file once the new one is whole on the disk. Under the lock, so
+/// the new one may always have the same name; one left behind is overwritten.
+bool replaceFile(const fs::path& path, std::string_view bytes) {
+  const fs::path fresh = path.string() + ".new";
+  ::unlink(fresh.c_str());
+  Descriptor file(::open(fresh.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+  if (!file) return false;
+  if (writeToDisk(file.get(), bytes) && ::rename(fresh.c_str(), path.c_str()) == 0) {
+    const Descriptor folder(::open(path.parent_path().c_str(), O_RDONLY | O_CLOEXEC));
+    ::fsync(folder.get());
+    return true;
   }
-}
-
-/// XML where it reads back as the same value and is well-formed, else binary.
-std::string encodeForFile(const PropertyListDictionary& dictionary) {
-  std::string xml = encodePropertyList(dictionary, PropertyListFormat::xml);
-  const bool wellFormed = std::none_of(xml.begin(), xml.end(), [](unsigned char c) {
-    return c < ' ' && c != '\t' && c != '\n' && c != '\r';
-  });
-  const auto back = decodePropertyList(xml);
-  if (wellFormed && back && *back == PropertyListValue(dictionary)) return xml;
-  return encodePropertyList(dictionary, PropertyListFormat::binary);
-}
-
-std::optional<std::string> readFile(const fs::path& path) {
-  QFile file(QString::fromStdString(path.string()));
-  if (!file.open(QIODevice::ReadOnly)) return std::nullopt;
-  const QByteArray bytes = file.readAll();
-  if (file.error() != QFileDevice::NoError) return std::nullopt;
-  return bytes.toStdString();
-}
-
-bool replaceFile(const fs::path& path, const std::string& bytes) {
-  QSaveFile file(QString::fromStdString(path.string()));
-  return file.open(QIODevice::WriteOnly) &&
-         file.write(bytes.data(), static_cast<qint64>(bytes.size())) ==
-             static_cast<qint64>(bytes.size()) &&
-         file.commit();
+  ::unlink(fresh.c_str());
+  return false;
 }
 
 /// Holds the lock of a folder. It lies on a file of its own: the files that it
@@ -196,29 +90,36 @@ bool replaceFile(const fs::path& path, const std::string& bytes) {
 class FolderLock {
  public:
   explicit FolderLock(const fs::path& folder)
-      : file_(open((folder / ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600)) {
-    while (file_ >= 0 && flock(file_, LOCK_EX) != 0) {
+      : file_(::open((folder / ".lock").c_str(),
+                     O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0600)) {
+    using Clock = std::chrono::steady_clock;
+    // Each edit takes milliseconds, so who keeps the lock for longer is stopped.
+    // After one wait in vain the next edits do not wait until the lock is free again.
+    static std::atomic<bool> isHolderStuck = false;
+    const auto end = Clock::now() + std::chrono::milliseconds(isHolderStuck ? 0 : 500);
+    while (file_ && ::flock(file_.get(), LOCK_EX | LOCK_NB) != 0) {
       if (errno == EINTR) continue;
-      close(file_);
-      file_ = -1;
+      const bool isTooLate = errno == EWOULDBLOCK && Clock::now() >= end;
+      if (isTooLate) isHolderStuck = true;
+      if (isTooLate || errno != EWOULDBLOCK) {
+        file_.close();
+      } else {
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+      }
     }
+    if (file_) isHolderStuck = false;
   }
-  ~FolderLock() {
-    if (file_ >= 0) close(file_);
-  }
-  FolderLock(const FolderLock&) = delete;
-  FolderLock& operator=(const FolderLock&) = delete;
 
-  bool isHeld() const { return file_ >= 0; }
+  bool isHeld() const { return static_cast<bool>(file_); }
 
  private:
-  int file_;
+  Descriptor file_;
 };
 
 bool keepAside(const fs::path& file) {
   std::error_code error;
   fs::path kept = file.string() + ".damaged";
-  for (int i = 2; fs::exists(kept, error); ++i) {
+  for (int i = 2; fs::exists(fs::symlink_status(kept, error)); ++i) {
     kept = file.string() + ".damaged-" + std::to_string(i);
   }
   fs::rename(file, kept, error);
@@ -228,52 +129,6 @@ bool keepAside(const fs::path& file) {
 }
 
 }  // namespace
-
-std::string encodePropertyList(const PropertyListValue& value, PropertyListFormat format) {
-  const Node node = toNode(value);
-  char* bytes = nullptr;
-  std::uint32_t length = 0;
-  if (format == PropertyListFormat::xml) {
-    plist_to_xml(node.get(), &bytes, &length);
-  } else {
-    plist_to_bin(node.get(), &bytes, &length);
-  }
-  const Malloced<char> owned(bytes);
-  return bytes ? std::string(bytes, length) : std::string();
-}
-
-std::optional<PropertyListValue> decodePropertyList(std::string_view bytes) {
-  if (bytes.empty() || bytes.size() > std::numeric_limits<std::uint32_t>::max())
-    return std::nullopt;
-  const DecimalPoint decimalPoint;
-  plist_t parsed = nullptr;
-  plist_from_memory(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &parsed);
-  const Node node(parsed);
-  return node ? std::optional(fromNode(node.get())) : std::nullopt;
-}
-
-const PropertyListValue* valueIn(const PropertyListDictionary& dictionary, const std::string& key) {
-  const auto found = dictionary.find(key);
-  return found != dictionary.end() ? &found->second : nullptr;
-}
-
-std::optional<std::string> textIn(const PropertyListDictionary& dictionary,
-                                  const std::string& key) {
-  const auto* value = valueIn(dictionary, key);
-  const auto* text = value ? value->as<std::string>() : nullptr;
-  return text ? std::optional(*text) : std::nullopt;
-}
-
-std::vector<std::string> textsIn(const PropertyListDictionary& dictionary, const std::string& key) {
-  std::vector<std::string> texts;
-  const auto* value = valueIn(dictionary, key);
-  if (const auto* array = value ? value->as<PropertyListArray>() : nullptr) {
-    for (const auto& item : *array) {
-      if (const auto* text = item.as<std::string>()) texts.push_back(*text);
-    }
-  }
-  return texts;
-}
 
 bool editPropertyListFile(const fs::path& file,
                           const std::function<void(PropertyListDictionary&)>& change) {
@@ -286,7 +141,7 @@ bool editPropertyListFile(const fs::path& file,
   const bool exists = fs::exists(file, error);
   if (error) return false;
   if (exists) {
-    const auto bytes = readFile(file);
+    const auto bytes = readRegularFile(file, kPropertyListSizeLimit + 1);
     if (!bytes) return false;
     const auto value = decodePropertyList(*bytes);
     if (const auto* dictionary = value ? value->as<PropertyListDictionary>() : nullptr) {
@@ -297,19 +152,9 @@ bool editPropertyListFile(const fs::path& file,
   }
   PropertyListDictionary after = before;
   change(after);
-  return after == before || replaceFile(file, encodeForFile(after));
+  if (after == before) return true;
+  const auto bytes = encodeForFile(after);
+  return bytes && replaceFile(file, *bytes);
 }
 
 }  // namespace platform::linux_
-
-namespace platform {
-
-std::optional<PropertyListDictionary> readPropertyListDictionary(
-    const std::filesystem::path& file) {
-  const auto bytes = linux_::readFile(file);
-  const auto value = bytes ? linux_::decodePropertyList(*bytes) : std::nullopt;
-  const auto* dictionary = value ? value->as<PropertyListDictionary>() : nullptr;
-  return dictionary ? std::optional(*dictionary) : std::nullopt;
-}
-
-}  // namespace platform

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "platform/linux/input_source_service.h"
+#include "platform/linux/input_source_state.h"
 
 namespace platform {
 

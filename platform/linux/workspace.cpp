@@ -9,6 +9,8 @@
 #include "platform/linux/file_root_linux.h"
 #include "platform/linux/input_source_service.h"
 #include "platform/linux/property_list_file.h"
+#include "platform/linux/property_list_lookups.h"
+#include "platform/linux/status.h"
 
 namespace platform {
 

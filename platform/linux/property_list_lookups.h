@@ -1,0 +1,41 @@
+// Look-ups in a dictionary of a property list.
+
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/property_list.h"
+
+namespace platform::linux_ {
+
+/// The value under `key`; null if there is none. The dictionary owns it.
+inline const PropertyListValue* valueIn(const PropertyListDictionary& dictionary,
+                                        const std::string& key) {
+  const auto found = dictionary.find(key);
+  return found != dictionary.end() ? &found->second : nullptr;
+}
+
+/// The string under `key`; absent if there is none or it is another kind.
+inline std::optional<std::string> textIn(const PropertyListDictionary& dictionary,
+                                         const std::string& key) {
+  const auto* value = valueIn(dictionary, key);
+  const auto* text = value ? value->as<std::string>() : nullptr;
+  return text ? std::optional(*text) : std::nullopt;
+}
+
+/// The strings of the array under `key`, in its order; other kinds are skipped.
+inline std::vector<std::string> textsIn(const PropertyListDictionary& dictionary,
+                                        const std::string& key) {
+  std::vector<std::string> texts;
+  const auto* value = valueIn(dictionary, key);
+  if (const auto* array = value ? value->as<PropertyListArray>() : nullptr) {
+    for (const auto& item : *array) {
+      if (const auto* text = item.as<std::string>()) texts.push_back(*text);
+    }
+  }
+  return texts;
+}
+
+}  // namespace platform::linux_

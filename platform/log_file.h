@@ -1,0 +1,21 @@
+// The files of an installation's log. They lie in a folder that everybody may
+// write, so anything may have been put in their place. Only a regular file with
+// one name is opened, never through a link; all else counts as a log that cannot
+// be opened, and a log that cannot be written stops nothing. Any thread; no call
+// blocks.
+
+#pragma once
+
+#include <filesystem>
+#include <string_view>
+
+namespace platform {
+
+/// Empties the log, or creates it if there is none. A failure is ignored.
+void emptyLogFile(const std::filesystem::path& path);
+
+/// Appends one entry to the log, and creates the log if there is none. A failure
+/// is ignored.
+void appendToLogFile(const std::filesystem::path& path, std::string_view entry);
+
+}  // namespace platform

@@ -1,0 +1,48 @@
+#include "platform/log_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "platform/posix/regular_file.h"
+
+namespace platform {
+
+namespace {
+
+/// The log, open for writing; none if it cannot be opened or must not be.
+Descriptor openLog(const std::filesystem::path& path) {
+  // Two opens, as the first must not be able to create: the kernel may refuse such
+  // an open even to root, on a file of another user in a sticky folder.
+  Descriptor file = openRegularFile(path, O_WRONLY | O_NOFOLLOW);
+  if (!file && errno == ENOENT)
+    file = Descriptor(
+        ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644));
+  struct stat status {};
+  // A second name may be that of a file which the user wants to keep.
+  if (!file || ::fstat(file.get(), &status) != 0 || status.st_nlink != 1) return {};
+  return file;
+}
+
+}  // namespace
+
+void emptyLogFile(const std::filesystem::path& path) {
+  const Descriptor file = openLog(path);
+  // Nothing can be done about a failure; a log stops nothing.
+  if (file && ::ftruncate(file.get(), 0) != 0) return;
+}
+
+void appendToLogFile(const std::filesystem::path& path, std::string_view entry) {
+  const Descriptor file = openLog(path);
+  if (!file || ::lseek(file.get(), 0, SEEK_END) < 0) return;
+  while (!entry.empty()) {
+    const ssize_t count = ::write(file.get(), entry.data(), entry.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return;
+    entry.remove_prefix(static_cast<std::size_t>(count));
+  }
+}
+
+}  // namespace platform
