@@ -3,6 +3,7 @@
 # make check  format, clang-tidy, shellcheck, qmllint, documents, sanitized unit tests
 # make demo   the whole installation with real clicks, a screenshot a step
 # make bench  what things cost
+# make fuzz   every fuzz target for a minute
 # Each of these sets up this machine first, if something is missing.
 # make        builds, and installs nothing
 # make setup  sets up this machine
@@ -10,7 +11,7 @@
 PRESET := release
 APP := build/Orvane Installer.app
 
-.PHONY: all setup run test check demo bench format sanitize macos-check clean
+.PHONY: all setup run test check demo bench fuzz format sanitize macos-check clean
 
 all:
 	@tools/setup.sh --check
@@ -46,6 +47,22 @@ sanitize:
 
 check:
 	@tools/check.sh
+
+# Every fuzz target for a minute, from the corpus in the repository. What it finds
+# on the way stays in build/fuzz; an input that fails is kept there as well.
+FUZZ_TARGETS := admin_script_source install_log_chunk property_list_bytes preferences input_source_state
+FUZZ_SECONDS := 60
+
+fuzz: setup
+	@cmake --preset fuzz --log-level=WARNING >/dev/null
+	@cmake --build --preset fuzz --target $(FUZZ_TARGETS:%=fuzz_%)
+	@for target in $(FUZZ_TARGETS); do \
+	  found=build/fuzz/found/$$target; mkdir -p $$found; \
+	  ASAN_OPTIONS=detect_leaks=0 build/fuzz/tests/fuzz/fuzz_$$target -max_total_time=$(FUZZ_SECONDS) \
+	    -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 -artifact_prefix=$$found- \
+	    $$found tests/fuzz/corpus/$$target 2>$$found.log || { tail -n 40 $$found.log; exit 1; }; \
+	  echo "$$target: $$(grep -o 'number_of_executed_units: [0-9]*' $$found.log | grep -o '[0-9]*$$') inputs"; \
+	done
 
 format:
 	@git ls-files '*.cpp' '*.h' '*.mm' ':!tools/macos-sdk' | xargs clang-format -i
