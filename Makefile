@@ -22,7 +22,7 @@ setup:
 	@tools/setup.sh
 
 # What these targets need is set up before all of them.
-run test check demo bench sanitize:
+run test check demo bench sanitize: setup
 run test demo bench: all
 
 run:
