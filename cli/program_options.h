@@ -11,7 +11,7 @@ inline constexpr int kBadUsage = 64;
 /// those that it has already.
 void addCommonOptions(CLI::App& program);
 
-/// Readies the process and reads the arguments, before anything else is done. Absent if the program is to go on, else the status with
-/// which it is to end: help or version have been printed, or what is wrong has
-/// been said on standard error.
+/// Readies the process and reads the arguments, before anything else is done. Absent if the program
+/// is to go on, else the status with which it is to end: help or version have been printed, or what
+/// is wrong has been said on standard error.
 std::optional<int> parseArguments(CLI::App& program, int argc, char** argv);

@@ -78,8 +78,8 @@ void ContentView::startInstallation() {
 
   const std::string source = platform::composeAdminScriptSource(
       {script->string(), adminPrompt(platform::bundleLocation())});
-  const auto handOver = [view = weak_from_this(), tail](
-                            const std::optional<platform::AdminScriptError>& error) {
+  const auto handOver = [view = weak_from_this(),
+                         tail](const std::optional<platform::AdminScriptError>& error) {
     // These blocks alone own the follower, so it ends with its run. If the view owned
     // it, a second run would wait on the main thread for the end of the first one.
     platform::asyncOnMain([view, tail, error] {

@@ -28,8 +28,8 @@ std::optional<AdminScriptError> executeAdminScript(const std::string& source);
 
 /// Ends the script that is being executed, within a second and as far as the
 /// system lets this process do so: a pending password prompt is dismissed, and a
-/// script of the same user is sent SIGTERM, then killed. None is started any more.
-/// False if a script with higher rights runs on. Main thread.
+/// script is sent SIGTERM; one of the same user is killed if it does not heed that.
+/// None is started any more. False if a script with higher rights runs on. Main thread.
 bool interruptAdminScript();
 
 }  // namespace platform

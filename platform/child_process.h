@@ -60,7 +60,7 @@ class ChildProcess {
 
   /// Asks the group to end, again and again; kills (SIGKILL) what is left of it
   /// when the child has ended, or after `patience`. False if the child runs on
-  /// even so: it has higher rights than this process.
+  /// even so, because this process has not the right to kill it.
   bool end(std::chrono::milliseconds patience);
 
  private:

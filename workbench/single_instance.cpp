@@ -17,8 +17,7 @@ SingleInstance::SingleInstance(const std::string& name)
 }
 
 bool SingleInstance::take() {
-  platform::Descriptor file(
-      ::open(file_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+  platform::Descriptor file(::open(file_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
   // Without a place to hold, a window too many is better than none.
   if (file && ::flock(file.get(), LOCK_EX | LOCK_NB) != 0) {
     ::futimens(file.get(), nullptr);  // what the holder watches for

@@ -93,8 +93,8 @@ std::optional<bool> askInTerminal(const std::string& prompt, int installer, int 
     write(terminal.get(), "\n");
   }
   const bool isGiven = length > 0 && line[static_cast<std::size_t>(length) - 1] == '\n';
-  const bool isPrinted = isGiven && ::write(STDOUT_FILENO, line.data(),
-                                            static_cast<std::size_t>(length)) == length;
+  const bool isPrinted =
+      isGiven && ::write(STDOUT_FILENO, line.data(), static_cast<std::size_t>(length)) == length;
   ::explicit_bzero(line.data(), line.size());
   return isPrinted;
 }

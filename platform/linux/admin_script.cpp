@@ -14,6 +14,7 @@
 #include <iterator>
 #include <mutex>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 #include "platform/bundle.h"
@@ -42,16 +43,19 @@ constexpr std::array kNotAllowed = {"is not in the sudoers file"sv, "may not run
 // A script that rolls back gets this long; an interruption takes a second at most.
 constexpr auto kPatience = 500ms;
 
+enum class Rights { user, administrator };
+
 /// The one child of the execution that is going on, and how to end it from
 /// another thread.
 class Execution {
  public:
   /// Launches the child unless there was an interruption. False if there was.
-  bool launch(ChildProcess& child, std::optional<std::string>& problem) {
+  bool launch(ChildProcess& child, Rights rights, std::optional<std::string>& problem) {
     const std::lock_guard lock(mutex_);
     if (isInterrupted_) return false;
     problem = child.launch();
     if (!problem) child_ = &child;
+    rights_ = rights;
     return true;
   }
 
@@ -63,13 +67,26 @@ class Execution {
   bool interrupt() {
     const std::lock_guard lock(mutex_);
     isInterrupted_ = true;
-    return !child_ || child_->end(kPatience);
+    if (!child_) return true;
+    return rights_ == Rights::user ? child_->end(kPatience) : askToEnd();
   }
 
  private:
+  /// sudo passes the request on. It is not killed: its script would go on without it.
+  bool askToEnd() const {
+    constexpr int kRequests = 5;
+    for (int request = 0; request < kRequests && child_->isRunning(); ++request) {
+      child_->terminate();
+      for (auto waited = 0ms; waited < kPatience / kRequests && child_->isRunning(); waited += 5ms)
+        std::this_thread::sleep_for(5ms);
+    }
+    return !child_->isRunning();
+  }
+
   std::mutex mutex_;
   bool isInterrupted_ = false;
   ChildProcess* child_ = nullptr;
+  Rights rights_ = Rights::user;
 };
 
 Execution execution;
@@ -96,21 +113,20 @@ std::string readable(const std::string& bytes) {
 
 /// Runs a program to its end.
 Outcome run(const std::string& program, const std::vector<std::string>& arguments,
-            std::map<std::string, std::string> environment) {
+            std::map<std::string, std::string> environment, Rights rights = Rights::user) {
   // Of a script that says much, the end counts.
   constexpr std::size_t kMost = 64 * 1024;
   std::string said;
   int status = 0;
   {
-    ChildProcess child(
-        program, arguments,
-        [&said](std::string_view piece) {
-          said += piece;
-          if (said.size() > 2 * kMost) said.erase(0, said.size() - kMost);
-        },
-        {Capture::errors, std::move(environment)});
+    ChildProcess child(program, arguments,
+                       [&said](std::string_view piece) {
+                         said += piece;
+                         if (said.size() > 2 * kMost) said.erase(0, said.size() - kMost);
+                       },
+                       {Capture::errors, std::move(environment)});
     std::optional<std::string> problem;
-    if (!execution.launch(child, problem)) return {kAdminScriptCancelled, ""};
+    if (!execution.launch(child, rights, problem)) return {kAdminScriptCancelled, ""};
     if (problem) return {kNotFound, *problem};
     status = child.wait();
     execution.finished();
@@ -174,8 +190,9 @@ std::optional<AdminScriptError> runWithSudo(const AdminScript& script) {
   std::string prompt;
   for (const char c : script.prompt) prompt.append(c == '%' ? 2 : 1, c);
   const char* const usual = "/usr/bin/sudo";
-  const Outcome outcome = run(::access(usual, X_OK) == 0 ? usual : "sudo",
-                              {"-A", "-k", "-p", prompt, "--", "/bin/sh", script.path}, environment);
+  const std::string sudo = ::access(usual, X_OK) == 0 ? usual : "sudo";
+  const Outcome outcome = run(sudo, {"-A", "-k", "-p", prompt, "--", "/bin/sh", script.path},
+                              environment, Rights::administrator);
   if (outcome.status == 0) return std::nullopt;
   const std::string& said = outcome.standardError;
   if (contains(said, linux_::kCannotAsk) || contains(said, kAskpassFailed)) return result(outcome);

@@ -42,8 +42,7 @@ namespace {
 /// The null device for each standard stream that is closed.
 void openStandardStreams() {
   int descriptor = 0;
-  while (descriptor >= 0 && descriptor <= STDERR_FILENO)
-    descriptor = ::open("/dev/null", O_RDWR);
+  while (descriptor >= 0 && descriptor <= STDERR_FILENO) descriptor = ::open("/dev/null", O_RDWR);
   if (descriptor > STDERR_FILENO) ::close(descriptor);
 }
 

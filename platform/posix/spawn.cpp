@@ -61,7 +61,9 @@ class FileActions {
       posix_spawn_file_actions_addinherit_np(&actions_, standard);
 #endif
   }
-  const posix_spawn_file_actions_t* get() const { return &actions_; }
+  const posix_spawn_file_actions_t* get() const {
+    return &actions_;
+  }
 
  private:
   posix_spawn_file_actions_t actions_{};
@@ -89,10 +91,14 @@ class Attributes {
 #endif
     posix_spawnattr_setflags(&attributes_, static_cast<short>(flags));
   }
-  ~Attributes() { posix_spawnattr_destroy(&attributes_); }
+  ~Attributes() {
+    posix_spawnattr_destroy(&attributes_);
+  }
   Attributes(const Attributes&) = delete;
   Attributes& operator=(const Attributes&) = delete;
-  const posix_spawnattr_t* get() const { return &attributes_; }
+  const posix_spawnattr_t* get() const {
+    return &attributes_;
+  }
 
  private:
   posix_spawnattr_t attributes_{};
