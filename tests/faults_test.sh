@@ -10,7 +10,7 @@
 set -u
 . "$(dirname "$0")/support.sh"
 
-app=$1
+app=$(cd "$1" && pwd) || exit 1
 shift
 wanted=" $* "
 work=$(mktemp -d)
@@ -57,6 +57,10 @@ hiding() {
 by() { runner=$1; }
 limited() { (ulimit $limit && exec "$@"); }
 limit() { limit=$1 runner=limited; }
+little_memory() {
+  ! grep -qs __asan_init "$app/Contents/MacOS/orvane-install" || skipped="a sanitizer needs much"
+  limit "-v 60000"
+}
 # As a user of its own, who may have so many processes and threads.
 crowded() { prlimit --nproc="$limit" setpriv --reuid=54321 --clear-groups "$@"; }
 few_processes() {
@@ -90,10 +94,13 @@ installed() {
 
 # ---- the run of a row
 
+# The bracket keeps grep from finding itself.
 nothing_left() {
-  ! grep -lsaF -e "$work/" /proc/[0-9]*/cmdline | grep -v /self/ >"$work/left" &&
-    ! grep -lsazxF -e "INSTALL_ROOT=$root" -e "ORVANE_INSTALLER_PROCESS=$front" /proc/[0-9]*/environ >>"$work/left"
+  grep -lsa -e "[/]${work#/}/" /proc/[0-9]*/cmdline >"$work/left"
+  grep -lsazxF -e "INSTALL_ROOT=$root" -e "ORVANE_INSTALLER_PROCESS=$front" /proc/[0-9]*/environ >>"$work/left"
+  [ ! -s "$work/left" ]
 }
+has() { [ "$2" = - ] || grep -qsF -- "$2" "$1"; }
 happened() {
   case $event in
     prompt) [ -e "$work/prompt" ] ;;
@@ -104,7 +111,7 @@ happened() {
 
 row() { # NAME SETUP STATUS ERROR LOG
   bundle=$app root=$work/$(echo "$1" | tr ' ' -) askpass=/bin/true options=--no-wait
-  event='' action='' runner=env signalled='' limit='' keys='' hidden='' skipped=''
+  event='' action='' runner='env' signalled='' limit='' keys='' hidden='' skipped=''
   ui_log=$root/tmp/tessal_installer_ui.log
   rm -rf "$work/copy.app" "$work/prompt"
   eval "$2"
@@ -131,7 +138,7 @@ row() { # NAME SETUP STATUS ERROR LOG
   [ -z "$keys" ] || ! grep -qF geheim "$root.tty" || fail "$1: the password is shown"
   # The next run is as if nothing had been.
   if [ "$3" -gt 128 ]; then
-    runner=env
+    runner='env'
     SUDO_ASKPASS=/bin/true "$app/Contents/MacOS/orvane-install" --root "$root" --no-wait >/dev/null 2>&1
     expect "$1: exit status of the next run" $? 3
   fi
@@ -148,8 +155,8 @@ chmod 755 "$asleep" "$work/bad-interpreter"
 
 sed 's/^ *#.*//; /^ *$/d' <<'ROWS' >"$work/rows"
 # Programs that are missing
-tail missing            | hide tail                                            | 3   | - | 无法启动日志跟踪: /usr/bin/tail: No such file
-unzip missing           | hide unzip zipinfo                                   | 1   | 安装失败 | unzip: not found
+tail missing            | script "tail() { $work/bin/tail \"\$@\"; }"; hide tail   | 3   | - | 无法启动日志跟踪: /usr/bin/tail: No such file
+unzip missing           | hide unzip bsdtar                                    | 1   | 安装失败 | unzip: not found
 killall missing         | installed; hide killall; options=                    | 0   | - | 启用路径：覆盖安装
 setpriv missing         | hide setpriv                                         | 3   | - | 启用路径：全新安装
 askpass missing         | askpass=$work/none                                   | 1   | 安装失败 | none: No such file or directory
@@ -183,7 +190,7 @@ killed while waiting    | options=; when trigger=enter-waiting 'kill -9 $front' 
 few descriptors         | limit "-n 30"                                        | 1   | no file can be opened | -
 no thread               | few_processes 1                                      | 1   | no thread can be started | -
 no process              | few_processes 2                                      | 1   | 安装失败 | 管理员授权失败: /usr/bin/setpriv: Resource temporarily unavailable
-little memory           | limit "-v 120000"                                    | 1   | - | -
+little memory           | little_memory                                        | 1   | - | -
 # Odd surroundings
 German, then Chinese    | by "env LC_ALL=C.UTF-8 LANGUAGE=de:zh_CN"; askpass=/bin/false | 2 | 未获得管理员授权 | -
 no locale               | by "env LC_ALL=C"                                    | 3   | - | 启用路径：全新安装

@@ -42,6 +42,11 @@ for keys in Escape alt+F4 "Tab space"; do
   [ ! -s "$work/out" ] || fail "$keys gives the password away"
 done
 ask; kill "$running"; ended SIGTERM 143
+sleep 60 & ORVANE_INSTALLER_PROCESS=$!
+export ORVANE_INSTALLER_PROCESS
+ask; kill $ORVANE_INSTALLER_PROCESS; ended "installer gone" 1
+wait $ORVANE_INSTALLER_PROCESS 2>/dev/null
+unset ORVANE_INSTALLER_PROCESS
 DISPLAY=:none "$helpers/askpass" >"$work/out" 2>"$work/err"
 expect "status without a display" $? 1
 grep -q 'cannot ask for the password' "$work/err" || fail "no reason: $(cat "$work/err")"

@@ -2,6 +2,9 @@
 
 #include <sys/stat.h>
 
+#include <atomic>
+#include <thread>
+
 #include "tests/view_test.h"
 
 namespace {
@@ -163,6 +166,32 @@ TEST_F(InstallationTest, MissingScriptAndMissingFollower) {
   platform.drain();
   EXPECT_EQ(calls({"terminate"}), Lines{});
   EXPECT_EQ(calls({"execute"}), Lines{kExecute});
+}
+
+TEST_F(InstallationTest, MissingWorkerEndsTheRun) {
+  platform.workerProblem = "no thread";
+  view->userPressedInstall();
+  platform.drain();
+  EXPECT_EQ(view->installationStatus->message(), "安装失败");
+  EXPECT_EQ(uiLog(), "管理员授权失败: no thread\n");
+  EXPECT_EQ(calls({"execute"}), Lines{});
+  EXPECT_EQ(calls({"terminate"}), Lines{"terminate"});
+}
+
+TEST_F(InstallationTest, ReaderOfTheLogWaitsForTheMainQueueAndEndsWithTheRun) {
+  view->userPressedInstall();
+  const std::string piece(64 * 1024, 'x');
+  constexpr std::size_t kPiecesOfTheBacklog = 16;
+  std::atomic<std::size_t> read = 0;
+  std::thread reader([&] {
+    for (int i = 0; i < 100; ++i, ++read) platform.outputHandler(piece);
+  });
+  while (read < kPiecesOfTheBacklog) std::this_thread::yield();
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  EXPECT_EQ(read, kPiecesOfTheBacklog);
+  // The run and its follower go while the reader waits.
+  platform.workerBlocks.clear();
+  reader.join();
 }
 
 TEST_F(InstallationTest, RefusalAndFailureKeepTheRunOnScreen) {

@@ -142,6 +142,35 @@ TEST(Contract, ChildEndsWhenToldAndWithItsHandle) {
   runAndWait("/no/such/tool", {});
 }
 
+TEST(Contract, ChildGetsItsEnvironmentNoInputAndAGroupThatEndsWithIt) {
+  std::string errors;
+  const auto hear = [&](std::string_view piece) { errors += piece; };
+  ::setenv("ORVANE_REPLACED", "before", 1);
+  {
+    ChildProcess child("sh",
+                       {"-c",
+                        "echo dropped; read line; echo \"$?$ORVANE_ADDED$ORVANE_REPLACED\" >&2; "
+                        "kill -9 $$"},
+                       hear,
+                       {Capture::errors, {{"ORVANE_ADDED", " 好 "}, {"ORVANE_REPLACED", "after"}}});
+    ASSERT_EQ(child.launch(), std::nullopt);
+    EXPECT_EQ(child.wait(), 128 + 9);
+    EXPECT_EQ(child.wait(), 128 + 9);
+    EXPECT_TRUE(child.end(0ms));
+  }
+  EXPECT_EQ(errors, "1 好 after\n");
+
+  errors.clear();
+  ChildProcess stubborn("/bin/sh", {"-c", "trap '' TERM; sleep 100 & echo $! >&2; wait; sleep 100"},
+                        hear);
+  ASSERT_EQ(stubborn.launch(), std::nullopt);
+  std::thread waiter([&] { EXPECT_EQ(stubborn.wait(), 128 + 9); });
+  std::this_thread::sleep_for(100ms);
+  EXPECT_TRUE(stubborn.end(50ms));
+  waiter.join();
+  EXPECT_FALSE(stubborn.isRunning());
+}
+
 TEST(Contract, AdminScriptOfAnotherFormIsAnError) {
   for (const char* source :
        {"", "do shell script \"id\"",

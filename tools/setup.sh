@@ -26,6 +26,7 @@ packages='
   fonts-noto-cjk librsvg2-bin icnsutils
   zip unzip libarchive-tools openssl perl-base sudo
   xvfb xauth xdotool openbox x11-utils imagemagick
+  procps
   clang-14 clang-format clang-tidy libclang-rt-14-dev shellcheck llvm-14
 '
 missing=
