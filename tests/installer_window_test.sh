@@ -106,4 +106,21 @@ ended "安装成功"
 expect "current source" "$("$app/Contents/Helpers/input-sources" --root "$root" current)" \
   com.tessal.inputmethod.Orvane.pinyin
 
+echo "the display is lost while the script runs"
+bundle=$work/copy.app
+cp -R "$app" "$bundle"
+echo 'echo holding >>"$INSTALL_ROOT/tmp/tessal_installer.log"; sleep 60' >"$bundle/Contents/Resources/install.sh"
+Xvfb -displayfd 3 -noreset -screen 0 1280x1024x24 -nolisten tcp 3>"$work/display" 2>/dev/null & other_server=$!
+await "another display" test -s "$work/display"
+DISPLAY=:$(cat "$work/display")
+app=$bundle
+open_installer
+xdotool windowfocus --sync "$window" key Tab space
+await "the script" ui_log_has holding
+kill -9 $other_server
+wait_for_end $installer
+expect "exit status" $? 1
+installer=
+await "the end of the script" sh -c "! grep -lsazxF -e 'INSTALL_ROOT=$root' /proc/[0-9]*/environ"
+
 finish
