@@ -117,6 +117,25 @@ row right SUDO_ASKPASS=/app/askpass-slow 3 '启用路径：全新安装'
 wait $watch
 [ ! -e "$machine/seen" ] || fail "the password was in arguments or an environment"
 
+# In a terminal without a display. su would give it a session without the terminal.
+in_terminal() { # in_terminal KEYS EXPECTED_STATUS
+  : >"$machine/typed"
+  (
+    tries=0
+    until grep -q 想要进行更改 "$machine/typed" || [ $((tries += 1)) -gt 100 ]; do sleep 0.1; done
+    sleep 0.3
+    printf "$1"
+    sleep 3
+  ) | env -u DISPLAY -u SUDO_ASKPASS HOME=/home/installer-tester timeout 60 script -qefc "chroot '$machine' \
+    setpriv --reuid=installer-tester --regid=installer-tester --init-groups \
+    '$app/Contents/MacOS/orvane-install' --no-wait; s=\$?; stty -a | grep -q ' echo ' || s=99; exit \$s" \
+    "$machine/typed" >/dev/null
+  expect "typed in the terminal: $1" $? "$2"
+  ! grep -qF "$password" "$machine/typed" || fail "the password is shown"
+}
+in_terminal "$password\n" 3
+in_terminal "das\003" 2
+
 rm -f "$ui_log"
 echo "right, and allowed"
 as_user "SUDO_ASKPASS=/app/askpass-right timeout 100 '$app/Contents/MacOS/orvane-install'" >/dev/null 2>&1 & front=$!
