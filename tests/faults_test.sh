@@ -77,13 +77,8 @@ in_terminal() {
   command=
   for word; do command="$command '$word'"; done
   : >"$root.tty"
-  (
-    tries=0
-    until grep -q 想要进行更改 "$root.tty" || [ $((tries += 1)) -gt 100 ]; do sleep 0.1; done
-    sleep 0.3
-    printf "$keys"
-    sleep 1
-  ) | script_command -qefc "$command 2>'$root.err'; s=\$?; stty -a | grep -q ' echo ' || s=99; exit \$s" "$root.tty"
+  type_at_prompt "$keys" "$root.tty" |
+    script_command -qefc "$command 2>'$root.err'; s=\$?; stty -a | grep -q ' echo ' || s=99; exit \$s" "$root.tty"
 }
 script_command() { command script "$@" >/dev/null; }
 own_askpass() { askpass=; }

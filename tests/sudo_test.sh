@@ -120,13 +120,8 @@ wait $watch
 # In a terminal without a display. su would give it a session without the terminal.
 in_terminal() { # in_terminal KEYS EXPECTED_STATUS
   : >"$machine/typed"
-  (
-    tries=0
-    until grep -q 想要进行更改 "$machine/typed" || [ $((tries += 1)) -gt 100 ]; do sleep 0.1; done
-    sleep 0.3
-    printf "$1"
-    sleep 3
-  ) | env -u DISPLAY -u SUDO_ASKPASS HOME=/home/installer-tester timeout 60 script -qefc "chroot '$machine' \
+  type_at_prompt "$1" "$machine/typed" |
+    env -u DISPLAY -u SUDO_ASKPASS HOME=/home/installer-tester timeout 60 script -qefc "chroot '$machine' \
     setpriv --reuid=installer-tester --regid=installer-tester --init-groups \
     '$app/Contents/MacOS/orvane-install' --no-wait; s=\$?; stty -a | grep -q ' echo ' || s=99; exit \$s" \
     "$machine/typed" >/dev/null

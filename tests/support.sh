@@ -27,6 +27,17 @@ wait_for_end() {
   return $ended_with
 }
 
+# type_at_prompt KEYS TRANSCRIPT: what somebody types in a terminal once it asks for a
+# password.
+type_at_prompt() {
+  tries=0
+  until grep -q 想要进行更改 "$2" || [ $((tries += 1)) -gt 100 ]; do sleep 0.1; done
+  sleep 0.3
+  # shellcheck disable=SC2059 # keys are escapes
+  printf "$1"
+  sleep 2
+}
+
 finish() { [ $failures -eq 0 ] || { echo "$failures failed"; exit 1; }; }
 
 skip() { echo "skipped: $*"; exit 77; }
