@@ -66,6 +66,11 @@ need_application() {
   [ -f "$1/Contents/Info.plist" ] || fail "no application at $1: build it first"
 }
 
+# The name of an application's program.
+executable_of() {
+  sed -n '/<key>CFBundleExecutable</{n;s/.*<string>\(.*\)<.*/\1/p;}' "$1/Contents/Info.plist"
+}
+
 # "-" signs ad hoc, which needs no certificate.
 need_identity() {
   [ -n "$1" ] || fail "no signing identity: set SIGN_IDENTITY, for example to 'Developer ID Application: NAME (TEAM)', or to - for an ad-hoc signature"

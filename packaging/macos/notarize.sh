@@ -30,8 +30,27 @@ case $target in
     submission=$target
     ;;
 esac
-run xcrun notarytool submit "$submission" --keychain-profile "$profile" --wait
-# Fails if the service has refused: then there is no ticket.
+
+# The tool may end well although the service has refused.
+submit() {
+  answer=$(xcrun notarytool submit "$submission" --keychain-profile "$profile" --wait) || true
+  printf '%s\n' "$answer"
+  [ "$(printf '%s\n' "$answer" | sed -n 's/^ *status: *//p' | tail -n 1)" != Accepted ] || return 0
+  id=$(printf '%s\n' "$answer" | sed -n 's/^ *id: *//p' | head -n 1)
+  [ -z "$id" ] || xcrun notarytool log "$id" --keychain-profile "$profile" >&2
+  fail "the notary service has not accepted $submission"
+}
+
+if $dry_run; then
+  run xcrun notarytool submit "$submission" --keychain-profile "$profile" --wait
+else
+  submit
+fi
 run xcrun stapler staple "$target"
 run xcrun stapler validate "$target"
+# Whether a user's Mac would open it.
+case $target in
+  *.app) run spctl --assess --type execute --verbose=2 "$target" ;;
+  *) run spctl --assess --type open --context context:primary-signature --verbose=2 "$target" ;;
+esac
 [ "$submission" = "$target" ] || run rm -f "$submission"

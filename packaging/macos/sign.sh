@@ -31,7 +31,7 @@ contents=$application/Contents
 # The seal of a folder covers what lies in it: a path sorts after its folder's.
 find "$contents" -name '*.framework' -o -name '*.dylib' -type f | sort -r |
   while read -r code; do sign "$code"; done
-executable=$(sed -n '/<key>CFBundleExecutable</{n;s/.*<string>\(.*\)<.*/\1/p;}' "$contents/Info.plist")
+executable=$(executable_of "$application")
 find "$contents/MacOS" -type f -perm -u+x | sort | while read -r code; do
   [ "$(basename "$code")" = "$executable" ] || sign "$code"
 done
