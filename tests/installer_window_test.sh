@@ -24,7 +24,7 @@ end_agents() {
 }
 open_installer() { # the window goes to $window
   rm -f "$root/tmp/tessal_installer_ui.log" # it tells of the run before
-  SUDO_ASKPASS=${1:-/bin/true} "$app/Contents/MacOS/Orvane Installer" --root "$root" 2>/dev/null &
+  SUDO_ASKPASS=${1:-/bin/true} "$app/Contents/MacOS/Orvane Installer" --root "$root" 2>"$work/messages" &
   installer=$!
   await "a window" xdotool search --onlyvisible --pid $installer
   window=$(xdotool search --onlyvisible --pid $installer | tail -n 1)
@@ -58,6 +58,16 @@ for scale in 1 2; do
   ended "SIGTERM at scale $scale"
 done
 unset QT_SCALE_FACTOR
+
+echo "painted by a thread of its own"
+export QT_QUICK_BACKEND=rhi QSG_RHI_BACKEND=opengl QSG_RENDER_LOOP=threaded QSG_INFO=1
+open_installer
+grep -q 'threaded render loop' "$work/messages" || fail "the threaded loop was not used"
+expect "corner" "$(colour 3 3)" "#FFFFFF"
+case $(colour 388 528) in "#7"?[BC]*) ;; *) fail "the button is not drawn" ;; esac
+kill -TERM $installer
+ended "SIGTERM with a thread that paints"
+unset QT_QUICK_BACKEND QSG_RHI_BACKEND QSG_RENDER_LOOP QSG_INFO
 
 start_window_manager
 

@@ -4,6 +4,7 @@
 #include <QLinearGradient>
 #include <QPainter>
 #include <QPainterPath>
+#include <QQuickWindow>
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -164,22 +165,42 @@ void SoftShadow::paint(QPainter* painter) {
 }
 
 SystemImage::SystemImage(QQuickItem* parent) : QQuickPaintedItem(parent) {
-  repaintOnChange(this);
+  setAntialiasing(true);
+  connect(this, &SystemImage::changed, this, &QQuickItem::polish);
+}
+
+double SystemImage::side() const {
+  return std::min(width(), height());
+}
+
+void SystemImage::geometryChange(const QRectF& newGeometry, const QRectF& oldGeometry) {
+  QQuickPaintedItem::geometryChange(newGeometry, oldGeometry);
+  polish();
+}
+
+void SystemImage::itemChange(ItemChange change, const ItemChangeData& data) {
+  QQuickPaintedItem::itemChange(change, data);
+  if (change == ItemSceneChange || change == ItemDevicePixelRatioHasChanged) polish();
+}
+
+void SystemImage::updatePolish() {
+  const double ratio = window() ? window()->effectiveDevicePixelRatio() : 1.0;
+  const int pixels = static_cast<int>(std::lround(side() * ratio));
+  image_ = QImage();
+  if (symbol_.isEmpty()) {
+    image_ = toQImage(platform::applicationIcon(pixels));
+  } else if (const auto found = platform::systemSymbol(symbol_.toStdString(), pixels)) {
+    image_ = toQImage(*found);
+    QPainter tint(&image_);
+    tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    tint.fillRect(image_.rect(), color_);
+  }
+  update();
 }
 
 void SystemImage::paint(QPainter* painter) {
-  const double side = std::min(width(), height());
-  const int pixels = static_cast<int>(std::lround(side * pixelRatio(*painter)));
-  QImage image;
-  if (symbol_.isEmpty()) {
-    image = toQImage(platform::applicationIcon(pixels));
-  } else if (const auto found = platform::systemSymbol(symbol_.toStdString(), pixels)) {
-    image = toQImage(*found);
-    QPainter tint(&image);
-    tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
-    tint.fillRect(image.rect(), color_);
-  }
-  if (image.isNull()) return;
+  if (image_.isNull()) return;
   painter->setRenderHint(QPainter::SmoothPixmapTransform);
-  painter->drawImage(QRectF((width() - side) / 2, (height() - side) / 2, side, side), image);
+  painter->drawImage(QRectF((width() - side()) / 2, (height() - side()) / 2, side(), side()),
+                     image_);
 }

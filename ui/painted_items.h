@@ -4,6 +4,7 @@
 #pragma once
 
 #include <QColor>
+#include <QImage>
 #include <QQuickPaintedItem>
 #include <QString>
 #include <QtQmlIntegration>
@@ -62,7 +63,8 @@ class SoftShadow : public QQuickPaintedItem {
 };
 
 /// A picture of the system's: the symbol of this name in one colour, or the
-/// application's icon if there is no name.
+/// application's icon if there is no name. Another thread may paint it, so it gets
+/// the picture before, on the main thread.
 class SystemImage : public QQuickPaintedItem {
   Q_OBJECT
   QML_ELEMENT
@@ -76,7 +78,15 @@ class SystemImage : public QQuickPaintedItem {
  signals:
   void changed();
 
+ protected:
+  void updatePolish() override;
+  void geometryChange(const QRectF& newGeometry, const QRectF& oldGeometry) override;
+  void itemChange(ItemChange change, const ItemChangeData& data) override;
+
  private:
+  double side() const;
+
   QString symbol_;
   QColor color_ = Qt::black;
+  QImage image_;
 };

@@ -1,8 +1,10 @@
 #include "platform/pictures.h"
 
+#include <QCoreApplication>
 #include <QImage>
 #include <QPainter>
 #include <QPainterPath>
+#include <QThread>
 #include <algorithm>
 
 #include "platform/bundle.h"
@@ -10,6 +12,13 @@
 namespace platform {
 
 namespace {
+
+// As strict as macOS, whose pictures belong to the main thread.
+void assertMainThread() {
+  const auto* application = QCoreApplication::instance();
+  if (application && application->thread() != QThread::currentThread())
+    qFatal("pictures are made on the main thread only");
+}
 
 Image toImage(const QImage& picture) {
   const QImage rgba = picture.convertToFormat(QImage::Format_RGBA8888_Premultiplied);
@@ -73,6 +82,7 @@ QPainterPath keyboard() {
 }  // namespace
 
 Image applicationIcon(int side) {
+  assertMainThread();
   const auto file = bundleResource("AppIcon", "png");
   QImage icon;
   if (file) icon.load(QString::fromStdString(file->string()));
@@ -84,6 +94,7 @@ Image applicationIcon(int side) {
 }
 
 std::optional<Image> systemSymbol(const std::string& name, int side) {
+  assertMainThread();
   QPainterPath path;
   if (name == "gearshape.fill")
     path = gear();
