@@ -1,20 +1,18 @@
 #include "platform/macos/cf_conversions.h"
 
+#include <utf8.h>
+
 #include <array>
 #include <climits>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <utility>
 #include <variant>
 
 namespace platform {
 
 namespace {
-
-CfRef<CFStringRef> decode(std::string_view text, CFStringEncoding encoding) {
-  return adopt(CFStringCreateWithBytes(nullptr, reinterpret_cast<const UInt8*>(text.data()),
-                                       static_cast<CFIndex>(text.size()), encoding, false));
-}
 
 struct ToCf {
   CfRef<CFPropertyListRef> operator()(bool value) const {
@@ -65,8 +63,11 @@ PropertyListValue fromNumber(CFNumberRef number) {
     return value;
   }
   std::int64_t value = 0;
-  CFNumberGetValue(number, kCFNumberSInt64Type, &value);
-  return value;
+  if (CFNumberGetValue(number, kCFNumberSInt64Type, &value)) return value;
+  // An integer above the signed range: as near as another number comes.
+  double nearest = 0.0;
+  CFNumberGetValue(number, kCFNumberDoubleType, &nearest);
+  return nearest;
 }
 
 PropertyListData fromData(CFDataRef data) {
@@ -103,18 +104,33 @@ PropertyListValue fromDictionary(CFDictionaryRef dictionary) {
 }  // namespace
 
 CfRef<CFStringRef> toCfString(std::string_view text) {
-  auto string = decode(text, kCFStringEncodingUTF8);
-  return string ? std::move(string) : decode(text, kCFStringEncodingISOLatin1);
+  // Core Foundation's own reader of UTF-8 drops a leading byte order mark.
+  std::u16string units;
+  if (utf8::is_valid(text.begin(), text.end())) {
+    utf8::utf8to16(text.begin(), text.end(), std::back_inserter(units));
+  } else {
+    for (const char byte : text) units.push_back(static_cast<unsigned char>(byte));
+  }
+  return adopt(CFStringCreateWithCharacters(nullptr, reinterpret_cast<const UniChar*>(units.data()),
+                                            static_cast<CFIndex>(units.size())));
 }
 
 std::string toString(CFStringRef text) {
   const CFIndex length = CFStringGetLength(text);
   const CFIndex capacity = CFStringGetMaximumSizeForEncoding(length, kCFStringEncodingUTF8);
-  std::string result(static_cast<std::size_t>(capacity), '\0');
-  CFIndex used = 0;
-  CFStringGetBytes(text, CFRangeMake(0, length), kCFStringEncodingUTF8, '?', false,
-                   reinterpret_cast<UInt8*>(result.data()), capacity, &used);
-  result.resize(static_cast<std::size_t>(used));
+  std::string piece(static_cast<std::size_t>(capacity), '\0');
+  std::string result;
+  for (CFIndex start = 0; start < length;) {
+    CFIndex used = 0;
+    start += CFStringGetBytes(text, CFRangeMake(start, length - start), kCFStringEncodingUTF8, '?',
+                              false, reinterpret_cast<UInt8*>(piece.data()), capacity, &used);
+    result.append(piece, 0, static_cast<std::size_t>(used));
+    // It may stop at half of a surrogate pair, although it was given a loss byte.
+    if (start < length) {
+      result += '?';
+      ++start;
+    }
+  }
   return result;
 }
 
@@ -126,6 +142,9 @@ CfRef<CFURLRef> toCfUrl(const std::filesystem::path& path, bool isDirectory) {
 }
 
 std::optional<std::filesystem::path> toPath(CFURLRef url) {
+  // Any URL has a path to it, that of a web page too.
+  const auto scheme = adopt(CFURLCopyScheme(url));
+  if (!scheme || toString(scheme.get()) != "file") return std::nullopt;
   std::array<char, PATH_MAX> buffer{};
   if (!CFURLGetFileSystemRepresentation(url, true, reinterpret_cast<UInt8*>(buffer.data()),
                                         static_cast<CFIndex>(buffer.size()))) {

@@ -7,43 +7,60 @@
 #include <QWindow>
 #include <utility>
 
+#include "platform/macos/main_thread.h"
+#include "platform/macos/standard_menu.h"
+
 namespace platform {
 
 namespace {
 
-constexpr auto kCloseQuestion = "closeQuestion";
-
-// Qt owns the window's delegate, so the question is asked from Qt's close
-// event. Quitting sends close events too, but an application that terminates
-// does not ask its windows: the quit event, which comes first, is the sign.
-// It belongs to the window and so outlives the HostWindow.
-class CloseQuestion final : public QObject {
+// What the window does when the user closes it, and once it is on screen. It belongs
+// to the window and so outlives the HostWindow.
+class WindowGuard final : public QObject {
  public:
-  static CloseQuestion& of(QWindow& window) {
-    auto* question =
-        window.findChild<CloseQuestion*>(QLatin1String(kCloseQuestion), Qt::FindDirectChildrenOnly);
-    return question ? *question : *new CloseQuestion(window);  // the window owns it
+  static WindowGuard& of(QWindow& window) {
+    for (QObject* child : window.children()) {
+      if (auto* guard = dynamic_cast<WindowGuard*>(child)) return *guard;
+    }
+    return *new WindowGuard(window);  // the window owns it
   }
 
   std::function<bool()> shouldClose = [] { return true; };
 
+  /// Runs `action` when the toolkit has shown the window; at once if it has already.
+  void whenShown(std::function<void()> action) {
+    if (window_.isExposed()) return action();
+    afterShowing_ = std::move(action);
+  }
+
+  // Qt owns the window's delegate, so the question is asked from Qt's close event.
+  // Quitting sends close events too, but an application that terminates does not
+  // ask its windows: the quit event, which comes first, is the sign.
   bool eventFilter(QObject* watched, QEvent* event) override {
     if (event->type() == QEvent::Quit) quitting_ = true;
-    if (event->type() != QEvent::Close || watched != &window_) return false;
-    if (quitting_ || shouldClose()) return false;
+    if (watched != &window_) return false;
+    if (event->type() == QEvent::Expose && window_.isExposed() && afterShowing_) {
+      QMetaObject::invokeMethod(this, std::exchange(afterShowing_, nullptr), Qt::QueuedConnection);
+    }
+    if (event->type() != QEvent::Close || quitting_ || shouldClose()) return false;
     event->ignore();
     return true;
   }
 
  private:
-  explicit CloseQuestion(QWindow& window) : QObject(&window), window_(window) {
-    setObjectName(QLatin1String(kCloseQuestion));
+  explicit WindowGuard(QWindow& window) : QObject(&window), window_(window) {
     QCoreApplication::instance()->installEventFilter(this);
   }
 
   QWindow& window_;
+  std::function<void()> afterShowing_;
   bool quitting_ = false;
 };
+
+// Asked each time: Qt may give a QWindow a new NSWindow.
+NSWindow* nativeOf(const QWindow& window) {
+  return ((__bridge NSView*)reinterpret_cast<void*>(window.winId())).window;
+}
 
 NSRect toNSRect(const Rect& rect) {
   return NSMakeRect(rect.x, rect.y, rect.width, rect.height);
@@ -60,17 +77,21 @@ struct HostWindow::Impl {
 
   QWindow& window;
 
-  // Asked each time: Qt may give a QWindow a new NSWindow.
-  NSWindow* native() const {
-    return ((__bridge NSView*)reinterpret_cast<void*>(window.winId())).window;
-  }
+  NSWindow* native() const { return nativeOf(window); }
 };
 
 HostWindow::HostWindow(QWindow& window) : impl_(std::make_unique<Impl>(window)) {
+  assertMainThread();
   // Content reaches under a transparent title bar only with this bit, which Qt
   // does not set. It is set before anything is measured, because it changes
   // which frame belongs to a content rectangle.
-  impl_->native().styleMask |= NSWindowStyleMaskFullSizeContentView;
+  NSWindow* native = impl_->native();
+  native.styleMask |= NSWindowStyleMaskFullSizeContentView;
+  // Qt lets every window fill the screen, and works out the style anew after that.
+  native.collectionBehavior =
+      (native.collectionBehavior & ~NSWindowCollectionBehaviorFullScreenPrimary) |
+      NSWindowCollectionBehaviorFullScreenNone;
+  translateStandardMenu();
 }
 
 HostWindow::HostWindow(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
@@ -107,14 +128,19 @@ void HostWindow::hideTitle() {
 }
 
 void HostWindow::removeSizeControls() {
-  NSWindow* window = impl_->native();
-  window.styleMask &= ~(NSWindowStyleMaskMiniaturizable | NSWindowStyleMaskResizable);
-  [window standardWindowButton:NSWindowMiniaturizeButton].enabled = NO;
-  [window standardWindowButton:NSWindowZoomButton].enabled = NO;
+  NSWindow* native = impl_->native();
+  native.styleMask &= ~NSWindowStyleMaskMiniaturizable;
+  [native standardWindowButton:NSWindowMiniaturizeButton].enabled = NO;
+  [native standardWindowButton:NSWindowZoomButton].enabled = NO;
+  // A window that cannot be resized may say that it is zoomed. Qt asks when it shows
+  // the window, and would move it. The fixed content size holds until then.
+  WindowGuard::of(impl_->window).whenShown([window = &impl_->window] {
+    nativeOf(*window).styleMask &= ~NSWindowStyleMaskResizable;
+  });
 }
 
 void HostWindow::setShouldClose(std::function<bool()> shouldClose) {
-  CloseQuestion::of(impl_->window).shouldClose = std::move(shouldClose);
+  WindowGuard::of(impl_->window).shouldClose = std::move(shouldClose);
 }
 
 }  // namespace platform

@@ -15,6 +15,17 @@ std::int64_t nanoseconds(Seconds duration) {
   return std::chrono::duration_cast<std::chrono::nanoseconds>(duration).count();
 }
 
+// The queue holds the only reference to a block. A closure for the queue would be
+// copied first, and the last reference could die on the calling thread.
+void* handOver(Block block) {
+  return std::make_unique<Block>(std::move(block)).release();
+}
+
+void runOnce(void* context) {
+  const std::unique_ptr<Block> block(static_cast<Block*>(context));
+  (*block)();
+}
+
 // The owner holds the block; what the queue holds refers to it weakly. So the
 // block neither runs nor stays in memory once the owner is gone, and it may
 // destroy its owner while it runs.
@@ -54,15 +65,12 @@ class SourceTimer final : public Timer {
 }  // namespace
 
 void asyncOnMain(Block block) {
-  dispatch_async(dispatch_get_main_queue(), ^{
-    block();
-  });
+  dispatch_async_f(dispatch_get_main_queue(), handOver(std::move(block)), runOnce);
 }
 
 void asyncOnMainAfter(Seconds delay, Block block) {
-  dispatch_after(dispatch_time(DISPATCH_TIME_NOW, nanoseconds(delay)), dispatch_get_main_queue(), ^{
-    block();
-  });
+  dispatch_after_f(dispatch_time(DISPATCH_TIME_NOW, nanoseconds(delay)), dispatch_get_main_queue(),
+                   handOver(std::move(block)), runOnce);
 }
 
 std::unique_ptr<WorkItem> scheduleWorkItem(Seconds delay, Block block) {
@@ -78,9 +86,8 @@ WallClock::time_point now() {
 }
 
 std::optional<std::string> asyncOnWorker(Block block) {
-  dispatch_async(dispatch_get_global_queue(QOS_CLASS_USER_INITIATED, 0), ^{
-    block();
-  });
+  dispatch_async_f(dispatch_get_global_queue(QOS_CLASS_USER_INITIATED, 0),
+                   handOver(std::move(block)), runOnce);
   return std::nullopt;  // the system makes one, sooner or later
 }
 

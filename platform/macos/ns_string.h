@@ -10,11 +10,11 @@
 
 namespace platform {
 
-inline NSString* toNSString(const std::string& text) {
-  return CFBridgingRelease(toCfString(text).release());
+inline NSString* _Nonnull toNSString(const std::string& text) {
+  return (NSString* _Nonnull)CFBridgingRelease(toCfString(text).release());
 }
 
-inline std::string toString(NSString* text) {
+inline std::string toString(NSString* _Nonnull text) {
   return toString((__bridge CFStringRef)text);
 }
 

@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "platform/macos/cf_ref.h"
+#include "platform/macos/main_thread.h"
 #include "platform/macos/ns_string.h"
 #include "platform/pictures.h"
 
@@ -44,12 +45,14 @@ Image draw(NSImage* picture, int side) {
 }  // namespace
 
 Image applicationIcon(int side) {
+  assertMainThread();
   @autoreleasepool {
     return draw(NSApplication.sharedApplication.applicationIconImage, side);
   }
 }
 
 std::optional<Image> systemSymbol(const std::string& name, int side) {
+  assertMainThread();
   @autoreleasepool {
     NSImage* symbol = [NSImage imageWithSystemSymbolName:toNSString(name)
                                 accessibilityDescription:nil];

@@ -6,6 +6,7 @@
 
 #include "platform/macos/cf_conversions.h"
 #include "platform/macos/cf_ref.h"
+#include "platform/macos/main_thread.h"
 
 namespace platform {
 
@@ -47,6 +48,7 @@ CfRef<CFDictionaryRef> toCfDictionary(const InputSourceFilter& filter) {
 
 std::optional<std::vector<InputSource>> createInputSourceList(
     const std::optional<InputSourceFilter>& filter, bool includeAllInstalled) {
+  assertMainThread();
   const auto properties = filter ? toCfDictionary(*filter) : CfRef<CFDictionaryRef>();
   const auto list = adopt(TISCreateInputSourceList(properties.get(), includeAllInstalled));
   if (!list) return std::nullopt;

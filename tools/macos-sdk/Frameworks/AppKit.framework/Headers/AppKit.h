@@ -5,7 +5,9 @@
 #include <CoreGraphics/CoreGraphics.h>
 #import <Foundation/Foundation.h>
 
-@class NSImage, NSRunningApplication, NSWindow;
+@class NSImage, NSMenu, NSRunningApplication, NSWindow;
+
+NS_ASSUME_NONNULL_BEGIN
 
 typedef enum NSApplicationActivationPolicy : NSInteger {
   NSApplicationActivationPolicyRegular = 0,
@@ -17,11 +19,27 @@ typedef enum NSApplicationActivationPolicy : NSInteger {
 @end
 
 @interface NSApplication : NSResponder
-@property(class, readonly, strong) NSApplication* sharedApplication;
-@property(strong) NSImage* applicationIconImage;
+@property(class, readonly, strong) __kindof NSApplication* sharedApplication;
+@property(null_resettable, strong) NSImage* applicationIconImage;
+@property(nullable, strong) NSMenu* mainMenu;
+@property(nullable, strong) NSMenu* servicesMenu;
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)policy;
 - (void)activateIgnoringOtherApps:(BOOL)flag;
-- (void)terminate:(id)sender;
+- (void)activate API_AVAILABLE_MACOS(14.0);  // not used: shows that newer calls are caught
+- (void)terminate:(nullable id)sender;
+- (void)hide:(nullable id)sender;
+- (void)hideOtherApplications:(nullable id)sender;
+- (void)unhideAllApplications:(nullable id)sender;
+@end
+
+@interface NSMenuItem : NSObject
+@property(copy) NSString* title;
+@property(nullable, strong) NSMenu* submenu;
+@property(nullable) SEL action;
+@end
+@interface NSMenu : NSObject
+@property(readonly) NSInteger numberOfItems;
+- (nullable NSMenuItem*)itemAtIndex:(NSInteger)index;
 @end
 
 typedef enum NSCompositingOperation : NSUInteger {
@@ -29,8 +47,9 @@ typedef enum NSCompositingOperation : NSUInteger {
 } NSCompositingOperation;
 
 @interface NSImage : NSObject
-+ (instancetype)imageWithSystemSymbolName:(NSString*)name
-                 accessibilityDescription:(NSString*)description;
++ (nullable instancetype)imageWithSystemSymbolName:(NSString*)name
+                          accessibilityDescription:(nullable NSString*)description
+    API_AVAILABLE_MACOS(11.0);
 @property NSSize size;
 - (void)drawInRect:(NSRect)rect
           fromRect:(NSRect)fromRect
@@ -39,7 +58,7 @@ typedef enum NSCompositingOperation : NSUInteger {
 @end
 
 @interface NSGraphicsContext : NSObject
-@property(class, strong) NSGraphicsContext* currentContext;
+@property(class, nullable, strong) NSGraphicsContext* currentContext;
 + (NSGraphicsContext*)graphicsContextWithCGContext:(CGContextRef)context
                                            flipped:(BOOL)initialFlippedState;
 + (void)saveGraphicsState;
@@ -47,7 +66,7 @@ typedef enum NSCompositingOperation : NSUInteger {
 @end
 
 @interface NSView : NSResponder
-@property(readonly, unsafe_unretained) NSWindow* window;
+@property(nullable, readonly, unsafe_unretained) NSWindow* window;
 @end
 @interface NSControl : NSView
 @property(getter=isEnabled) BOOL enabled;
@@ -59,7 +78,12 @@ typedef NSUInteger NSWindowStyleMask;  // as C++ sees NS_OPTIONS
 enum : NSWindowStyleMask {
   NSWindowStyleMaskMiniaturizable = 1U << 2U,
   NSWindowStyleMaskResizable = 1U << 3U,
-  NSWindowStyleMaskFullSizeContentView = 1U << 15U
+  NSWindowStyleMaskFullSizeContentView = 1U << 15U,
+};
+typedef NSUInteger NSWindowCollectionBehavior;
+enum : NSWindowCollectionBehavior {
+  NSWindowCollectionBehaviorFullScreenPrimary = 1U << 7U,
+  NSWindowCollectionBehaviorFullScreenNone = 1U << 9U,
 };
 typedef enum NSWindowTitleVisibility : NSInteger {
   NSWindowTitleVisible = 0,
@@ -75,13 +99,14 @@ typedef enum NSWindowButton : NSUInteger {
 @property NSWindowTitleVisibility titleVisibility;
 @property BOOL titlebarAppearsTransparent;
 @property NSWindowStyleMask styleMask;
+@property NSWindowCollectionBehavior collectionBehavior;
 @property(readonly) NSRect frame;
 @property(readonly) CGFloat backingScaleFactor;
 @property NSSize contentMinSize;
 @property NSSize contentMaxSize;
 - (NSRect)frameRectForContentRect:(NSRect)contentRect;
 - (void)setFrame:(NSRect)frameRect display:(BOOL)displayFlag animate:(BOOL)animateFlag;
-- (NSButton*)standardWindowButton:(NSWindowButton)button;
+- (nullable NSButton*)standardWindowButton:(NSWindowButton)button;
 @end
 
 @interface NSWorkspaceOpenConfiguration : NSObject
@@ -92,7 +117,13 @@ typedef enum NSWindowButton : NSUInteger {
 - (BOOL)openURL:(NSURL*)url;
 - (void)openApplicationAtURL:(NSURL*)applicationURL
                configuration:(NSWorkspaceOpenConfiguration*)configuration
-           completionHandler:
-               (void (^)(NSRunningApplication* application, NSError* error))completionHandler;
-- (NSURL*)URLForApplicationWithBundleIdentifier:(NSString*)bundleIdentifier;
+           completionHandler:(nullable void (^)(NSRunningApplication* _Nullable application,
+                                                NSError* _Nullable error))completionHandler
+    API_AVAILABLE_MACOS(10.15);
+- (nullable NSURL*)URLForApplicationWithBundleIdentifier:(NSString*)bundleIdentifier;
+// Not used: shows that newer calls are caught.
+- (void)URLsForApplicationsWithBundleIdentifier:(NSString*)bundleIdentifier
+    API_AVAILABLE_MACOS(12.0);
 @end
+
+NS_ASSUME_NONNULL_END

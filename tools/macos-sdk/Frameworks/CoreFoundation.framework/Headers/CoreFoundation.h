@@ -2,11 +2,18 @@
 
 #pragma once
 
+#include <Availability.h>
 #include <MacTypes.h>
 #include <stddef.h>
 #include <stdint.h>
 
 #define CF_EXPORT extern "C"
+#define CF_CONSUMED __attribute__((cf_consumed))
+#define CF_ASSUME_NONNULL_BEGIN _Pragma("clang assume_nonnull begin")
+#define CF_ASSUME_NONNULL_END _Pragma("clang assume_nonnull end")
+// The functions between these keep to the rules of Create, Copy and Get.
+#define CF_IMPLICIT_BRIDGING_ENABLED _Pragma("clang arc_cf_code_audited begin")
+#define CF_IMPLICIT_BRIDGING_DISABLED _Pragma("clang arc_cf_code_audited end")
 #define CF_BRIDGED(Class) __attribute__((objc_bridge(Class)))
 #define CF_BRIDGED_MUTABLE(Class) __attribute__((objc_bridge_mutable(Class)))
 
@@ -40,20 +47,17 @@ typedef struct CF_BRIDGED(NSError) __CFError* CFErrorRef;
 typedef struct __CFBundle* CFBundleRef;
 typedef struct __CFRunLoop* CFRunLoopRef;
 
+CF_IMPLICIT_BRIDGING_ENABLED
 CF_EXPORT CFTypeRef CFRetain(CFTypeRef object);
 CF_EXPORT void CFRelease(CFTypeRef object);
 CF_EXPORT CFTypeID CFGetTypeID(CFTypeRef object);
 
 // Strings
 typedef UInt32 CFStringEncoding;
-enum : CFStringEncoding {
-  kCFStringEncodingISOLatin1 = 0x0201,
-  kCFStringEncodingUTF8 = 0x08000100,
-};
+enum : CFStringEncoding { kCFStringEncodingUTF8 = 0x08000100 };
 CF_EXPORT CFTypeID CFStringGetTypeID(void);
-CF_EXPORT CFStringRef CFStringCreateWithBytes(CFAllocatorRef allocator, const UInt8* bytes,
-                                              CFIndex byteCount, CFStringEncoding encoding,
-                                              Boolean isExternalRepresentation);
+CF_EXPORT CFStringRef CFStringCreateWithCharacters(CFAllocatorRef allocator,
+                                                   const UniChar* characters, CFIndex count);
 CF_EXPORT CFIndex CFStringGetLength(CFStringRef string);
 CF_EXPORT CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encoding);
 CF_EXPORT CFIndex CFStringGetBytes(CFStringRef string, CFRange range, CFStringEncoding encoding,
@@ -120,12 +124,17 @@ CF_EXPORT CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef alloca
                                                            const UInt8* bytes, CFIndex length,
                                                            Boolean isDirectory);
 CF_EXPORT CFURLRef CFURLCopyAbsoluteURL(CFURLRef url);
+CF_EXPORT CFStringRef CFURLCopyScheme(CFURLRef url);
 CF_EXPORT CFStringRef CFURLGetString(CFURLRef url);
 CF_EXPORT Boolean CFURLGetFileSystemRepresentation(CFURLRef url, Boolean resolveAgainstBase,
                                                    UInt8* buffer, CFIndex capacity);
 
 // Property lists
-typedef CFIndex CFPropertyListFormat;
+typedef enum CFPropertyListFormat : CFIndex {
+  kCFPropertyListOpenStepFormat = 1,
+  kCFPropertyListXMLFormat_v1_0 = 100,
+  kCFPropertyListBinaryFormat_v1_0 = 200,
+} CFPropertyListFormat;
 enum : CFOptionFlags { kCFPropertyListImmutable = 0 };
 CF_EXPORT CFPropertyListRef CFPropertyListCreateWithData(CFAllocatorRef allocator, CFDataRef data,
                                                          CFOptionFlags options,
@@ -133,16 +142,19 @@ CF_EXPORT CFPropertyListRef CFPropertyListCreateWithData(CFAllocatorRef allocato
                                                          CFErrorRef* error);
 
 // Preferences
+CF_ASSUME_NONNULL_BEGIN
 CF_EXPORT const CFStringRef kCFPreferencesCurrentUser;
 CF_EXPORT const CFStringRef kCFPreferencesAnyUser;
 CF_EXPORT const CFStringRef kCFPreferencesCurrentHost;
 CF_EXPORT const CFStringRef kCFPreferencesAnyHost;
-CF_EXPORT CFPropertyListRef CFPreferencesCopyValue(CFStringRef key, CFStringRef application,
-                                                   CFStringRef user, CFStringRef host);
-CF_EXPORT void CFPreferencesSetValue(CFStringRef key, CFPropertyListRef value,
+CF_EXPORT CFPropertyListRef _Nullable CFPreferencesCopyValue(CFStringRef key,
+                                                             CFStringRef application,
+                                                             CFStringRef user, CFStringRef host);
+CF_EXPORT void CFPreferencesSetValue(CFStringRef key, CFPropertyListRef _Nullable value,
                                      CFStringRef application, CFStringRef user, CFStringRef host);
 CF_EXPORT Boolean CFPreferencesSynchronize(CFStringRef application, CFStringRef user,
                                            CFStringRef host);
+CF_ASSUME_NONNULL_END
 
 // Bundles
 CF_EXPORT CFBundleRef CFBundleGetMainBundle(void);
@@ -157,3 +169,4 @@ CF_EXPORT CFTypeRef CFBundleGetValueForInfoDictionaryKey(CFBundleRef bundle, CFS
 CF_EXPORT CFRunLoopRef CFRunLoopGetMain(void);
 CF_EXPORT void CFRunLoopRun(void);
 CF_EXPORT void CFRunLoopStop(CFRunLoopRef loop);
+CF_IMPLICIT_BRIDGING_DISABLED

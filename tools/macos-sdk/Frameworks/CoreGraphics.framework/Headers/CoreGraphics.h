@@ -25,8 +25,14 @@ typedef enum CGImageAlphaInfo : uint32_t { kCGImageAlphaPremultipliedLast = 1 } 
 typedef uint32_t CGBitmapInfo;  // as C++ sees CF_OPTIONS
 enum : CGBitmapInfo { kCGBitmapByteOrder32Big = 4U << 12U };
 
+CF_ASSUME_NONNULL_BEGIN
+CF_IMPLICIT_BRIDGING_ENABLED
 CF_EXPORT const CFStringRef kCGColorSpaceSRGB;
-CF_EXPORT CGColorSpaceRef CGColorSpaceCreateWithName(CFStringRef name);
-CF_EXPORT CGContextRef CGBitmapContextCreate(void* data, size_t width, size_t height,
-                                             size_t bitsPerComponent, size_t bytesPerRow,
-                                             CGColorSpaceRef space, uint32_t bitmapInfo);
+CF_EXPORT CGColorSpaceRef _Nullable CGColorSpaceCreateWithName(CFStringRef _Nullable name);
+CF_EXPORT CGContextRef _Nullable CGBitmapContextCreate(void* _Nullable data, size_t width,
+                                                       size_t height, size_t bitsPerComponent,
+                                                       size_t bytesPerRow,
+                                                       CGColorSpaceRef _Nullable space,
+                                                       uint32_t bitmapInfo);
+CF_IMPLICIT_BRIDGING_DISABLED
+CF_ASSUME_NONNULL_END

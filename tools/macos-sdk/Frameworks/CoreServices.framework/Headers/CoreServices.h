@@ -4,4 +4,6 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
+CF_ASSUME_NONNULL_BEGIN
 CF_EXPORT OSStatus LSRegisterURL(CFURLRef url, Boolean update);
+CF_ASSUME_NONNULL_END

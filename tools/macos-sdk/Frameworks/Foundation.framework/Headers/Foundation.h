@@ -7,7 +7,13 @@
 #include <objc/NSObject.h>
 #include <objc/objc.h>
 
+#define API_AVAILABLE_MACOS(version) __attribute__((availability(macos, introduced = version)))
+#define NS_ASSUME_NONNULL_BEGIN CF_ASSUME_NONNULL_BEGIN
+#define NS_ASSUME_NONNULL_END CF_ASSUME_NONNULL_END
+
 @class NSAppleEventDescriptor, NSError, NSOperationQueue;
+
+NS_ASSUME_NONNULL_BEGIN
 
 typedef CGSize NSSize;
 typedef CGRect NSRect;
@@ -19,11 +25,17 @@ inline NSRect NSMakeRect(CGFloat x, CGFloat y, CGFloat width, CGFloat height) {
   return {{x, y}, {width, height}};
 }
 
-inline id CFBridgingRelease(CFTypeRef __attribute__((cf_consumed)) object) {
+inline id _Nullable CFBridgingRelease(CFTypeRef CF_CONSUMED _Nullable object) {
   return (__bridge_transfer id)object;
 }
 
 @interface NSString : NSObject
+- (NSString*)stringByAppendingString:(NSString*)text;
+@end
+// What the compiler makes of a literal.
+@interface NSSimpleCString : NSString
+@end
+@interface NSConstantString : NSSimpleCString
 @end
 
 @interface NSValue : NSObject
@@ -33,7 +45,7 @@ inline id CFBridgingRelease(CFTypeRef __attribute__((cf_consumed)) object) {
 @end
 
 @interface NSDictionary<KeyType, ObjectType> : NSObject
-- (ObjectType)objectForKeyedSubscript:(KeyType)key;
+- (nullable ObjectType)objectForKeyedSubscript:(KeyType)key;
 @end
 
 @interface NSURL : NSObject
@@ -42,17 +54,18 @@ inline id CFBridgingRelease(CFTypeRef __attribute__((cf_consumed)) object) {
 CF_EXPORT NSString* const NSAppleScriptErrorMessage;
 CF_EXPORT NSString* const NSAppleScriptErrorNumber;
 @interface NSAppleScript : NSObject
-- (instancetype)initWithSource:(NSString*)source;
-- (NSAppleEventDescriptor*)executeAndReturnError:(NSDictionary<NSString*, id>**)errorInfo;
+- (nullable instancetype)initWithSource:(NSString*)source;
+- (NSAppleEventDescriptor*)executeAndReturnError:
+    (NSDictionary<NSString*, id>* _Nullable* _Nullable)errorInfo;
 @end
 
 typedef NSString* NSNotificationName;
 @interface NSNotification : NSObject
 @end
 @interface NSNotificationCenter : NSObject
-- (id<NSObject>)addObserverForName:(NSNotificationName)name
-                            object:(id)object
-                             queue:(NSOperationQueue*)queue
+- (id<NSObject>)addObserverForName:(nullable NSNotificationName)name
+                            object:(nullable id)object
+                             queue:(nullable NSOperationQueue*)queue
                         usingBlock:(void (^)(NSNotification* notification))block;
 - (void)removeObserver:(id)observer;
 @end
@@ -63,3 +76,5 @@ typedef NSString* NSNotificationName;
 @interface NSOperationQueue : NSObject
 @property(class, readonly, strong) NSOperationQueue* mainQueue;
 @end
+
+NS_ASSUME_NONNULL_END
