@@ -4,6 +4,8 @@
 # make demo   the whole installation with real clicks, a screenshot a step
 # make bench  what things cost
 # make fuzz   every fuzz target for a minute
+# make macos-app    the whole application for macOS, made on Linux
+# make macos-check  the macOS side and its tests, compiled and analysed on Linux
 # Each of these sets up this machine first, if something is missing.
 # make        builds, and installs nothing
 # make setup  sets up this machine
@@ -11,7 +13,7 @@
 PRESET := release
 APP := build/Orvane Installer.app
 
-.PHONY: all setup run test check demo bench fuzz format sanitize macos-check clean
+.PHONY: all setup run test check demo bench fuzz format sanitize macos-app macos-check clean
 
 all:
 	@tools/setup.sh --check
@@ -67,7 +69,12 @@ fuzz: setup
 format:
 	@git ls-files '*.cpp' '*.h' '*.mm' ':!tools/macos-sdk' | xargs clang-format -i
 
-macos-check: setup
+macos-app macos-check: setup
+
+macos-app:
+	@tools/macos-app.sh
+
+macos-check:
 	@tools/macos-check.sh
 
 clean:

@@ -27,11 +27,10 @@ packages='
   zip unzip libarchive-tools openssl perl-base sudo
   xvfb xauth xdotool openbox x11-utils imagemagick
   procps
-  clang-14 clang-format clang-tidy libclang-rt-14-dev shellcheck llvm-14
+  clang-14 clang-format clang-tidy libclang-rt-14-dev shellcheck
+  clang-19 llvm-14 python3-pip
 '
 missing=
-# Not Debian's own packages everywhere.
-command -v npm >/dev/null || missing=' npm'
 for package in $packages; do
   [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" = installed ] ||
     missing="$missing $package"
