@@ -2,10 +2,7 @@
 
 #include <QCoreApplication>
 #include <QImage>
-#include <QPainter>
-#include <QPainterPath>
 #include <QThread>
-#include <algorithm>
 
 #include "platform/bundle.h"
 
@@ -32,84 +29,32 @@ Image toImage(const QImage& picture) {
   return image;
 }
 
-// The symbols, on a square of 100 by 100.
-
-QPainterPath gear() {
-  constexpr int kTeeth = 8;
-  constexpr QPointF kCentre{50, 50};
-  QPainterPath body;
-  body.addEllipse(kCentre, 35, 35);
-  QPainterPath tooth;
-  tooth.moveTo(40, 20);
-  tooth.lineTo(42.5, 7);
-  tooth.quadTo(43.2, 3, 47, 3);
-  tooth.lineTo(53, 3);
-  tooth.quadTo(56.8, 3, 57.5, 7);
-  tooth.lineTo(60, 20);
-  tooth.closeSubpath();
-  for (int i = 0; i < kTeeth; ++i) {
-    QTransform turn;
-    turn.translate(kCentre.x(), kCentre.y());
-    turn.rotate(360.0 / kTeeth * i);
-    turn.translate(-kCentre.x(), -kCentre.y());
-    body = body.united(turn.map(tooth));
-  }
-  QPainterPath hole;
-  hole.addEllipse(kCentre, 14, 14);
-  return body.subtracted(hole);
-}
-
-QPainterPath keyboard() {
-  constexpr double kStroke = 6.5;
-  constexpr double kKey = 7.5;
-  QPainterPath path;
-  path.setFillRule(Qt::OddEvenFill);
-  const QRectF outer(1, 20, 98, 60);
-  path.addRoundedRect(outer, 13, 13);
-  path.addRoundedRect(outer.adjusted(kStroke, kStroke, -kStroke, -kStroke), 13 - kStroke,
-                      13 - kStroke);
-  const auto key = [&](double x, double y, double width) {
-    path.addRoundedRect(QRectF(x - width / 2, y - kKey / 2, width, kKey), 1.8, 1.8);
-  };
-  for (int i = 0; i < 6; ++i) key(17.5 + 13 * i, 37, kKey);
-  for (int i = 0; i < 6; ++i) key(17.5 + 13 * i, 50, kKey);
-  key(17.5, 63, kKey);
-  key(50, 63, 38);
-  key(82.5, 63, kKey);
-  return path;
+/// A square picture of the bundle, in this size; null if there is none.
+QImage drawn(const std::string& name, int side) {
+  const auto file = bundleResource(name, "png");
+  const QImage picture = file ? QImage(QString::fromStdString(file->string())) : QImage();
+  return picture.isNull()
+             ? picture
+             : picture.scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation);
 }
 
 }  // namespace
 
 Image applicationIcon(int side) {
   assertMainThread();
-  const auto file = bundleResource("AppIcon", "png");
-  QImage icon;
-  if (file) icon.load(QString::fromStdString(file->string()));
+  QImage icon = drawn("AppIcon-" + std::to_string(side), side);  // small ones have their own
+  if (icon.isNull()) icon = drawn("AppIcon", side);
   if (icon.isNull()) {
-    icon = QImage(1, 1, QImage::Format_RGBA8888_Premultiplied);
+    icon = QImage(side, side, QImage::Format_RGBA8888_Premultiplied);
     icon.fill(Qt::transparent);
   }
-  return toImage(icon.scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation));
+  return toImage(icon);
 }
 
 std::optional<Image> systemSymbol(const std::string& name, int side) {
   assertMainThread();
-  QPainterPath path;
-  if (name == "gearshape.fill")
-    path = gear();
-  else if (name == "keyboard")
-    path = keyboard();
-  else
-    return std::nullopt;
-  QImage picture(side, side, QImage::Format_RGBA8888_Premultiplied);
-  picture.fill(Qt::transparent);
-  QPainter painter(&picture);
-  painter.setRenderHint(QPainter::Antialiasing);
-  painter.scale(side / 100.0, side / 100.0);
-  painter.fillPath(path, Qt::black);
-  painter.end();
-  return toImage(picture);
+  const QImage symbol = drawn(name, side);
+  return symbol.isNull() ? std::nullopt : std::optional(toImage(symbol));
 }
 
 }  // namespace platform
