@@ -7,6 +7,7 @@
 #include "app/window_accessor.h"
 #include "platform/main_queue.h"
 #include "ui/installer_ui.h"
+#include "ui/window_placement.h"
 
 namespace {
 // The size until the window is configured. Its centre stays then.
@@ -14,7 +15,7 @@ constexpr QSize kFirstSize{500, 450};
 }  // namespace
 
 TessalInputInstallerApp::TessalInputInstallerApp(QGuiApplication& application) {
-  setApplicationFont();
+  setApplicationLook();
   appDelegate_.install(application);
   registerInstallerUi();
 
@@ -30,7 +31,20 @@ TessalInputInstallerApp::TessalInputInstallerApp(QGuiApplication& application) {
   new WindowAccessor(window_.rootObject(),
                      [this](platform::HostWindow* host) { contentView_->configureWindow(host); });
   // On a later turn than the configuration, so that it appears with its final size.
-  platform::asyncOnMain([this] { window_.show(); });
+  platform::asyncOnMain([this] {
+    keepReachable();
+    window_.show();
+  });
+  // Once more with the title bar, which a window has when it has been drawn.
+  QObject::connect(
+      &window_, &QQuickWindow::frameSwapped, &window_, [this] { keepReachable(); },
+      static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
+}
+
+void TessalInputInstallerApp::keepReachable() {
+  const QRect frame = window_.frameGeometry();
+  const QPoint place = reachablePlace(frame, window_.screen()->availableGeometry());
+  if (place != frame.topLeft()) window_.setFramePosition(place);
 }
 
 int TessalInputInstallerApp::main() {

@@ -1,12 +1,12 @@
 #pragma once
 
 #include <QGuiApplication>
-#include <QQuickView>
 #include <memory>
 
 #include "app/app_delegate.h"
 #include "installer/content_view.h"
 #include "ui/installer_model.h"
+#include "ui/named_window.h"
 
 /// The application: one window, whose content is a fresh ContentView.
 class TessalInputInstallerApp {
@@ -18,8 +18,11 @@ class TessalInputInstallerApp {
   static int main();
 
  private:
+  /// Moves the window so that it can be used on a screen without room for it.
+  void keepReachable();
+
   AppDelegate appDelegate_;
   std::shared_ptr<ContentView> contentView_ = ContentView::create();
   InstallerModel model_{contentView_};
-  QQuickView window_;
+  NamedWindow window_{model_.appDisplayName()};
 };

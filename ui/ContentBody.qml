@@ -7,6 +7,8 @@ Item {
 
     required property InstallerModel model
 
+    Accessible.role: Accessible.Pane
+
     Item {
         objectName: "screens"
         anchors.fill: parent

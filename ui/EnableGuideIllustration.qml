@@ -9,15 +9,22 @@ Item {
 
     Accessible.role: Accessible.Graphic
     Accessible.name: prompt.text
+    Accessible.ignored: !enabled // below the overlay
 
-    FontMetrics {
-        id: metrics
-        font: prompt.font
-    }
-
-    // A placeholder: something of the desktop that the window lies upon.
-    component Bar: Rectangle {
-        radius: 6
+    // A placeholder: something in the window that the question lies upon. White on
+    // white, it is seen by the shade beneath it.
+    component Bar: Item {
+        property alias color: fill.color
+        Rectangle {
+            anchors.fill: parent
+            radius: 6
+            color: Palette.black(0.08)
+        }
+        Rectangle {
+            id: fill
+            anchors.fill: parent
+            radius: 6
+        }
     }
     component Light: Rectangle {
         width: 10
@@ -49,51 +56,27 @@ Item {
         gradientEnd: Palette.black(0.025)
     }
 
-    Item {
-        id: desktop
-        anchors { fill: parent; leftMargin: 20; rightMargin: 20; topMargin: 18; bottomMargin: 18 }
-
-        Bar {
-            id: upperBar
-            y: Math.round((parent.height - height) * 0.22)
-            width: 110
-            height: 14
-            color: Palette.white(0.55)
-        }
-        Bar {
-            y: upperBar.y + upperBar.height + 12
-            width: 72
-            height: 14
-            color: Palette.white(0.35)
-        }
-        Bar {
-            x: parent.width - width
-            y: Math.round((parent.height - height) * 0.7)
-            width: 128
-            height: 110
-            color: Palette.white(0.28)
-        }
-    }
-
     SoftShadow {
         anchors { fill: mock; margins: -extent }
-        transform: Translate { y: 6 }
+        transform: Translate { y: 2 }
         radius: mock.radius
-        blur: 12
+        blur: 6 // ends within the backdrop
         color: Palette.black(0.12)
     }
     ContinuousRectangle {
         id: mock
         objectName: "guideWindow"
-        // Where there is room, no larger than the prompt asks for; a long name may
-        // take the padding at the sides.
-        anchors.centerIn: desktop
-        width: Math.max(Math.min(desktop.width - 2 * 56, 360 + 2 * 56), prompt.width + 2 * 12)
-        height: Math.min(desktop.height, stack.height + 2 * 40)
+        // The lights, the pieces and the least that keeps them apart. A third line of
+        // text may take the padding.
+        readonly property real leastHeight: 22 + 44 + prompt.height + 34 + 18
+        width: parent.width - 2 * 20
+        height: Math.max(parent.height - 2 * 18, leastHeight)
+        anchors.centerIn: parent
         radius: 14
         color: Palette.white(0.95)
 
         Row {
+            id: lights
             x: 14
             y: 12
             spacing: 7
@@ -101,57 +84,103 @@ Item {
             Light { color: Palette.yellow }
             Light { color: Palette.green }
         }
+        Bar {
+            id: upperBar
+            x: 14
+            y: card.y
+            width: 110
+            height: 14
+            color: Palette.white(0.55)
+        }
+        Bar {
+            x: 14
+            y: upperBar.y + upperBar.height + 8
+            width: 72
+            height: 14
+            color: Palette.white(0.35)
+        }
+        Bar {
+            id: block
+            x: parent.width - width - 14
+            y: parent.height - height - 14
+            width: 128
+            height: 110
+            color: Palette.white(0.28)
+        }
+        // Where there is room between the placeholders, the question has a card.
+        Item {
+            id: card
+            readonly property bool isShown: width > 360 + 2 * 36
+            x: block.width + 2 * 14
+            width: parent.width - 2 * x
+            y: lights.y + lights.height + 12
+            height: parent.height - y - 14
+            SoftShadow {
+                visible: parent.isShown
+                anchors { fill: parent; margins: -extent }
+                radius: 14
+                blur: 6
+                color: Palette.black(0.12)
+            }
+            ContinuousRectangle {
+                visible: parent.isShown
+                anchors.fill: parent
+                radius: 14
+                color: "white"
+            }
+        }
 
-        Column {
-            id: stack
-            // The gaps give way before anything that they keep apart.
-            readonly property real gap:
-                Math.max(2, Math.min(18, (desktop.height - 44 - prompt.height - 34) / 4))
-            anchors.centerIn: parent
-            spacing: gap
-            SystemImage {
-                anchors.horizontalCenter: parent.horizontalCenter
-                width: 44
-                height: 44
-                symbol: "gearshape.fill"
-                color: Palette.black(0.55)
-            }
-            Text {
-                id: prompt
-                objectName: "guideText"
-                anchors.horizontalCenter: parent.horizontalCenter
-                readonly property string longerLine: "“%1”想启用第三方".arg(guide.appName)
-                width: Math.min(Math.ceil(metrics.advanceWidth(longerLine)), desktop.width - 2 * 12, 360)
-                horizontalAlignment: Text.AlignHCenter
-                wrapMode: Text.WrapAtWordBoundaryOrAnywhere
-                lineHeightMode: Text.FixedHeight
-                lineHeight: metrics.lineSpacing + 3
-                maximumLineCount: 3
-                elide: Text.ElideRight
-                // Down to 0.9 of its size, in whole pixels.
-                fontSizeMode: Text.VerticalFit
-                minimumPixelSize: 15
-                textFormat: Text.PlainText
-                text: longerLine + "\n输入法“%1”".arg(guide.appName)
-                font { pixelSize: 16; weight: Font.DemiBold }
-                color: Palette.black(0.82)
-                Accessible.ignored: true
-            }
-            Row {
-                anchors.horizontalCenter: parent.horizontalCenter
-                spacing: 16
-                PromptButton {
-                    text: "不允许"
-                    font.weight: Font.Medium
-                    textColor: Palette.black(0.78)
-                    strokeColor: Palette.black(0.08)
+        Item {
+            id: body
+            // The room that the pieces leave.
+            readonly property real spare: height - 44 - prompt.height - 34
+            anchors { fill: parent; topMargin: lights.y + lights.height }
+
+            Column {
+                id: stack
+                // The gaps give way before anything that they keep apart.
+                readonly property real gap: Math.min(28, body.spare * 0.15)
+                x: (parent.width - width) / 2
+                y: card.isShown ? (parent.height - height) / 2 : body.spare * 0.1
+                spacing: gap
+                SystemImage {
+                    anchors.horizontalCenter: parent.horizontalCenter
+                    width: 44
+                    height: 44
+                    symbol: "gearshape.fill"
+                    color: Palette.black(0.55)
                 }
-                PromptButton {
-                    text: "好"
-                    font.weight: Font.DemiBold
-                    textColor: Palette.black(0.82)
-                    strokeColor: Palette.primaryStroke
-                    strokeWidth: 2
+                CentredText {
+                    id: prompt
+                    objectName: "guideText"
+                    anchors.horizontalCenter: parent.horizontalCenter
+                    pattern: "“%1”想启用第三方\n输入法“%1”"
+                    names: [guide.appName]
+                    font { pixelSize: 16; weight: Palette.semibold }
+                    color: Palette.black(0.82)
+                    // The system font's height, and 3 between lines.
+                    lineHeight: 19 + 3
+                    maximumWidth: Math.min(mock.width - 2 * 18, 360)
+                    maximumLineCount: 3
+                    minimumScale: 0.9
+                    Accessible.ignored: true
+                }
+                Row {
+                    anchors.horizontalCenter: parent.horizontalCenter
+                    spacing: 16
+                    PromptButton {
+                        text: "不允许"
+                        font.weight: Font.Medium
+                        textColor: Palette.black(0.78)
+                        strokeColor: Palette.black(0.08)
+                    }
+                    PromptButton {
+                        text: "好"
+                        font.weight: Palette.semibold
+                        textColor: Palette.black(0.82)
+                        strokeColor: Palette.primaryStroke
+                        strokeWidth: 2
+                    }
                 }
             }
         }

@@ -19,21 +19,25 @@ Item {
     Column {
         width: view.contentWidth
         anchors.centerIn: parent
+        scale: Math.min(1, view.height / height)
 
         Item { width: 1; height: Math.max(view.spacer, 28) }
-        Text {
+        Label {
             id: title
             objectName: "waitingTitle"
             anchors.horizontalCenter: parent.horizontalCenter
             text: "启用输入法"
-            font { pixelSize: 30; weight: Font.DemiBold }
+            font { pixelSize: 30; weight: Palette.semibold }
             color: Palette.black(0.85)
         }
-        Text {
+        Label {
             id: instruction
             objectName: "waitingInstruction"
             anchors.horizontalCenter: parent.horizontalCenter
             topPadding: 12
+            width: Math.min(implicitWidth, view.contentWidth)
+            horizontalAlignment: Text.AlignHCenter
+            wrapMode: Text.WrapAtWordBoundaryOrAnywhere
             text: "为了正常使用，请将「澄枫输入法」添加到输入法列表"
             font.pixelSize: 16
             color: Palette.gray
@@ -54,7 +58,7 @@ Item {
             width: Math.min(view.contentWidth, 360)
             height: 56
             radius: 14
-            font { pixelSize: 18; weight: Font.DemiBold }
+            font { pixelSize: 18; weight: Palette.semibold }
             text: "去启用"
             onClicked: view.model.userPressedGoEnable()
         }

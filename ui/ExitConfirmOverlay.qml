@@ -6,6 +6,13 @@ Item {
 
     required property InstallerModel model
 
+    // With the focus it is announced, and Tab begins with its first button.
+    Component.onCompleted: forceActiveFocus()
+    Accessible.role: Accessible.Dialog
+    Accessible.name: model.appDisplayName
+    Accessible.description: message.text
+    Accessible.focusable: true
+
     Rectangle {
         objectName: "dimming"
         anchors.fill: parent
@@ -33,7 +40,6 @@ Item {
 
             Column {
                 anchors.centerIn: parent
-                width: parent.width - 2 * 28
                 spacing: 12
                 SystemImage {
                     anchors.horizontalCenter: parent.horizontalCenter
@@ -42,15 +48,18 @@ Item {
                     symbol: "keyboard"
                     color: Qt.rgba(Palette.gray.r, Palette.gray.g, Palette.gray.b, 0.7)
                 }
-                Text {
+                CentredText {
+                    id: message
                     objectName: "exitMessage"
-                    width: parent.width
-                    horizontalAlignment: Text.AlignHCenter
-                    wrapMode: Text.WrapAtWordBoundaryOrAnywhere
-                    textFormat: Text.PlainText
-                    text: "未启用「%1」\n退出安装将无法使用".arg(overlay.model.appDisplayName)
-                    font { pixelSize: 18; weight: Font.DemiBold }
+                    anchors.horizontalCenter: parent.horizontalCenter
+                    pattern: "未启用「%1」\n退出安装将无法使用"
+                    names: [overlay.model.appDisplayName]
+                    font { pixelSize: 18; weight: Palette.semibold }
                     color: Palette.black(0.85)
+                    lineHeight: 26
+                    maximumWidth: card.width - 2 * 28
+                    Accessible.role: Accessible.StaticText
+                    Accessible.name: text
                 }
             }
         }
@@ -76,7 +85,7 @@ Item {
                 width: 132
                 height: 40
                 radius: 12
-                font { pixelSize: 16; weight: Font.DemiBold }
+                font { pixelSize: 16; weight: Palette.semibold }
                 text: "去启用"
                 onClicked: overlay.model.userPressedGoEnable()
             }

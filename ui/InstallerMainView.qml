@@ -21,7 +21,7 @@ Column {
             Accessible.name: productName.text
         }
     }
-    Text {
+    Label {
         id: productName
         objectName: "productName"
         anchors.horizontalCenter: parent.horizontalCenter
@@ -29,11 +29,10 @@ Column {
         font { pixelSize: 20; weight: Font.Medium }
         color: Palette.black(0.85)
     }
-    Text {
+    Label {
         objectName: "version"
         anchors.horizontalCenter: parent.horizontalCenter
         text: view.model.version
-        textFormat: Text.PlainText
         font.pixelSize: 14
         color: Palette.gray
     }
@@ -55,7 +54,7 @@ Column {
             }
         }
     }
-    Text {
+    Label {
         objectName: "footer"
         anchors.horizontalCenter: parent.horizontalCenter
         topPadding: 8
@@ -97,7 +96,7 @@ Column {
                 value: view.model.installProgress
                 duration: view.model.progressAnimation
             }
-            Text {
+            Label {
                 objectName: "progressText"
                 anchors.horizontalCenter: parent.horizontalCenter
                 text: view.model.progressText
@@ -109,12 +108,14 @@ Column {
     Component {
         id: needAdmin
         NoticeBox {
+            id: needAdminNotice
             objectName: "needAdminNotice"
             color: Palette.primarySoft
             text: "请输入管理员账号密码"
             SecondaryButton {
                 objectName: "retryAuthorisationButton"
                 text: "重试"
+                padding: needAdminNotice.buttonPadding
                 color: Palette.white(0.7)
                 onClicked: view.model.userPressedRetryAuthorisation()
             }
@@ -123,18 +124,22 @@ Column {
     Component {
         id: failed
         NoticeBox {
+            id: failureNotice
             objectName: "failureNotice"
             color: Palette.warning
             text: view.model.failureMessage
+            textInTwoLines: view.model.failureMessageInTwoLines
             SecondaryButton {
                 objectName: "keyboardSettingsButton"
                 text: "打开键盘设置"
+                padding: failureNotice.buttonPadding
                 color: Palette.white(0.8)
                 onClicked: view.model.openKeyboardSettings()
             }
             SecondaryButton {
                 objectName: "retryButton"
                 text: "重试"
+                padding: failureNotice.buttonPadding
                 color: Palette.white(0.8)
                 onClicked: view.model.userPressedInstall()
             }

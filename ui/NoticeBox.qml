@@ -1,14 +1,39 @@
 import QtQuick 2.15
 import Orvane.Installer
 
-// A message and its buttons on a tinted box of fixed size. The row is as wide as
-// what it holds and may reach beyond the box.
+// A message and its buttons on a tinted box of fixed size, which nothing leaves.
 Item {
     id: box
 
     property alias color: fill.color
-    property alias text: message.text
+    property string text
+    // The same text with the line break that it gets where one line has no room.
+    property string textInTwoLines: text
     default property alias buttons: buttonRow.data
+    // The buttons' padding beside their labels.
+    readonly property real buttonPadding: fitted.button
+
+    readonly property var fittedInOneLine: fit(oneLine.implicitWidth)
+    readonly property bool hasTwoLines: fittedInOneLine.missing > 0
+    readonly property var fitted: hasTwoLines ? fit(twoLines.implicitWidth) : fittedInOneLine
+
+    // The gap between neighbours, the padding at the sides of the box and that of the
+    // buttons, for a text of this width. They give way in this order, each down to its
+    // least, until all fits; `missing` is what the text still has to give.
+    function fit(textWidth) {
+        const count = buttonRow.children.length
+        let missing = textWidth + count * (12 + 2 * 10) + 2 * 12 - width
+        for (let i = 0; i < count; ++i) missing += buttonRow.children[i].labelWidth
+        function shrink(from, least, times) {
+            const by = Math.max(0, Math.min(missing / times, from - least))
+            missing -= by * times
+            return from - by
+        }
+        const gap = shrink(12, 6, count)
+        const side = shrink(12, 8, 2)
+        const button = shrink(10, 6, 2 * count)
+        return { gap, side, button, missing: Math.max(0, missing) }
+    }
 
     implicitWidth: 240
     implicitHeight: 44
@@ -18,33 +43,45 @@ Item {
         anchors.fill: parent
         radius: 8
     }
+    Text {
+        id: oneLine
+        visible: false
+        text: box.text
+        textFormat: Text.PlainText
+        font.pixelSize: 14
+    }
+    Text {
+        id: twoLines
+        visible: false
+        text: box.textInTwoLines
+        textFormat: Text.PlainText
+        font.pixelSize: 14
+    }
     Row {
         objectName: "noticeRow"
         anchors.centerIn: parent
-        // What reaches beyond the box should be the last button's padding, white on
-        // white, and not a text.
-        anchors.horizontalCenterOffset: message.isTooLong ? 5 : 0
-        leftPadding: 12
-        rightPadding: 12
-        spacing: 12
+        spacing: box.fitted.gap
 
-        Text {
+        Label {
             id: message
             objectName: "noticeText"
-            // Two lines at most, of like length, and only if one would leave the box.
-            readonly property real room: box.width - parent.spacing - buttonRow.width
-            readonly property bool isTooLong: implicitWidth > room
+            readonly property real room: twoLines.implicitWidth - box.fitted.missing
             anchors.verticalCenter: parent.verticalCenter
-            width: isTooLong ? Math.ceil(implicitWidth / 2 / font.pixelSize) * font.pixelSize
-                             : implicitWidth
+            // Whole pixels, down to 11; what is still too long ends in "…".
+            width: box.hasTwoLines ? room : implicitWidth
+            font.pixelSize: box.hasTwoLines
+                ? Math.max(11, Math.min(14, Math.floor(14 * room / twoLines.implicitWidth))) : 14
             wrapMode: Text.WrapAtWordBoundaryOrAnywhere
-            font.pixelSize: 14
+            maximumLineCount: 2
+            elide: Text.ElideRight
+            Accessible.name: box.text
+            text: box.hasTwoLines ? box.textInTwoLines : box.text
             color: Palette.black(0.85)
         }
         Row {
             id: buttonRow
             anchors.verticalCenter: parent.verticalCenter
-            spacing: 12
+            spacing: box.fitted.gap
         }
     }
 }

@@ -19,6 +19,9 @@ QtObject {
     readonly property color yellow: "#ffcc00"
     readonly property color green: "#28cd41"
 
+    // The workbench's font has no weight between medium and bold.
+    readonly property int semibold: Qt.platform.os === "osx" ? Font.DemiBold : Font.Bold
+
     function black(opacity: double): color { return Qt.rgba(0, 0, 0, opacity) }
     function white(opacity: double): color { return Qt.rgba(1, 1, 1, opacity) }
 }

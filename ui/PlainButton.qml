@@ -79,5 +79,8 @@ Item {
         anchors.fill: parent
         hoverEnabled: true
         onClicked: button.clicked()
+        // The second click of a double click presses nothing: what is under the
+        // pointer by then may have come with the first.
+        onDoubleClicked: {}
     }
 }

@@ -8,5 +8,4 @@ PlainButton {
     color: Palette.primaryTop
     gradientEnd: Palette.primaryBottom
     textColor: "white"
-    hoverVeil: Palette.white(0.14)
 }

@@ -6,6 +6,7 @@
 
 #include "platform/application.h"
 #include "platform/bundle.h"
+#include "platform/main_queue.h"
 #include "ui/installer_ui.h"
 
 namespace {
@@ -33,7 +34,12 @@ InstallerModel::InstallerModel(std::shared_ptr<ContentView> view, QObject* paren
       version_(shortVersion()),
       observations_{
           view_->installProgress.observe([this](auto, auto animation) { showState(animation); }),
-          view_->installationStatus.observe([this](const auto&, auto) { showState(); }),
+          view_->installationStatus.observe([this](const auto& status, auto) {
+            showState();
+            // After what the installation itself still opens.
+            if (status.is(InstallationStatus::success))
+              platform::asyncOnMain(platform::activateIgnoringOtherApps);
+          }),
           view_->isInstalling.observe([this](auto, auto) { showState(); }),
           view_->showExitEnableConfirm.observe([this](auto, auto) { showState(); }),
       } {}
@@ -68,6 +74,15 @@ InstallerModel::Status InstallerModel::status() const {
 
 QString InstallerModel::failureMessage() const {
   return QString::fromStdString(view_->installationStatus->message());
+}
+
+QString InstallerModel::failureMessageInTwoLines() const {
+  const QString message = failureMessage();
+  for (const QString& firstLine : {QStringLiteral("未检测到"), QStringLiteral("找不到安装脚本")}) {
+    if (message.startsWith(firstLine))
+      return firstLine + u'\n' + message.mid(firstLine.size()).trimmed();
+  }
+  return message;
 }
 
 QString InstallerModel::progressText() const {

@@ -18,6 +18,7 @@ class InstallerModel : public QObject {
   QML_UNCREATABLE("There is one, which the window is given.")
   Q_PROPERTY(Status status READ status NOTIFY stateChanged)
   Q_PROPERTY(QString failureMessage READ failureMessage NOTIFY stateChanged)
+  Q_PROPERTY(QString failureMessageInTwoLines READ failureMessageInTwoLines NOTIFY stateChanged)
   Q_PROPERTY(bool isInstalling READ isInstalling NOTIFY stateChanged)
   Q_PROPERTY(bool showExitEnableConfirm READ showExitEnableConfirm NOTIFY stateChanged)
   Q_PROPERTY(double installProgress READ installProgress NOTIFY installProgressChanged)
@@ -35,6 +36,9 @@ class InstallerModel : public QObject {
   Status status() const;
   /// Empty unless failed.
   QString failureMessage() const;
+  /// The same with a line break between two of its words, if a good place is known.
+  /// The toolkit breaks a Chinese text anywhere, in the middle of a word as well.
+  QString failureMessageInTwoLines() const;
   bool isInstalling() const { return view_->isInstalling; }
   bool showExitEnableConfirm() const { return view_->showExitEnableConfirm; }
   /// 0.0 to 1.0.
@@ -49,8 +53,8 @@ class InstallerModel : public QObject {
   /// The bundle's version, "-" if it has none.
   QString version() const { return version_; }
 
-  // What the buttons do. The second click of a double click may come before the
-  // button has gone; it starts no second run.
+  // What the buttons do. A key may come before the button has gone; it starts no
+  // second run.
   Q_INVOKABLE void userPressedInstall() {
     if (!view_->isInstalling) view_->userPressedInstall();
   }

@@ -2,11 +2,16 @@
 
 #include <QFont>
 #include <QGuiApplication>
+#include <QIcon>
+#include <QPixmap>
 #include <QQuickWindow>
 #include <QtGlobal>
 #include <string>
 
 #include "platform/bundle.h"
+#include "platform/pictures.h"
+#include "ui/named_window.h"
+#include "ui/painted_items.h"
 #include "ui/progress_item.h"
 
 // The build names these functions after the QML module. They must be called,
@@ -25,10 +30,14 @@ void prepareToolkit() {
     QQuickWindow::setSceneGraphBackend(QStringLiteral("software"));
 }
 
-void setApplicationFont() {
+void setApplicationLook() {
   QFont font = QGuiApplication::font();
 #ifdef Q_OS_LINUX
   font.setFamily(QStringLiteral("Noto Sans CJK SC"));
+  QIcon icon;  // on macOS the bundle's own
+  for (const int side : {16, 32, 64, 128, 256})
+    icon.addPixmap(QPixmap::fromImage(toQImage(platform::applicationIcon(side))));
+  QGuiApplication::setWindowIcon(icon);
 #endif
   font.setPixelSize(kFontSize);
   QGuiApplication::setFont(font);
@@ -47,6 +56,7 @@ void registerInstallerUi() {
   Q_INIT_RESOURCE(qmlcache_orvane_ui);
   qml_register_types_Orvane_Installer();
   ProgressItem::installAccessibility();
+  NamedWindow::installAccessibility();
 }
 
 QUrl contentBodyUrl() {

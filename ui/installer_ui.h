@@ -10,7 +10,7 @@ void prepareToolkit();
 
 /// Sets the font that every text starts from. Call it once there is an
 /// application.
-void setApplicationFont();
+void setApplicationLook();
 
 /// The product's name as the user sees it: the bundle's display name, or else its
 /// name, or else a fixed one.

@@ -92,12 +92,6 @@ double pixelRatio(const QPainter& painter) {
   return painter.deviceTransform().m11();
 }
 
-QImage toQImage(const platform::Image& image) {
-  return QImage(image.pixels.data(), image.width, image.height, image.width * qsizetype{4},
-                QImage::Format_RGBA8888_Premultiplied)
-      .copy();
-}
-
 /// Repaints this item after each `changed` of its own.
 template <class Item>
 void repaintOnChange(Item* item) {
@@ -106,6 +100,12 @@ void repaintOnChange(Item* item) {
 }
 
 }  // namespace
+
+QImage toQImage(const platform::Image& image) {
+  return QImage(image.pixels.data(), image.width, image.height, image.width * qsizetype{4},
+                QImage::Format_RGBA8888_Premultiplied)
+      .copy();
+}
 
 ContinuousRectangle::ContinuousRectangle(QQuickItem* parent) : QQuickPaintedItem(parent) {
   repaintOnChange(this);

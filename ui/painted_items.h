@@ -9,6 +9,11 @@
 #include <QString>
 #include <QtQmlIntegration>
 
+#include "platform/pictures.h"
+
+/// A picture of the platform as one of the toolkit.
+QImage toQImage(const platform::Image& image);
+
 /// A rectangle with continuous corners: filled with one colour, or with a linear
 /// gradient from the top-left to the bottom-right corner, and outlined inside
 /// its edge.

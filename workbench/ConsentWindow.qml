@@ -8,18 +8,13 @@ Rectangle {
 
     required property ConsentQuestion question
 
-    implicitWidth: text.width + 2 * 24
+    implicitWidth: 360 + 2 * 24
     implicitHeight: column.height + 2 * 32
     color: "white"
     // Its edge where no window manager draws one.
     border { width: 1; color: Palette.black(0.12) }
     Accessible.role: Accessible.AlertMessage
-    Accessible.name: text.text
-
-    FontMetrics {
-        id: metrics
-        font: text.font
-    }
+    Accessible.name: sentence.text
 
     Column {
         id: column
@@ -32,18 +27,17 @@ Rectangle {
             symbol: "gearshape.fill"
             color: Palette.black(0.55)
         }
-        Text {
-            id: text
+        CentredText {
+            id: sentence
             anchors.horizontalCenter: parent.horizontalCenter
-            width: 360
-            horizontalAlignment: Text.AlignHCenter
-            wrapMode: Text.WrapAtWordBoundaryOrAnywhere
-            lineHeightMode: Text.FixedHeight
-            lineHeight: metrics.lineSpacing + 3
-            textFormat: Text.PlainText
-            text: "“%1”想启用第三方\n输入法“%2”".arg(root.question.appName).arg(root.question.inputMethodName)
-            font { pixelSize: 16; weight: Font.DemiBold }
+            pattern: "“%1”想启用第三方\n输入法“%2”"
+            names: [root.question.appName, root.question.inputMethodName]
+            font { pixelSize: 16; weight: Palette.semibold }
             color: Palette.black(0.82)
+            lineHeight: 19 + 3
+            maximumWidth: 360
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
         }
         Row {
             anchors.horizontalCenter: parent.horizontalCenter
@@ -57,7 +51,7 @@ Rectangle {
                 onClicked: root.question.answered(false)
             }
             AnswerButton {
-                font { pixelSize: 14; weight: Font.DemiBold }
+                font { pixelSize: 14; weight: Palette.semibold }
                 textColor: Palette.black(0.82)
                 strokeColor: Palette.primaryStroke
                 strokeWidth: 2

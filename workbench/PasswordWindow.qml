@@ -38,19 +38,18 @@ Rectangle {
             LockBadge { anchors { right: parent.right; bottom: parent.bottom; margins: -4 } }
         }
         Item { width: 1; height: 16 }
-        Text {
+        Label {
             width: parent.width
             horizontalAlignment: Text.AlignHCenter
             wrapMode: Text.WrapAtWordBoundaryOrAnywhere
             maximumLineCount: 6
             elide: Text.ElideRight
-            textFormat: Text.PlainText
             text: root.prompt.text
-            font { pixelSize: 15; weight: Font.DemiBold }
+            font { pixelSize: 15; weight: Palette.semibold }
             color: Palette.black(0.85)
         }
         Item { width: 1; height: 6 }
-        Text {
+        Label {
             width: parent.width
             horizontalAlignment: Text.AlignHCenter
             wrapMode: Text.WrapAtWordBoundaryOrAnywhere
@@ -128,7 +127,7 @@ Rectangle {
                 width: buttons.buttonWidth
                 height: 36
                 radius: 9
-                font { pixelSize: 14; weight: Font.DemiBold }
+                font { pixelSize: 14; weight: Palette.semibold }
                 text: "好"
                 onClicked: root.prompt.accepted(password)
             }

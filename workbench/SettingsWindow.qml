@@ -29,12 +29,12 @@ Rectangle {
         }
         Column {
             anchors.verticalCenter: parent.verticalCenter
-            Text {
+            Label {
                 text: "输入法"
-                font { pixelSize: 18; weight: Font.DemiBold }
+                font { pixelSize: 18; weight: Palette.semibold }
                 color: Palette.black(0.85)
             }
-            Text {
+            Label {
                 text: "打开后即可用它输入文字"
                 font.pixelSize: 12
                 color: Palette.black(0.5)
@@ -86,18 +86,16 @@ Rectangle {
                             anchors { left: parent.left; right: mark.left; margins: 16 }
                             anchors.verticalCenter: parent.verticalCenter
                             spacing: 1
-                            Text {
+                            Label {
                                 width: parent.width
                                 elide: Text.ElideRight
-                                textFormat: Text.PlainText
                                 text: row.source.name ?? ""
                                 font { pixelSize: 14; weight: Font.Medium }
                                 color: Palette.black(0.85)
                             }
-                            Text {
+                            Label {
                                 width: parent.width
                                 elide: Text.ElideMiddle
-                                textFormat: Text.PlainText
                                 text: row.source.isAsked ? "等待许可 · " + row.source.id
                                                          : row.source.id ?? ""
                                 font.pixelSize: 11
@@ -113,7 +111,7 @@ Rectangle {
                             height: 20
                             radius: 6
                             color: Palette.primarySoft
-                            Text {
+                            Label {
                                 id: markText
                                 anchors.centerIn: parent
                                 text: "当前"
@@ -128,6 +126,8 @@ Rectangle {
                             enabled: !row.source.isFixed
                             isOn: row.source.isEnabled ?? false
                             name: row.source.name ?? ""
+                            status: row.source.isCurrent ? "当前"
+                                : row.source.isAsked ? "等待许可" : ""
                             onTurned: on => root.list.setEnabled(row.source.id, on)
                             onActiveFocusChanged: {
                                 if (!activeFocus) return

@@ -8,6 +8,8 @@ Item {
 
     property bool isOn: false
     property string name
+    // What else is to be said of what it switches.
+    property string status
     // Whether the user has moved it. Before that it changes without animation.
     property bool isAnimated: false
 
@@ -21,8 +23,10 @@ Item {
     Accessible.checkable: true
     Accessible.checked: isOn
     Accessible.focusable: enabled
-    Accessible.onToggleAction: turned(!isOn)
-    Accessible.onPressAction: turned(!isOn)
+    Accessible.readOnly: !enabled
+    Accessible.description: enabled ? status : (status ? status + "，" : "") + "不能更改"
+    Accessible.onToggleAction: if (enabled) turned(!isOn)
+    Accessible.onPressAction: if (enabled) turned(!isOn)
 
     Keys.onPressed: event => {
         if (event.key !== Qt.Key_Space && event.key !== Qt.Key_Return && event.key !== Qt.Key_Enter)

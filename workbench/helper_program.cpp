@@ -51,7 +51,7 @@ HelperProgram::HelperProgram(const char* name, const char* noDisplayWords, int n
     : name_(prepare(name, noDisplayWords, noDisplayStatus)),
       application_(argumentCount_, arguments_.data()) {
   QGuiApplication::setQuitOnLastWindowClosed(false);
-  setApplicationFont();
+  setApplicationLook();
   registerInstallerUi();
   Q_INIT_RESOURCE(qmlcache_orvane_workbench);
   qml_register_types_Orvane_Workbench();
@@ -74,9 +74,12 @@ void HelperProgram::open(const QString& screen, const QVariantMap& properties, c
   QObject::connect(root, &QQuickItem::implicitWidthChanged, &view_, fit);
   QObject::connect(root, &QQuickItem::implicitHeightChanged, &view_, fit);
   fit();
+  const QRect available = view_.screen()->availableGeometry();
   QRect frame(QPoint(), view_.size());
-  frame.moveCenter(view_.screen()->availableGeometry().center());
-  view_.setPosition(frame.topLeft());
+  frame.moveCenter(available.center());
+  if (neighbour_.isValid())
+    frame.moveTopLeft(::placeBeside(neighbour_, frame.size(), available, side_));
+  view_.setFramePosition(reachablePlace(frame, available));
 
   Qt::WindowFlags flags = Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
                           (view_.flags() & Qt::WindowStaysOnTopHint);

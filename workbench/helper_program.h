@@ -10,6 +10,8 @@
 #include <functional>
 #include <string>
 
+#include "ui/window_placement.h"
+
 /// The toolkit and the window of a helper program; one a process.
 class HelperProgram {
  public:
@@ -17,9 +19,14 @@ class HelperProgram {
   /// process ends here, with `noDisplayWords`, a reason and this status.
   HelperProgram(const char* name, const char* noDisplayWords, int noDisplayStatus);
 
-  /// Shows the screen "`screen`.qml" in the middle of the display, as large as
-  /// its root asks to be, now and later. `isClosable` gives it a close button, and
-  /// `shouldClose` is asked when the user closes it.
+  /// Puts the window on this side of a frame on the screen, and not in the middle.
+  void placeBeside(const QRect& frame, Side side) {
+    neighbour_ = frame;
+    side_ = side;
+  }
+
+  /// Shows the screen "`screen`.qml", as large as its root asks to be, now and later. `isClosable`
+  /// gives it a close button, and `shouldClose` is asked when the user closes it.
   void open(const QString& screen, const QVariantMap& properties, const QString& title,
             bool isClosable, std::function<bool()> shouldClose);
 
@@ -37,4 +44,6 @@ class HelperProgram {
   std::array<char*, 2> arguments_{name_.data(), nullptr};
   QGuiApplication application_;
   QQuickView view_;
+  QRect neighbour_;
+  Side side_ = Side::right;
 };

@@ -24,7 +24,12 @@ constexpr const char* kName = "input-source-agent";
 constexpr int kFailed = 1;
 constexpr int kNoDisplay = 69;
 
-int askForConsent(const std::string& id) {
+/// A frame of four numbers; not valid if there are none.
+QRect toFrame(const std::vector<int>& numbers) {
+  return numbers.size() == 4 ? QRect(numbers[0], numbers[1], numbers[2], numbers[3]) : QRect();
+}
+
+int askForConsent(const std::string& id, const QRect& beside) {
   const auto source = service::findInputSource(id);
   if (!source) {
     std::cerr << kName << ": no input source has the identifier " << id << '\n';
@@ -60,18 +65,20 @@ int askForConsent(const std::string& id) {
   });
   instance.onOtherStart(platform::activateIgnoringOtherApps);
   program.keepOnTop();
+  program.placeBeside(beside, Side::right);
   program.open(QStringLiteral("ConsentWindow"), {{"question", QVariant::fromValue(&question)}},
                QStringLiteral("输入法许可"), /*isClosable=*/false,
                [] { return false; });  // only its buttons answer it
   return program.run();
 }
 
-int showSettings() {
+int showSettings(const QRect& beside) {
   SingleInstance instance("settings");
   if (!instance.take()) return 0;
   HelperProgram program(kName, kName, kNoDisplay);
   InputSourceList list;
   instance.onOtherStart(platform::activateIgnoringOtherApps);
+  program.placeBeside(beside, Side::left);
   program.open(QStringLiteral("SettingsWindow"), {{"list", QVariant::fromValue(&list)}},
                QStringLiteral("键盘 · 输入法"), /*isClosable=*/true, [] {
                  HelperProgram::end(0);
@@ -93,7 +100,12 @@ int main(int argc, char** argv) {
   bool settings = false;
   window->add_flag("--settings", settings, "show the input sources, each with a switch");
   window->require_option(1);
+  std::vector<int> beside;
+  program.add_option("--beside", beside, "open the window beside this frame, in points")
+      ->type_name("X,Y,WIDTH,HEIGHT")
+      ->delimiter(',')
+      ->expected(4);
   addCommonOptions(program);
   if (const auto status = parseArguments(program, argc, argv)) return *status;
-  return settings ? showSettings() : askForConsent(id);
+  return settings ? showSettings(toFrame(beside)) : askForConsent(id, toFrame(beside));
 }

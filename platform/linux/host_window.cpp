@@ -3,8 +3,13 @@
 #include "platform/host_window.h"
 
 #include <QEvent>
+#include <QPointer>
 #include <QWindow>
+#include <cmath>
+#include <optional>
 #include <utility>
+
+#include "platform/linux/input_source_service.h"
 
 namespace platform {
 
@@ -13,6 +18,23 @@ namespace {
 constexpr auto kWindowGuard = "windowGuard";
 // An empty title makes Qt and some window managers put another in its place.
 constexpr auto kBlankTitle = "\u200b";
+
+Rect toRect(const QRect& rect) {
+  return {static_cast<double>(rect.x()), static_cast<double>(rect.y()),
+          static_cast<double>(rect.width()), static_cast<double>(rect.height())};
+}
+
+/// The largest size in whole points, up to this one, that is one in whole pixels too.
+/// The edge of another is drawn only in part, and stays dark.
+QSize wholeSize(const QWindow& window, const QSizeF& size) {
+  const auto whole = [ratio = window.devicePixelRatio()](double length) {
+    constexpr int kMostLost = 4;  // points: every quarter of a scale is whole within these
+    for (int points = static_cast<int>(length); points > length - kMostLost; --points)
+      if (points * ratio == std::floor(points * ratio)) return points;
+    return static_cast<int>(length);
+  };
+  return {whole(size.width()), whole(size.height())};
+}
 
 /// What the window does when the user asks it to close or minimises it. Belongs
 /// to the window and so outlives the HostWindow.
@@ -44,6 +66,9 @@ class WindowGuard : public QObject {
   explicit WindowGuard(QWindow& window) : QObject(&window), window_(window) {
     setObjectName(QLatin1String(kWindowGuard));
     window.installEventFilter(this);
+    linux_::placeAgentBeside([guard = QPointer(this)] {
+      return guard ? std::optional(toRect(guard->window_.frameGeometry())) : std::nullopt;
+    });
   }
 
   QWindow& window_;
@@ -65,9 +90,7 @@ double HostWindow::backingScaleFactor() const {
 }
 
 Rect HostWindow::frame() const {
-  const QRect frame = impl_->window.frameGeometry();
-  return {static_cast<double>(frame.x()), static_cast<double>(frame.y()),
-          static_cast<double>(frame.width()), static_cast<double>(frame.height())};
+  return toRect(impl_->window.frameGeometry());
 }
 
 Rect HostWindow::frameRectForContentRect(const Rect& content) const {
@@ -78,12 +101,15 @@ Rect HostWindow::frameRectForContentRect(const Rect& content) const {
 }
 
 void HostWindow::setFrame(const Rect& frame) {
-  const QRect outer = QRectF(frame.x, frame.y, frame.width, frame.height).toRect();
-  impl_->window.setGeometry(outer - impl_->window.frameMargins());
+  const QRectF content = QRectF(frame.x, frame.y, frame.width, frame.height)
+                             .marginsRemoved(QMarginsF(impl_->window.frameMargins()));
+  const QSize size = wholeSize(impl_->window, content.size());
+  impl_->window.setGeometry(
+      QRectF(content.center() - QPointF(size.width(), size.height()) / 2, size).toRect());
 }
 
 void HostWindow::setFixedContentSize(const Size& size) {
-  const QSize fixed = QSizeF(size.width, size.height).toSize();
+  const QSize fixed = wholeSize(impl_->window, {size.width, size.height});
   impl_->window.setMinimumSize(fixed);
   impl_->window.setMaximumSize(fixed);
 }

@@ -1,7 +1,9 @@
 #include "platform/linux/input_source_service.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
+#include <functional>
 #include <utility>
 
 #include "platform/bundle.h"
@@ -109,6 +111,14 @@ bool hasInputMethodComponent(const std::string& identifier) {
   return ("." + identifier + ".").find(".inputmethod.") != std::string::npos;
 }
 
+using FrameSource = std::function<std::optional<Rect>()>;
+
+/// What the agent's windows are to lie beside.
+FrameSource& agentNeighbour() {
+  static FrameSource source = [] { return std::nullopt; };
+  return source;
+}
+
 }  // namespace
 
 std::vector<InputSourceInfo> installedInputSources() {
@@ -192,6 +202,10 @@ Status denyInputMethod(const std::string& id) {
   });
 }
 
+void placeAgentBeside(std::function<std::optional<Rect>()> frame) {
+  agentNeighbour() = std::move(frame);
+}
+
 bool startInputSourceAgent(std::vector<std::string> arguments) {
   const auto isSet = [](const char* name) {
     const char* value = std::getenv(name);
@@ -202,6 +216,12 @@ bool startInputSourceAgent(std::vector<std::string> arguments) {
   if (!fs::exists(agent, error) || !(isSet("DISPLAY") || isSet("WAYLAND_DISPLAY"))) return false;
   const auto root = rootArguments();
   arguments.insert(arguments.begin(), root.begin(), root.end());
+  if (const auto frame = agentNeighbour()()) {
+    std::string numbers;
+    for (const double each : {frame->x, frame->y, frame->width, frame->height})
+      numbers += (numbers.empty() ? "" : ",") + std::to_string(std::lround(each));
+    arguments.push_back("--beside=" + numbers);
+  }
   return startDetached(agent, arguments);
 }
 

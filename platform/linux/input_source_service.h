@@ -6,10 +6,12 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "platform/host_window.h"
 #include "platform/text_input_sources.h"
 
 namespace platform::linux_ {
@@ -65,5 +67,9 @@ Status denyInputMethod(const std::string& id);
 /// Starts the agent of the running bundle on the same root and does not wait for
 /// it. Whether it has started; it needs a display.
 bool startInputSourceAgent(std::vector<std::string> arguments);
+
+/// From now on the agent is asked to open its windows beside the frame that `frame`
+/// returns when it is started. Main thread.
+void placeAgentBeside(std::function<std::optional<Rect>()> frame);
 
 }  // namespace platform::linux_

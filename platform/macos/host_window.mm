@@ -5,9 +5,12 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <QWindow>
+#include <string>
 #include <utility>
 
+#include "platform/bundle.h"
 #include "platform/macos/main_thread.h"
+#include "platform/macos/ns_string.h"
 #include "platform/macos/standard_menu.h"
 
 namespace platform {
@@ -124,6 +127,9 @@ void HostWindow::hideTitle() {
   NSWindow* window = impl_->native();
   window.titleVisibility = NSWindowTitleHidden;
   window.title = @"";
+  const auto name = bundleInfoValue("CFBundleDisplayName");
+  if (const auto* text = name ? name->as<std::string>() : nullptr)
+    window.accessibilityTitle = toNSString(*text);  // for assistive tools
   window.titlebarAppearsTransparent = YES;
 }
 

@@ -96,6 +96,7 @@ typedef enum NSWindowButton : NSUInteger {
 
 @interface NSWindow : NSResponder
 @property(copy) NSString* title;
+@property(copy) NSString* accessibilityTitle;
 @property NSWindowTitleVisibility titleVisibility;
 @property BOOL titlebarAppearsTransparent;
 @property NSWindowStyleMask styleMask;
