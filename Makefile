@@ -13,7 +13,7 @@
 PRESET := release
 APP := build/Orvane Installer.app
 
-.PHONY: all setup run test check demo bench fuzz format sanitize macos-app macos-check clean
+.PHONY: all setup run test check demo reference bench fuzz format sanitize macos-app macos-check clean
 
 all:
 	@tools/setup.sh --check
@@ -24,8 +24,8 @@ setup:
 	@tools/setup.sh
 
 # What these targets need is set up before all of them.
-run test check demo bench sanitize: setup
-run test demo bench: all
+run test check demo reference bench sanitize: setup
+run test demo reference bench: all
 
 run:
 	@tools/run.sh "$(APP)"
@@ -35,6 +35,10 @@ test:
 
 demo:
 	@tools/demo.sh "$(APP)" build/demo
+
+# Takes the screens as they are now for the pictures that the tests compare with.
+reference:
+	@cmake --build --preset $(PRESET) --target reference
 
 bench:
 	@build/release/bench/log_follow

@@ -23,10 +23,10 @@ packages='
   qml6-module-qtquick qml6-module-qtquick-window
   libcli11-dev libplist-dev libplist-utils libutfcpp-dev
   libgtest-dev
-  fonts-noto-cjk librsvg2-bin icnsutils
+  fonts-noto-cjk fonts-noto-cjk-extra librsvg2-bin icnsutils
   zip unzip libarchive-tools openssl perl-base sudo
-  xvfb xauth xdotool openbox x11-utils imagemagick
-  procps
+  xvfb xauth xdotool openbox x11-utils imagemagick webp procps
+  dbus-daemon at-spi2-core python3-gi gir1.2-atspi-2.0
   clang-14 clang-format clang-tidy libclang-rt-14-dev shellcheck
   clang-19 llvm-14 python3-pip
 '
