@@ -6,6 +6,7 @@
 # make fuzz   every fuzz target for a minute
 # make macos-app    the whole application for macOS, made on Linux
 # make macos-check  the macOS side and its tests, compiled and analysed on Linux
+# make soak   millions of simulated installations, from another seed each time
 # Each of these sets up this machine first, if something is missing.
 # make        builds, and installs nothing
 # make setup  sets up this machine
@@ -13,7 +14,7 @@
 PRESET := release
 APP := build/Orvane Installer.app
 
-.PHONY: all setup run test check demo reference bench fuzz format sanitize macos-app macos-check clean
+.PHONY: all setup run test check demo reference bench fuzz format sanitize macos-app macos-check clean soak
 
 all:
 	@tools/setup.sh --check
@@ -45,6 +46,10 @@ bench:
 	@if [ -n "$$DISPLAY" ]; then build/release/bench/first_frame build/release/bench/bare_window "$(APP)/Contents/MacOS/Orvane Installer"; \
 	else xvfb-run -a -s '-noreset -screen 0 1280x1024x24' \
 	  build/release/bench/first_frame build/release/bench/bare_window "$(APP)/Contents/MacOS/Orvane Installer"; fi
+
+# SEED and SCHEDULES choose others.
+soak: all
+	@build/release/tests/simulation_test --seed $${SEED:-$$(date +%s)000000} --schedules $${SCHEDULES:-3000000}
 
 # The same tests under the address, undefined-behaviour and thread sanitizers.
 sanitize:

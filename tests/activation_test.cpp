@@ -2,18 +2,16 @@
 
 #include <cstdlib>
 
+#include "tests/identifiers.h"
 #include "tests/view_test.h"
 
 namespace {
 
-const std::string kBase = "com.tessal.inputmethod.Orvane";
-const std::string kPinyin = "com.tessal.inputmethod.Orvane.pinyin";
 const std::string kNotified =
     "收到输入源启用状态更新（kTISNotifyEnabledKeyboardInputSourcesChanged）\n";
 const std::vector<std::string> kRestarts = {"run /usr/bin/killall -9 TextInputMenuAgent",
                                             "run /usr/bin/killall -9 TextInputSwitcher"};
-const std::string kSettingsApp =
-    "open application Library/Input Methods/Orvane.app/Contents/MacOS/OrvaneSettings.app";
+const std::string kSettingsApp = "/Contents/MacOS/OrvaneSettings.app";
 
 class ActivationTest : public ViewTest {
  protected:
@@ -29,9 +27,16 @@ class ActivationTest : public ViewTest {
 
 TEST_F(ActivationTest, FreshInstallFromScriptToSettings) {
   platform.addInputMethod();
-  platform.putFile("/unused", "");
+  Lines shown;
+  const auto progress = view->installProgress.observe([&](double value, auto animation) {
+    shown.push_back(std::to_string(value) + " over " +
+                    std::to_string(animation ? animation->duration.count() : 0));
+  });
   runScript();
-  platform.putFile("/Library/Input Methods/Orvane.app/Contents/MacOS/OrvaneSettings.app/x", "");
+  EXPECT_EQ(calls({"observe", "register"}),
+            (Lines{"observe", "register " + kBundleOnDisk,
+                   "register with Launch Services " + kBundleOnDisk + " (update)"}));
+  platform.putFile(kBundle + kSettingsApp + "/x", "");
   platform.takeJournal();
   platform.advance(0.2499);
   EXPECT_EQ(status(), InstallationStatus::installing);
@@ -48,8 +53,9 @@ TEST_F(ActivationTest, FreshInstallFromScriptToSettings) {
   platform.notifyEnabledSourcesChanged();
   platform.advance(0.35);
   EXPECT_EQ(status(), InstallationStatus::success);
-  EXPECT_EQ(platform.journal, (Lines{"deselect " + kPinyin, "select " + kPinyin, "stop observing",
-                                     kRestarts[0], kRestarts[1], kSettingsApp}));
+  EXPECT_EQ(platform.journal,
+            (Lines{"deselect " + kPinyin, "select " + kPinyin, "stop observing", kRestarts[0],
+                   kRestarts[1], "open application " + kBundleOnDisk + kSettingsApp}));
   EXPECT_EQ(
       uiLog(),
       "开始注册并激活输入法...\n启用路径：全新安装（可能弹出“允许启用”提示）\n"
@@ -62,6 +68,10 @@ TEST_F(ActivationTest, FreshInstallFromScriptToSettings) {
 
   view->finalizeInstallSuccess(true);
   EXPECT_EQ(calls({"run", "open application"}).size(), 3U);
+  platform.drain();
+  EXPECT_EQ(shown.front(), "0.000000 over 0.000000");
+  EXPECT_EQ(shown.at(1), "1.000000 over 0.250000");
+  EXPECT_EQ(shown.back(), "1.000000 over 0.300000");
 }
 
 TEST_F(ActivationTest, OverwriteInstallEndsAtOnceAndSelectsNothing) {
@@ -70,20 +80,24 @@ TEST_F(ActivationTest, OverwriteInstallEndsAtOnceAndSelectsNothing) {
   platform.setEnabled(kBase, true);
   runScript();
   EXPECT_EQ(status(), InstallationStatus::success);
+  EXPECT_FALSE(view->isInstalling);
+  EXPECT_EQ(view->installProgress.get(), 1.0);
   EXPECT_EQ(calls({"observe", "enable", "select", "register", "run", "open application", "set"}),
-            (Lines{"register Library/Input Methods/Orvane.app",
-                   "register with Launch Services Library/Input Methods/Orvane.app (update)",
-                   kRestarts[0], kRestarts[1]}));
+            (Lines{"register " + kBundleOnDisk,
+                   "register with Launch Services " + kBundleOnDisk + " (update)", kRestarts[0],
+                   kRestarts[1]}));
   EXPECT_TRUE(view->logText->ends_with("已处理覆盖安装：跳过切换当前输入法（ok=true）\n"));
 
   // Registration is once a window; defaults and agents are once a run.
-  for (const char* value : {"true", " 1", "1"}) {
+  for (const char* value : {"true", " 1", "1", "1"}) {
+    // As a fresh run before would have left it: it goes after the agents.
+    view->registerEnabledInputSourcesChangedNotificationIfNeeded();
     platform.takeJournal();
     ::setenv("TESSAL_INSTALLER_WRITE_HITOOLBOX_DEFAULTS", value, 1);
     runScript();
     EXPECT_EQ(calls({"register"}), Lines{});
-    EXPECT_EQ(calls({"set"}).size(), value == std::string("1") ? 3U : 0U) << value;
-    EXPECT_EQ(calls({"run"}), kRestarts);
+    EXPECT_EQ(calls({"synchronize"}).size(), value == std::string("1") ? 1U : 0U) << value;
+    EXPECT_EQ(calls({"run", "stop"}), (Lines{kRestarts[0], kRestarts[1], "stop observing"}));
   }
 }
 
@@ -104,7 +118,7 @@ TEST_F(ActivationTest, SettingsAreFoundElsewhereOrSkipped) {
   view->launchSettingsBootstrapIfNeeded();
   EXPECT_EQ(uiLog(), "首装 bootstrap：未找到设置应用，跳过\n");
   view->didLaunchSettingsBootstrap = false;
-  platform.applications["com.tessal.inputmethod.Orvane.settings"] = platform.root / "Elsewhere.app";
+  platform.applications[kBase + ".settings"] = platform.root / "Elsewhere.app";
   view->launchSettingsBootstrapIfNeeded();
   EXPECT_TRUE(view->logText->ends_with("已拉起设置应用（首装 bootstrap，fallback）\n"));
   EXPECT_EQ(calls({"open"}), Lines{"open application Elsewhere.app"});
@@ -129,9 +143,12 @@ TEST_F(ActivationTest, EnableRequestsKeepSixSecondsApart) {
   platform.advance(10);
   view->attemptFreshEnable("user");
   EXPECT_EQ(platform.takeJournal(), Lines{"activate"});
-  view->installationStatus = InstallationStatus::success;
-  view->attemptFreshEnable("user");
-  EXPECT_TRUE(platform.journal.empty());
+  for (const auto over : {InstallationStatus::success, InstallationStatus::failed}) {
+    view->installationStatus = over;
+    view->attemptFreshEnable("user");
+    view->handleEnabledKeyboardInputSourcesChanged("x");
+    EXPECT_TRUE(platform.journal.empty());
+  }
 }
 
 TEST_F(ActivationTest, AttemptWithoutBaseSourceIsNotThrottled) {
@@ -143,7 +160,7 @@ TEST_F(ActivationTest, AttemptWithoutBaseSourceIsNotThrottled) {
             "未找到 base 输入源，无法调用 TISEnableInputSource（trigger=auto）\n"
             "未找到 base 输入源，无法调用 TISEnableInputSource（trigger=user）\n");
   // Nothing is installed, so Launch Services was not asked.
-  EXPECT_EQ(calls({"register"}), Lines{"register Library/Input Methods/Orvane.app"});
+  EXPECT_EQ(calls({"register"}), Lines{"register " + kBundleOnDisk});
 }
 
 TEST_F(ActivationTest, BurstOfNotificationsIsHandledOnce) {
@@ -178,12 +195,17 @@ TEST_F(ActivationTest, PollStandsBackAfterNotificationAndStopsWithTheScreen) {
   view->enableWaitingViewDidAppear();
   view->startEnablePolling();
   EXPECT_EQ(platform.liveTimers(), 1U);
-  platform.advance(1.4);
-  view->handleEnabledKeyboardInputSourcesChanged("x");  // at 1.4 s: ticks at 1.5 and 3.0 wait
+  platform.advance(1.6);
+  view->handleEnabledKeyboardInputSourcesChanged("x");  // the ticks at 3.0 and 4.5 s wait
   allow();
   platform.advance(2.9);
   EXPECT_EQ(status(), InstallationStatus::waitingEnable);
-  platform.advance(0.3);  // the tick at 4.5 s
+  platform.statuses["select"] = {-1, -1, -1, -1};
+  view->handleEnabledKeyboardInputSourcesChanged("x");  // until 7.5 s, whose tick selects in vain
+  platform.advance(3.0);
+  EXPECT_EQ(calls({"select"}).size(), 5U);
+  EXPECT_EQ(status(), InstallationStatus::waitingEnable);
+  platform.advance(1.5);
   EXPECT_EQ(status(), InstallationStatus::success);
   EXPECT_EQ(platform.liveTimers(), 1U);
   view->enableWaitingViewDidDisappear();
@@ -195,7 +217,11 @@ TEST_F(ActivationTest, PollFindsSelectionMadeElsewhereWithoutSelecting) {
   view->startEnablePolling();
   platform.advance(1.5);
   EXPECT_EQ(handledCount(), 0U);  // base not enabled: nothing to select
-  platform.current = platform.sources.back();
+  platform.current = platform.mode;
+  view->installationStatus = InstallationStatus::needAdmin;
+  platform.advance(1.5);
+  EXPECT_EQ(status(), InstallationStatus::needAdmin);
+  view->installationStatus = InstallationStatus::waitingEnable;
   platform.advance(1.5);
   EXPECT_EQ(status(), InstallationStatus::success);
   EXPECT_EQ(handledCount(), 0U);
@@ -204,7 +230,7 @@ TEST_F(ActivationTest, PollFindsSelectionMadeElsewhereWithoutSelecting) {
 TEST_F(ActivationTest, EarlyFinalisationIsOvertakenByTheDelayedBlock) {
   platform.addInputMethod();
   runScript();
-  platform.current = platform.sources.back();
+  platform.current = platform.mode;
   platform.setEnabled(kBase, true);
   view->handleEnabledKeyboardInputSourcesChanged("x");
   EXPECT_EQ(status(), InstallationStatus::success);
@@ -216,12 +242,15 @@ TEST_F(ActivationTest, EarlyFinalisationIsOvertakenByTheDelayedBlock) {
   platform.advance(1.0);
   EXPECT_EQ(status(), InstallationStatus::success);
   EXPECT_EQ(calls({"run"}), kRestarts);
-  EXPECT_EQ(calls({"enable"}), Lines{});
+  EXPECT_EQ(calls({"enable", "select", "activate"}), Lines{"activate"});
 }
 
 TEST_F(ActivationTest, AutoAttemptIsMadeOnlyIfNoneWas) {
   platform.addInputMethod();
   view->installationStatus = InstallationStatus::waitingEnable;
+  view->handleEnabledKeyboardInputSourcesChanged("x");
+  EXPECT_TRUE(view->logText->starts_with(
+      "已调用 TISRegisterInputSource（来自通知）\n已调用 LSRegisterURL（来自通知）\n"));
   view->enableWaitingViewDidAppear();
   view->enableWaitingViewDidDisappear();
   platform.advance(7);
@@ -240,6 +269,7 @@ TEST_F(ActivationTest, GoEnableOpensSettingsAfterTheRequest) {
   view->showExitEnableConfirm = true;
   view->userPressedGoEnable();
   EXPECT_FALSE(view->showExitEnableConfirm);
+  EXPECT_EQ(platform.journal.front(), "activate");
   platform.advance(0.3499);
   EXPECT_EQ(calls({"open"}), Lines{});
   platform.advance(0.0002);
@@ -263,10 +293,16 @@ TEST_F(ActivationTest, BlocksLeftBehindDoNothingOnceTheViewIsGone) {
   view->startEnablePolling();
   platform.notifyEnabledSourcesChanged();
   view->userPressedGoEnable();
+  view->userPressedRetryAuthorisation();  // its script is still going
+  view->startEnablePolling();
+  auto window = platform.hostWindow();
+  view->configureWindow(&window);
   platform.takeJournal();
   view.reset();
   platform.advance(10);
-  EXPECT_EQ(platform.journal, Lines{"stop observing"});
+  EXPECT_EQ(calls({"stop", "terminate"}).size(), platform.journal.size());
+  EXPECT_EQ(platform.liveObservers + platform.runningChildren, 0);
+  EXPECT_TRUE(platform.window.shouldClose());
   EXPECT_EQ(platform.liveTimers(), 0U);
 }
 

@@ -101,6 +101,14 @@ TEST_F(InstallationTest, FirstMarkerInTableOrderDecides) {
       {"Cogwen installed successfully\nfinish\n", 0.92},
   };
   std::string all;
+  // Each phrase decides over all that come after it in the table.
+  std::string later;
+  for (int i = 8; i >= 0; --i) {
+    later += pieces.at(std::size_t(i)).first;
+    view->handleInstallLogChunk(later);
+    EXPECT_EQ(view->installProgress.get(), pieces.at(std::size_t(i)).second);
+    all += later;
+  }
   for (const auto& [piece, progress] : pieces) {
     view->handleInstallLogChunk(piece);
     EXPECT_EQ(view->installProgress.get(), progress) << piece;
@@ -111,13 +119,22 @@ TEST_F(InstallationTest, FirstMarkerInTableOrderDecides) {
 }
 
 TEST_F(InstallationTest, FinishStartsActivationOnceAndIsLoggedAfterIt) {
+  for (const double before : {0.5, 0.97}) {
+    view->userPressedInstall();
+    view->installProgress = before;
+    view->handleInstallLogChunk("finish");  // nothing is installed
+    EXPECT_EQ(view->installProgress.get(), std::max(before, 0.94));
+  }
+  view->logText = "";
+  view->userPressedInstall();
   platform.putInstalledBundle();
-  view->installProgress = 0.97;
   view->handleInstallLogChunk("finished\n");
   EXPECT_EQ(view->installProgress.get(), 1.0);  // sent there by the fresh path
   EXPECT_TRUE(view->logText->starts_with("开始注册并激活输入法...\n启用路径："));
   EXPECT_TRUE(view->logText->ends_with("已调用 LSRegisterURL\nfinished\n"));
   view->handleInstallLogChunk("finish");
+  platform.runWorker();
+  platform.drain();
   EXPECT_TRUE(view->logText->ends_with("finished\nfinish"));
 }
 
@@ -125,7 +142,9 @@ TEST_F(InstallationTest, RunEmptiesLogsFollowsTheInstallLogAndRunsTheScript) {
   platform.putFile("/tmp/tessal_installer_ui.log", "old");
   platform.putFile("/tmp/tessal_installer.log", "finish");
   view->logText = "kept ";
+  view->installPathExistedBeforeStart = true;
   view->userPressedInstall();
+  EXPECT_FALSE(view->installPathExistedBeforeStart);
   EXPECT_TRUE(view->isInstalling);
   EXPECT_EQ(status(), InstallationStatus::installing);
   EXPECT_EQ(platform.readFile("/tmp/tessal_installer.log"), "");
@@ -220,8 +239,17 @@ TEST_F(InstallationTest, NewRunResetsItsOwnFieldsOnly) {
   runFreshInstallUpToWaiting();
   view->startEnablePolling();
   view->showExitEnableConfirm = true;
+  view->didLaunchSettingsBootstrap = true;
+  view->didEnsureHIToolboxDefaultsOnce = true;
+  view->didRefreshTextInputAgentsOnce = true;
+  view->lastEnabledNotificationAt = platform::now();
   const std::string log = view->logText.get();
   view->userPressedRetryAuthorisation();
+  EXPECT_TRUE(view->isInstalling);
+  EXPECT_EQ(status(), InstallationStatus::installing);
+  EXPECT_FALSE(view->didLaunchSettingsBootstrap || view->didEnsureHIToolboxDefaultsOnce ||
+               view->didRefreshTextInputAgentsOnce);
+  EXPECT_TRUE(view->lastEnabledNotificationAt->has_value());
   EXPECT_EQ(view->installProgress.get(), 0.0);
   EXPECT_FALSE(view->didAttemptFreshEnableOnce || view->showExitEnableConfirm ||
                view->didDisableAllForFreshEnable || view->shouldLaunchSettingsBootstrapOnSuccess);

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "inputsource/source_properties.h"
+#include "tests/identifiers.h"
 #include "tests/platform/test_platform.h"
 
 namespace {
@@ -17,8 +18,6 @@ using platform::PropertyListValue;
 using Mode = TessalInstaller::InputMode;
 using Lines = std::vector<std::string>;
 
-const std::string kBase = "com.tessal.inputmethod.Orvane";
-const std::string kPinyin = "com.tessal.inputmethod.Orvane.pinyin";
 const std::string kEnabled = "AppleEnabledInputSources";
 const std::string kSelected = "AppleSelectedInputSources";
 const std::string kHistory = "AppleInputSourceHistory";
@@ -40,7 +39,7 @@ TEST_F(TessalInstallerTest, IdentitiesAreExact) {
   EXPECT_EQ(TessalInstaller::modeFromRawValue("COM.tessal.inputmethod.Orvane.pinyin"),
             std::nullopt);
   EXPECT_FALSE(installer.isInstalled());
-  platform.putFile("/Library/Input Methods/Orvane.app", "a plain file");
+  platform.putFile(kBundle, "a plain file");
   EXPECT_TRUE(installer.isInstalled());
 }
 
@@ -78,24 +77,36 @@ TEST_F(TessalInstallerTest, BaseCountsAsEnabledByIdentifierInTheEnabledList) {
   const auto foreign = platform.addSource("another.bundle", kBase);
   foreign->properties[InputSourceProperty::isEnabled] = true;
   EXPECT_TRUE(installer.isBaseEnabledBestEffort());
+
+  // The enabled list may lag behind the source's own property.
+  platform.listsNoEnabled = true;
+  EXPECT_FALSE(installer.isBaseEnabledBestEffort());
+  base->properties[InputSourceProperty::isEnabled] = true;
+  EXPECT_TRUE(installer.isBaseEnabledBestEffort());
 }
 
 TEST_F(TessalInstallerTest, SelectedMeansTheModeAndNotTheBase) {
   EXPECT_FALSE(installer.isSelected(Mode::pinyin));
   platform.addInputMethod();
-  platform.current = platform.sources[0];
   EXPECT_FALSE(installer.isSelected(Mode::pinyin));
-  platform.current = platform.sources[1];
+  platform.current = platform.base;
+  EXPECT_FALSE(installer.isSelected(Mode::pinyin));
+  platform.current = platform.mode;
   EXPECT_TRUE(installer.isSelected(Mode::pinyin));
-  platform.sources[1]->properties.erase(InputSourceProperty::inputModeID);
+  platform.mode->properties[InputSourceProperty::inputSourceID] = "other.id";
+  EXPECT_TRUE(installer.isSelected(Mode::pinyin));
+  platform.mode->properties[InputSourceProperty::inputSourceID] = kPinyin;
+  platform.mode->properties.erase(InputSourceProperty::inputModeID);
   EXPECT_TRUE(installer.isSelected(Mode::pinyin));
 }
 
 TEST_F(TessalInstallerTest, SelectForOverwriteTriesTwiceAtMost) {
   EXPECT_FALSE(installer.selectModeForOverwrite(Mode::pinyin));
   platform.addInputMethod();
-  auto& capable = platform.sources[1]->properties[InputSourceProperty::isSelectCapable];
+  auto& capable = platform.mode->properties[InputSourceProperty::isSelectCapable];
   capable = false;
+  EXPECT_FALSE(installer.selectModeForOverwrite(Mode::pinyin));
+  capable = std::int64_t{1};  // no boolean
   EXPECT_FALSE(installer.selectModeForOverwrite(Mode::pinyin));
   EXPECT_TRUE(platform.journal.empty());
 
@@ -159,17 +170,17 @@ TEST_F(TessalInstallerTest, BestEffortActionsReportRawStatuses) {
 
 TEST_F(TessalInstallerTest, DefaultsGetTheEntryWhereItIsMissing) {
   platform.putInstalledBundle();
-  const PropertyListDictionary other = {{"Bundle ID", "com.apple.other"}};
+  const PropertyListDictionary other = {{"Bundle ID", kBase}, {"Input Mode", "another"}};
   const PropertyListDictionary known = {{"Bundle ID", kBase}, {"Input Mode", kPinyin}};
-  platform.preferences = {{kEnabled, PropertyListArray{other}},
+  platform.preferences = {{kEnabled, PropertyListArray{"text", known}},
                           {kSelected, PropertyListArray{other}},
-                          {kHistory, PropertyListArray{"text", known}}};
+                          {kHistory, PropertyListArray{other}}};
   EXPECT_TRUE(installer.ensureOrvaneEnabledInHIToolboxDefaults(Mode::pinyin));
-  EXPECT_EQ(platform.preferences[kEnabled], list({other, entry()}));
+  EXPECT_EQ(platform.preferences[kEnabled], list({"text", known}));
   EXPECT_EQ(platform.preferences[kSelected], list({entry(), other}));
-  EXPECT_EQ(platform.preferences[kHistory], list({"text", known}));
+  EXPECT_EQ(platform.preferences[kHistory], list({entry(), other}));
   EXPECT_EQ(platform.takeJournal(),
-            (Lines{"set com.apple.HIToolbox " + kEnabled, "set com.apple.HIToolbox " + kSelected,
+            (Lines{"set com.apple.HIToolbox " + kSelected, "set com.apple.HIToolbox " + kHistory,
                    "synchronize com.apple.HIToolbox"}));
   installer.ensureOrvaneEnabledInHIToolboxDefaults(Mode::pinyin);
   EXPECT_EQ(platform.journal, Lines{"synchronize com.apple.HIToolbox"});

@@ -16,11 +16,17 @@ ChildProcess::ChildProcess(std::string launchPath, std::vector<std::string> argu
   impl_->command = std::move(launchPath);
   for (const auto& argument : arguments) impl_->command += " " + argument;
   test::active->outputHandler = std::move(outputHandler);
+  test::active->speaking = this;
 }
-ChildProcess::~ChildProcess() = default;
+ChildProcess::~ChildProcess() {
+  if (!test::active) return;
+  if (isRunning()) terminate();
+  if (test::active->speaking == this) test::active->outputHandler = nullptr;
+}
 std::optional<std::string> ChildProcess::launch() {
   test::note("launch " + impl_->command);
   impl_->isRunning = !test::active->launchProblem;
+  if (impl_->isRunning) ++test::active->runningChildren;
   return test::active->launchProblem;
 }
 bool ChildProcess::isRunning() const {
@@ -28,7 +34,7 @@ bool ChildProcess::isRunning() const {
 }
 void ChildProcess::terminate() {
   test::note("terminate");
-  impl_->isRunning = false;
+  if (std::exchange(impl_->isRunning, false)) --test::active->runningChildren;
 }
 int ChildProcess::wait() {
   return 0;

@@ -13,12 +13,17 @@ struct Scheduled {
   platform::Block block;
 };
 
-void Platform::drain() {
-  while (!queue.empty()) {
+void Platform::runNextBlock() {
+  {
     const platform::Block block = std::move(queue.front());
     queue.pop_front();
     block();
   }
+  if (afterBlock) afterBlock();
+}
+
+void Platform::drain() {
+  while (!queue.empty()) runNextBlock();
 }
 
 void Platform::advance(double seconds) {
@@ -39,6 +44,7 @@ void Platform::advance(double seconds) {
     std::erase(unowned, next);
     const platform::Block block = next->block;
     block();
+    if (afterBlock) afterBlock();
   }
   elapsed = end;
 }

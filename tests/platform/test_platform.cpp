@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "platform/file_root.h"
+#include "tests/identifiers.h"
 
 namespace test {
 
@@ -24,10 +25,15 @@ Platform::Platform() {
   std::filesystem::create_directories(root / "tmp");
 }
 
+Platform::Platform(const std::filesystem::path& existing) : root(existing), ownsRoot_(false) {
+  active = this;
+}
+
 Platform::~Platform() {
   queue.clear();
   unowned.clear();
-  std::filesystem::remove_all(root);
+  workerBlocks.clear();
+  if (ownsRoot_) std::filesystem::remove_all(root);
   active = nullptr;
 }
 
@@ -48,9 +54,9 @@ std::string Platform::readFile(const std::filesystem::path& path) const {
 }
 
 void Platform::putInstalledBundle() {
-  const std::filesystem::path info = "/Library/Input Methods/Orvane.app/Contents/Info.plist";
+  const std::filesystem::path info = kBundle + "/Contents/Info.plist";
   putFile(info, "");
-  propertyLists[platform::onDisk(info)] = {{"CFBundleIdentifier", "com.tessal.inputmethod.Orvane"}};
+  propertyLists[platform::onDisk(info)] = {{"CFBundleIdentifier", kBase}};
 }
 
 }  // namespace test

@@ -37,13 +37,18 @@ struct Scheduled;
 class Platform {
  public:
   Platform();
+  /// On a folder that is there, and stays.
+  explicit Platform(const std::filesystem::path& existing);
   ~Platform();
 
   // The virtual clock and the main queue. Time passes only here.
   /// Runs what is on the main queue now, and what that puts there.
   void drain();
+  void runNextBlock();
   /// Lets time pass, running what comes due at the very time it is due.
   void advance(double seconds);
+  /// Called after every block of the main queue.
+  std::function<void()> afterBlock;
   double elapsed = 0.0;
   /// Blocks given to the worker; the test runs them.
   std::vector<platform::Block> workerBlocks;
@@ -54,7 +59,7 @@ class Platform {
   /// Those that nobody can take back.
   std::vector<std::shared_ptr<Scheduled>> unowned;
 
-  /// One line a call, such as "enable com.tessal.inputmethod.Orvane".
+  /// One line a call, such as "enable com.apple.keylayout.US".
   std::vector<std::string> journal;
   /// The journal so far, which is empty afterwards.
   std::vector<std::string> takeJournal();
@@ -77,27 +82,35 @@ class Platform {
   std::function<void()> duringAdminScript;
   std::optional<std::string> launchProblem;
   std::optional<std::string> workerProblem;
+  /// Of the latest child, as long as there is one.
   platform::ChildProcess::OutputHandler outputHandler;
+  const platform::ChildProcess* speaking = nullptr;
+  int runningChildren = 0;
 
   // The input-source service.
   std::vector<std::shared_ptr<platform::InputSourceObject>> sources;
   platform::InputSource current;
   bool answersNoList = false;
+  bool listsNoEnabled = false;
   /// Statuses that the next calls of this name answer, then 0.
   std::map<std::string, std::vector<platform::Status>> statuses;
-  /// Whether a successful call changes the source, as the real service does.
-  bool appliesEnable = false;
+  /// Whether a successful call makes the source the current one, as in the real service.
   bool appliesSelect = false;
+  /// Called before each answer of the service, with the filter of a list.
+  std::function<void(const platform::InputSourceFilter*)> beforeLookup;
   std::shared_ptr<platform::InputSourceObject> addSource(const std::string& bundleID,
                                                          const std::string& sourceID);
-  /// The base and pinyin sources, disabled.
+  /// A keyboard layout that is in use; the pinyin and base sources, disabled.
   void addInputMethod();
+  std::shared_ptr<platform::InputSourceObject> mode, base;
   void setEnabled(const std::string& sourceID, bool enabled);
   /// Posts the enabled-sources notification to the main queue.
   void notifyEnabledSourcesChanged();
   platform::HandlerList<> enabledSourcesObservers;
   int liveObservers = 0;
+  int deliveredNotifications = 0;
 
+  /// Those of the current user and host; a call for others is in the journal.
   std::map<std::string, platform::PropertyListValue> preferences;
 
   // The workspace.
@@ -112,6 +125,9 @@ class Platform {
     std::function<bool()> shouldClose;
   } window;
   platform::HostWindow hostWindow();
+
+ private:
+  bool ownsRoot_ = true;
 };
 
 /// The platform of the running test; null between two tests.

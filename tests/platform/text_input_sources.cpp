@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "tests/identifiers.h"
 #include "tests/platform/test_platform.h"
 
 namespace platform {
@@ -50,10 +51,11 @@ struct NotedObservation {
 
 std::optional<std::vector<InputSource>> createInputSourceList(
     const std::optional<InputSourceFilter>& filter, bool includeAllInstalled) {
+  if (test::active->beforeLookup) test::active->beforeLookup(filter ? &*filter : nullptr);
   if (test::active->answersNoList) return std::nullopt;
   std::vector<InputSource> list;
   for (const auto& source : test::active->sources) {
-    if (!includeAllInstalled && !isEnabled(*source)) continue;
+    if (!includeAllInstalled && (test::active->listsNoEnabled || !isEnabled(*source))) continue;
     if (filter) {
       const auto found = source->properties.find(filter->property);
       if (found == source->properties.end() || found->second != filter->value) continue;
@@ -69,6 +71,7 @@ std::optional<PropertyListValue> getInputSourceProperty(const InputSource& sourc
   return found->second;
 }
 InputSource copyCurrentKeyboardInputSource() {
+  if (test::active->beforeLookup) test::active->beforeLookup(nullptr);
   return test::active->current;
 }
 Status registerInputSource(const std::filesystem::path& bundle) {
@@ -76,10 +79,7 @@ Status registerInputSource(const std::filesystem::path& bundle) {
   return kNoError;
 }
 Status enableInputSource(const InputSource& source) {
-  const Status status = act("enable", source);
-  if (test::active->appliesEnable && status == kNoError)
-    test::active->setEnabled(text(source, InputSourceProperty::inputSourceID), true);
-  return status;
+  return act("enable", source);
 }
 Status disableInputSource(const InputSource& source) {
   return act("disable", source);
@@ -113,11 +113,11 @@ std::shared_ptr<platform::InputSourceObject> Platform::addSource(const std::stri
 }
 
 void Platform::addInputMethod() {
-  addSource("com.tessal.inputmethod.Orvane", "com.tessal.inputmethod.Orvane");
-  const auto mode =
-      addSource("com.tessal.inputmethod.Orvane", "com.tessal.inputmethod.Orvane.pinyin");
-  mode->properties[platform::InputSourceProperty::inputModeID] =
-      "com.tessal.inputmethod.Orvane.pinyin";
+  current = addSource("com.apple.keyboardlayout", "com.apple.keylayout.US");
+  setEnabled("com.apple.keylayout.US", true);
+  mode = addSource(kBase, kPinyin);
+  mode->properties[platform::InputSourceProperty::inputModeID] = kPinyin;
+  base = addSource(kBase, kBase);
 }
 
 void Platform::setEnabled(const std::string& sourceID, bool enabled) {
@@ -128,7 +128,10 @@ void Platform::setEnabled(const std::string& sourceID, bool enabled) {
 }
 
 void Platform::notifyEnabledSourcesChanged() {
-  platform::asyncOnMain([] { active->enabledSourcesObservers.call(); });
+  platform::asyncOnMain([] {
+    active->deliveredNotifications += active->liveObservers;
+    active->enabledSourcesObservers.call();
+  });
 }
 
 }  // namespace test
