@@ -7,6 +7,7 @@
 # make macos-app    the whole application for macOS, made on Linux
 # make macos-check  the macOS side and its tests, compiled and analysed on Linux
 # make soak   millions of simulated installations, from another seed each time
+# make faults puts small faults into the core, and shows which the unit tests see
 # Each of these sets up this machine first, if something is missing.
 # make        builds, and installs nothing
 # make setup  sets up this machine
@@ -14,7 +15,7 @@
 PRESET := release
 APP := build/Orvane Installer.app
 
-.PHONY: all setup run test check demo reference bench fuzz format sanitize macos-app macos-check clean soak
+.PHONY: all setup run test check demo reference bench fuzz format sanitize macos-app macos-check clean soak faults
 
 all:
 	@tools/setup.sh --check
@@ -50,6 +51,9 @@ bench:
 # SEED and SCHEDULES choose others.
 soak: all
 	@build/release/tests/simulation_test --seed $${SEED:-$$(date +%s)000000} --schedules $${SCHEDULES:-3000000}
+
+faults:
+	@tests/faults/run.py
 
 # The same tests under the address, undefined-behaviour and thread sanitizers.
 sanitize:
