@@ -160,7 +160,8 @@ TEST_F(PropertyListFiles, PreferencesKeepOtherKeysAndADamagedFile) {
     EXPECT_EQ(readPropertyListDictionary(file_), std::nullopt);
     const std::string again = "again " + std::to_string(++number);
     EXPECT_TRUE(synchronize(again.c_str()));
-    const std::string suffix = number == 1 ? "" : "-" + std::to_string(number);
+    std::string suffix;
+    if (number > 1) suffix.append("-").append(std::to_string(number));
     EXPECT_EQ(fs::file_size(file_.string() + ".damaged" + suffix), damaged.size());
     EXPECT_EQ(readPropertyListDictionary(file_), (PropertyListDictionary{{"list", again}}));
   }

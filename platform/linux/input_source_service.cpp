@@ -217,10 +217,12 @@ bool startInputSourceAgent(std::vector<std::string> arguments) {
   const auto root = rootArguments();
   arguments.insert(arguments.begin(), root.begin(), root.end());
   if (const auto frame = agentNeighbour()()) {
-    std::string numbers;
-    for (const double each : {frame->x, frame->y, frame->width, frame->height})
-      numbers += (numbers.empty() ? "" : ",") + std::to_string(std::lround(each));
-    arguments.push_back("--beside=" + numbers);
+    std::string option = "--beside=";
+    for (const double each : {frame->x, frame->y, frame->width, frame->height}) {
+      if (option.back() != '=') option += ',';
+      option += std::to_string(std::lround(each));
+    }
+    arguments.push_back(option);
   }
   return startDetached(agent, arguments);
 }

@@ -42,8 +42,10 @@ bool isCarriedAs(const PropertyListValue& carried, const PropertyListValue& valu
   }
   // Dates are rounded, and foreign keys are not carried.
   if (value.as<PropertyListDate>()) return carried.as<PropertyListDate>() != nullptr;
-  if (value.as<ForeignKeyDictionary>())
-    return carried == PropertyListValue(PropertyListDictionary());
+  if (value.as<ForeignKeyDictionary>()) {
+    const auto* other = carried.as<PropertyListDictionary>();
+    return other && other->empty();
+  }
   return carried == value;
 }
 
