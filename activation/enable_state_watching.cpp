@@ -35,8 +35,8 @@ void ContentView::removeEnabledInputSourcesChangedNotificationIfNeeded() {
 }
 
 void ContentView::handleEnabledKeyboardInputSourcesChanged(const std::string& trigger) {
-  // Any other status is welcome, not only waitingEnable: the user may be faster than
-  // the delayed step to that status.
+  // Every other status is handled, not only waitingEnable: the user may answer before
+  // the delayed step has set it.
   if (installationStatus->is(InstallationStatus::success) ||
       installationStatus->is(InstallationStatus::failed))
     return;

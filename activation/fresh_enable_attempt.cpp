@@ -49,7 +49,7 @@ void ContentView::attemptFreshEnable(const std::string& trigger) {
     appendUILog("未找到 base 输入源，无法调用 TISEnableInputSource（trigger=" + trigger + "）\n");
     return;
   }
-  // The time from before the calls, and also after an error: a request is a request.
+  // The time from before the calls. A request that failed counts too.
   lastEnableBaseRequestAt = now;
   appendUILog("已调用 TISEnableInputSource（fresh:enableBase=" + std::to_string(*status) +
               "，trigger=" + trigger + "）\n");

@@ -39,12 +39,12 @@ void ContentView::postInstallActivation() {
       didEnsureHIToolboxDefaultsOnce = true;
       installer.ensureOrvaneEnabledInHIToolboxDefaults(TessalInstaller::InputMode::pinyin);
     }
-    // The user's current input source is left alone. The "true" in the log is a
-    // constant and not the answer of this query.
+    // The user's current input source is left alone. The result is ignored: the log
+    // says ok=true in every case.
     installer.isSelected(TessalInstaller::InputMode::pinyin);
     appendUILog("已处理覆盖安装：跳过切换当前输入法（ok=true）\n");
-    // Here the agents restart before the observer goes. finalizeInstallSuccess()
-    // does it the other way round, and then finds the agents restarted.
+    // This path restarts the agents before the observer goes; finalizeInstallSuccess()
+    // then skips the restart.
     refreshTextInputAgentsOnce();
     finalizeInstallSuccess(/*refreshAgents=*/true);
     return;

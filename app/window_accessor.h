@@ -5,7 +5,7 @@
 
 #include "platform/host_window.h"
 
-/// An invisible item that tells which window it lies in.
+/// An invisible item. It passes its window to a callback once.
 class WindowAccessor : public QQuickItem {
  public:
   /// Offers the hosting window to `callback` once, on a later turn of the main

@@ -53,7 +53,7 @@ class TessalInstaller {
   void registerBundle() const;
   void enable(std::vector<InputMode> modes = {}) const;
   void disable(std::vector<InputMode> modes) const;
-  /// Absent means pinyin. Falls back to the base source at the last.
+  /// No mode means pinyin. Selects the base source if the mode has no source.
   void select(std::optional<InputMode> mode) const;
   /// Whether a select call succeeded.
   bool selectModeForOverwrite(InputMode mode) const;

@@ -28,12 +28,13 @@ class ContentView : public std::enable_shared_from_this<ContentView> {
   [[nodiscard]] static std::shared_ptr<ContentView> create();
   ~ContentView();
 
-  // The state, each field with what it means while true or present.
+  // The state. A comment at a field says what true, or a value, means.
   /// Everything appended to the UI log since the view was created; only grows.
   State<std::string> logText;
   /// 0.0 to 1.0.
   State<double> installProgress{0.0};
-  /// A run has been started and not yet ended.
+  /// The window shows the progress. Stays true when the authorisation was refused or
+  /// the script has failed.
   State<bool> isInstalling{false};
   State<InstallationStatus> installationStatus{InstallationStatus::notStarted};
   /// The hosting window has been configured.

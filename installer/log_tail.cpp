@@ -112,6 +112,7 @@ void ContentView::handleInstallLogChunk(const std::string& text) {
 
 void ContentView::triggerActivation() {
   didTriggerActivation = true;
+  // "finish" never moves the bar back; the other phrases may.
   if (installProgress <= 0.94) installProgress.set(0.94, kMarkerAnimation);
   appendUILog("开始注册并激活输入法...\n");
   postInstallActivation();

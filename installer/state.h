@@ -40,7 +40,7 @@ class State {
     return *this;
   }
   void set(T value, std::optional<LinearAnimation> animation = std::nullopt) {
-    // A handle that the old value owns ends only after the field has its new value.
+    // Swapped first: the end of the old value may read this field.
     std::swap(cell_->value, value);
     changed(animation);
   }

@@ -17,10 +17,9 @@ using WallClock = std::chrono::system_clock;
 
 /// Puts `block` at the end of the main queue and returns at once. Callable on any
 /// thread. Blocks run on the main thread, one at a time, in the order of the
-/// calls. Timers, input and drawing get their turn as well, but not between any
-/// two blocks. A block that is still queued when the process ends may be destroyed
-/// unrun, or never. The calling thread does not destroy a block that it has put
-/// there.
+/// calls. Timers, input and drawing run as well, but not after every block. A block that is still
+/// queued when the process ends may be destroyed unrun, or never. The calling thread does not
+/// destroy a block that it has put there.
 void asyncOnMain(Block block);
 
 /// Does the same, but not before `delay` has passed. Main thread only.

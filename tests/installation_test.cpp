@@ -202,11 +202,12 @@ TEST_F(InstallationTest, ReaderOfTheLogWaitsForTheMainQueueAndEndsWithTheRun) {
   const std::string piece(64 * 1024, 'x');
   constexpr std::size_t kPiecesOfTheBacklog = 16;
   std::atomic<std::size_t> read = 0;
-  std::thread reader([&] {
-    for (int i = 0; i < 100; ++i, ++read) platform.outputHandler(piece);
+  // A copy, as a child keeps its own handler until its reader has ended.
+  std::thread reader([&, handle = platform.outputHandler] {
+    for (int i = 0; i < 100; ++i, ++read) handle(piece);
   });
   while (read < kPiecesOfTheBacklog) std::this_thread::yield();
-  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  for (int turns = 0; turns < 1000; ++turns) std::this_thread::yield();
   EXPECT_EQ(read, kPiecesOfTheBacklog);
   // The run and its follower go while the reader waits.
   platform.workerBlocks.clear();

@@ -9,9 +9,9 @@
 
 #include "installer/content_view.h"
 
-/// Shows a ContentView to the screens and hands their events to it. Every change
-/// is told together with all others made so far, so that no screen is drawn from
-/// a state that the view never had. Main thread.
+/// Shows a ContentView to the screens and hands their events to it. Each signal
+/// reports all changes so far, so no screen is drawn from a state that the view never
+/// had. Main thread.
 class InstallerModel : public QObject {
   Q_OBJECT
   QML_ELEMENT

@@ -18,8 +18,8 @@ class PasswordPrompt : public QObject {
       : text_(std::move(text)), userName_(std::move(userName)) {}
 
  signals:
-  /// The password is the text of this field: read there, it is not copied into
-  /// the script engine.
+  /// The password is the text of this field. It is read from the field, and never
+  /// enters the script engine.
   void accepted(QQuickItem* field);
   void cancelled();
 

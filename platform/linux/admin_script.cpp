@@ -170,7 +170,8 @@ std::map<std::string, std::string> askpassEnvironment() {
   return {{linux_::kInstallerProcessVariable, std::to_string(::getpid())}};
 }
 
-/// The askpass program's exit status alone decides; the script runs as this user.
+/// The password is not looked at: if the askpass program ends with 0, the script
+/// runs as this user.
 std::optional<AdminScriptError> runBelow(const std::filesystem::path& root,
                                          const AdminScript& script) {
   const Outcome asked = runAsUser(askpassProgram(), script.prompt, askpassEnvironment());

@@ -41,7 +41,7 @@ std::vector<InputSourceInfo> installedInputSources();
 std::optional<InputSourceInfo> findInputSource(const std::string& id);
 
 /// Makes the sources of a bundle below "/Library/Input Methods" known. A bundle
-/// whose identifier has no component "inputmethod" is none and changes nothing.
+/// whose identifier has no component "inputmethod" is no input method: it is ignored.
 /// kFileNotFound if there is no bundle, kParameterError if it lies elsewhere.
 Status registerInputMethod(const std::filesystem::path& bundle);
 
@@ -50,17 +50,17 @@ Status registerInputMethod(const std::filesystem::path& bundle);
 /// kParameterError if there is no such source.
 Status enableInputSource(const std::string& id);
 
-/// Disables this one source; the built-in layout follows a current one. The
-/// user's permission stays. kParameterError if there is no such source or it is
+/// Disables this one source. If it was current, the built-in layout becomes current.
+/// The user's permission stays. kParameterError if there is no such source or it is
 /// the built-in layout.
 Status disableInputSource(const std::string& id);
 
 /// Makes an enabled, select-capable source current, else kParameterError.
 Status selectInputSource(const std::string& id);
 
-/// The user's answer for the bundle of this source, asked for or not. Allowed,
-/// all its sources get enabled; denied, they are disabled, and the next enable
-/// asks again. kParameterError if no bundle has such a source.
+/// The user's answer for the bundle of this source. allow enables all its sources;
+/// deny disables them, and the next enable asks again. Both work without a question.
+/// kParameterError if no bundle has such a source.
 Status allowInputMethod(const std::string& id);
 Status denyInputMethod(const std::string& id);
 

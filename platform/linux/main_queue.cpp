@@ -23,7 +23,7 @@ class MainQueue : public QObject {
     return queue;
   }
 
-  /// A block may own what still talks to the queue when it is destroyed.
+  /// The end of a block may call push(), so the queue is closed before.
   ~MainQueue() override {
     std::deque<Block> unrun;
     {

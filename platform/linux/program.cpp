@@ -92,7 +92,7 @@ class TerminationSignals {
     action.sa_flags = SA_RESTART;
     for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT})
       ::sigaction(signal, &action, nullptr);
-    // A reader that goes away is no reason to leave the script alone.
+    // When the reader of our output goes, the run goes on.
     ::signal(SIGPIPE, SIG_IGN);
   }
 
