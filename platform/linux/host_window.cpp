@@ -15,7 +15,6 @@ namespace platform {
 
 namespace {
 
-constexpr auto kWindowGuard = "windowGuard";
 // An empty title makes Qt and some window managers put another in its place.
 constexpr auto kBlankTitle = "\u200b";
 
@@ -41,9 +40,9 @@ QSize wholeSize(const QWindow& window, const QSizeF& size) {
 class WindowGuard : public QObject {
  public:
   static WindowGuard& of(QWindow& window) {
-    auto* guard =
-        window.findChild<WindowGuard*>(QLatin1String(kWindowGuard), Qt::FindDirectChildrenOnly);
-    return guard ? *guard : *new WindowGuard(window);  // the window owns it
+    for (QObject* child : window.children())
+      if (auto* guard = dynamic_cast<WindowGuard*>(child)) return *guard;
+    return *new WindowGuard(window);  // the window owns it
   }
 
   std::function<bool()> shouldClose = [] { return true; };
@@ -64,7 +63,6 @@ class WindowGuard : public QObject {
 
  private:
   explicit WindowGuard(QWindow& window) : QObject(&window), window_(window) {
-    setObjectName(QLatin1String(kWindowGuard));
     window.installEventFilter(this);
     linux_::placeAgentBeside([guard = QPointer(this)] {
       return guard ? std::optional(toRect(guard->window_.frameGeometry())) : std::nullopt;
