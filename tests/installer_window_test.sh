@@ -12,7 +12,7 @@ fi
 app=$2
 work=$(mktemp -d)
 root=$work/root
-installer= manager=
+installer='' manager=''
 trap 'kill $installer $manager 2>/dev/null; end_agents; rm -rf "$work"' EXIT
 trap 'exit 1' HUP INT TERM
 
@@ -22,6 +22,7 @@ end_agents() {
       grep -q "input-source-agent --root $work/" && kill "${process#/proc/}" 2>/dev/null
   done
 }
+# shellcheck disable=SC2120 # the argument is optional
 open_installer() { # the window goes to $window
   rm -f "$root/tmp/tessal_installer_ui.log" # it tells of the run before
   SUDO_ASKPASS=${1:-/bin/true} "$app/Contents/MacOS/Orvane Installer" --root "$root" 2>"$work/messages" &

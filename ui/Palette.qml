@@ -1,7 +1,6 @@
 // From version 6 QtQuick has a Palette of its own, so what uses this one imports 2.15.
 pragma Singleton
 import QtQuick 2.15
-import Orvane.Installer
 
 QtObject {
     // The brand.

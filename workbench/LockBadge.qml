@@ -1,5 +1,4 @@
 import QtQuick 2.15
-import Orvane.Installer
 
 // A padlock on a white ring, to lie on the corner of an icon.
 Rectangle {

@@ -25,6 +25,7 @@ take_arguments() {
       *)
         [ "$operands_left" -gt 0 ] || usage 64 >&2
         operands_left=$((operands_left - 1))
+        # shellcheck disable=SC2034 # its caller reads it
         if [ -z "$operand" ]; then operand=${argument%/}; else second_operand=$argument; fi
         ;;
     esac
