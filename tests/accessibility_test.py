@@ -200,7 +200,9 @@ def whole_installation():
 
 def password_window():
     with running(f"{bundle}/Contents/Helpers/askpass", "Orvane Installer 想要进行更改"):
-        await_node("askpass", "password text", "密码")
+        field = await_node("askpass", "password text", "")  # the toolkit shows no name
+        check("the password field says what it is", field.get_description() == "密码")
+        expect("askpass", "panel", "密码")
         expect("askpass", "label", "Orvane Installer 想要进行更改", "输入密码以允许此操作。")
         expect("askpass", "push button", "取消", "好")
 

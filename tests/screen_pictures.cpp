@@ -8,6 +8,7 @@
 #include <QPainter>
 #include <QQuickItem>
 #include <QQuickView>
+#include <QStyleHints>
 #include <QTest>
 #include <algorithm>
 #include <array>
@@ -110,6 +111,9 @@ class Pictures {
     saveSideBySide({expected, drawn, difference}, output_ / file);
   }
 
+  /// Before what the window shows is gone.
+  void close() { window_.reset(); }
+
   bool isGood() const { return isGood_; }
 
  private:
@@ -167,6 +171,7 @@ void takeInstaller(Pictures& pictures) {
   pictures.take("waiting");
   view->showExitEnableConfirm = true;
   pictures.take("exit-confirmation");
+  pictures.close();
 }
 
 void takeWorkbench(Pictures& pictures) {
@@ -183,6 +188,7 @@ void takeWorkbench(Pictures& pictures) {
   InputSourceList list;
   pictures.open(screen("SettingsWindow"), {{"list", QVariant::fromValue(&list)}}, {});
   pictures.take("settings");
+  pictures.close();
 }
 
 }  // namespace
@@ -196,6 +202,7 @@ int main(int argc, char** argv) {
   qputenv("QT_QPA_PLATFORM", "offscreen");
   prepareToolkit();
   QGuiApplication application(argc, argv);
+  QGuiApplication::styleHints()->setCursorFlashTime(0);
   setApplicationLook();
   registerInstallerUi();
   Q_INIT_RESOURCE(qmlcache_orvane_workbench);
