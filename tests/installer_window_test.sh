@@ -5,9 +5,13 @@
 set -u
 . "$(dirname "$0")/support.sh"
 
-if [ "${1:-}" != --inside ]; then
-  on_display 1280x1024 "$0" --inside "$1"
-fi
+case "${1:-}" in
+  --large | --small) ;;
+  *)
+    (on_display 1280x1024 "$0" --large "$1") || exit $?
+    on_display 800x600 "$0" --small "$1"
+    ;;
+esac
 
 app=$2
 work=$(mktemp -d)
@@ -42,7 +46,40 @@ click() { xdotool mousemove --window "$window" "$1" "$2" sleep 0.2 click 1; }
 ended() { wait_for_end $installer; expect "$1: exit status" $? 0; installer=; }
 ui_log_has() { grep -q "$1" "$root/tmp/tessal_installer_ui.log"; }
 
+if [ "$1" = --small ]; then
+  echo "a screen smaller than the window"
+  for has_manager in no yes; do
+    [ $has_manager = no ] || start_window_manager
+    open_installer
+    left=$(xwininfo -id "$window" | awk '/Absolute upper-left X/ { print $4 }')
+    top=$(xwininfo -id "$window" | awk '/Absolute upper-left Y/ { print $4 }')
+    # The title bar, if there is one, lies just above.
+    bar=$(xprop -id "$window" _NET_FRAME_EXTENTS 2>/dev/null | awk -F '[ ,]+' '/=/ { print $5 }')
+    [ "$left" -ge 0 ] && [ "$left" -le 8 ] || fail "left edge at $left"
+    [ "$top" -ge "${bar:-0}" ] && [ "$top" -le $((${bar:-0} + 8)) ] || fail "upper edge at $top"
+    xdotool windowfocus --sync "$window" key Tab space
+    await "the waiting phase" ui_log_has trigger=
+    kill -TERM $installer
+    ended "small screen"
+    end_agents
+    rm -rf "$root"
+  done
+  finish
+  exit
+fi
+
 echo "without a window manager"
+for scale in 1.5 3; do
+  export QT_SCALE_FACTOR=$scale
+  open_installer
+  expect "size at scale $scale" "$(size)" 999x900
+  for edge in "998 450" "500 899"; do
+    # shellcheck disable=SC2086
+    expect "edge at scale $scale" "$(colour $edge)" "#FFFFFF"
+  done
+  kill -TERM $installer
+  ended "SIGTERM at scale $scale"
+done
 for scale in 1 2; do
   export QT_SCALE_FACTOR=$scale
   open_installer
