@@ -10,6 +10,7 @@ if [ "${1:-}" != --inside ]; then
   on_display 1280x1024 "$0" --inside "$1"
 fi
 
+manager=
 trap 'kill $manager 2>/dev/null' EXIT
 trap 'exit 1' HUP INT TERM
 start_window_manager
