@@ -1,13 +1,14 @@
 #!/bin/bash
-# Drives whole installations with real clicks under Xvfb and takes a screenshot a
-# step; fails if a step is not reached.  usage: demo.sh APP_BUNDLE OUTPUT_FOLDER
+# Drives whole installations with real clicks under Xvfb, at two pixels a point, and
+# takes a screenshot a step; fails if a step is not reached. What the README shows
+# goes to OUTPUT_FOLDER/readme.  usage: demo.sh APP_BUNDLE OUTPUT_FOLDER
 set -u
 export LC_ALL=C.UTF-8 # the windows' titles are Chinese
 
 app=$1
 out=$2
 rm -rf "$out"
-mkdir -p "$out"
+mkdir -p "$out/readme"
 work=$(mktemp -d)
 display_file=$work/display
 children=()
@@ -35,13 +36,22 @@ die() {
   exit 1
 }
 
-Xvfb -displayfd 3 -noreset -screen 0 1920x1080x24 -nolisten tcp 3>"$display_file" 2>/dev/null &
+Xvfb -displayfd 3 -noreset -screen 0 3000x1900x24 -nolisten tcp 3>"$display_file" 2>/dev/null &
 children+=($!)
 for ((i = 0; i < 100; ++i)); do [ -s "$display_file" ] && break; sleep 0.1; done
 DISPLAY=:$(cat "$display_file")
 export DISPLAY
-unset WAYLAND_DISPLAY SUDO_ASKPASS QT_SCALE_FACTOR
-openbox >/dev/null 2>&1 &
+unset WAYLAND_DISPLAY SUDO_ASKPASS
+display -size 3000x1900 -window root 'xc:#d5dded'
+export QT_SCALE_FACTOR=2
+# The windows alone, without a window manager's bars.
+cat >"$work/openbox.xml" <<'END'
+<openbox_config xmlns="http://openbox.org/3.4/rc">
+  <keyboard><keybind key="A-F4"><action name="Close"/></keybind></keyboard>
+  <applications><application class="*"><decor>no</decor></application></applications>
+</openbox_config>
+END
+openbox --config-file "$work/openbox.xml" >/dev/null 2>&1 &
 children+=($!)
 
 # await WHAT COMMAND...: until the command succeeds.
@@ -60,6 +70,43 @@ shot() {
   import -silent -window root "$out/$(printf %02d $step)-$1.png" || die "no screenshot of $1"
   echo "$(printf %02d $step) $1"
 }
+# The installer and what lies over it, for the README.
+picture() {
+  sleep 0.5
+  import -silent -window root -crop "$(place_of "$window")" +repage "$out/readme/$1.png" ||
+    die "no picture of $1"
+}
+place_of() { # place_of WINDOW: as WIDTHxHEIGHT+X+Y
+  xwininfo -id "$1" | awk '/Absolute upper-left X/ { x = $4 } /Absolute upper-left Y/ { y = $4 }
+    /Width:/ { w = $2 } /Height:/ { print w "x" $2 "+" x "+" y }'
+}
+# The installer, and the consent window beside it, at half the size, until
+# end_recording. A frame is named for its time in milliseconds.
+start_recording() {
+  mkdir "$work/frames"
+  while [ ! -e "$work/end-of-recording" ]; do
+    import -silent -window root -crop 1920x960+960+470 +repage "ppm:$work/frame" &&
+      mv "$work/frame" "$work/frames/$(date +%s%3N)"
+  done &
+  recorder=$!
+}
+end_recording() { # end_recording FILE
+  touch "$work/end-of-recording"
+  wait "$recorder"
+  local arguments=() previous='' since=0 time frame
+  for frame in "$work"/frames/*; do
+    time=$(basename "$frame")
+    if [ -z "$previous" ]; then
+      previous=$frame since=$time
+    elif ! cmp -s "$previous" "$frame"; then
+      arguments+=(-d $((time - since)) "$previous.png")
+      previous=$frame since=$time
+    fi
+  done
+  for frame in "$work"/frames/*; do convert "ppm:$frame" -resize 50% "$frame.png"; done
+  img2webp -loop 0 -lossy -q 80 -m 6 "${arguments[@]}" -d 3000 "$previous.png" -o "$1" >/dev/null ||
+    die "no animation"
+}
 visible() { xdotool search --onlyvisible --"$1" "$2" | tail -n 1 | grep .; }
 gone() { ! visible "$@"; }
 click() { # click WINDOW X Y, in the window's own points
@@ -69,7 +116,7 @@ ui_log_has() { grep -q "$1" "$root/tmp/tessal_installer_ui.log"; }
 
 # The steps of the script are slowed down, so that the bar can be seen moving.
 slow_app="$work/Orvane Installer.app"
-cp -R "$app" "$slow_app"
+cp -R "$(realpath "$app")" "$slow_app"
 sed -E 's/^( *)(log .*)/\1sleep 0.4; \2/' "$app/Contents/Resources/install.sh" \
   >"$slow_app/Contents/Resources/install.sh"
 
@@ -84,16 +131,37 @@ start() { # start NAME BUNDLE: the installer on the root NAME; its window goes t
   window=$(visible pid "$installer")
 }
 readonly consent=输入法许可 settings='键盘 · 输入法' prompt='^Orvane Installer$'
-install_button() { click "$window" 500 528; }
+install_button() { click "$window" 500 606; }
 password() { # password KEYS...
   await "password window" visible name "$prompt"
   password_window=$(visible name "$prompt")
   xdotool windowfocus --sync "$password_window" type --delay 20 "geheim"
-  [ "$1" = Return ] && shot password
+  [ "$1" = Return ] && [ "$root" = "$work/fresh" ] && [ ! -e "$out/readme/password.png" ] &&
+    shot password && picture password
   xdotool key "$1"
   await "end of the password window" gone name "$prompt"
 }
 await_end() { await "end of the installer" eval "! kill -0 $installer"; }
+
+answer_consent() { # by its button "好"
+  local window
+  window=$(visible name "$consent")
+  click "$window" 532 $(($(xdotool getwindowgeometry "$window" | sed -n 's/.*x//p') - 98))
+}
+
+start recorded "$slow_app"
+start_recording
+sleep 1
+install_button
+password Return
+await "consent window" visible name "$consent"
+sleep 2
+answer_consent
+await "success" ui_log_has '已拉起设置应用'
+sleep 1
+end_recording "$out/readme/installation.webp"
+click "$window" 500 606
+await_end
 
 start fresh "$slow_app"
 shot start
@@ -101,25 +169,24 @@ install_button
 password Return
 await "a moved bar" ui_log_has 'permission change successful'
 shot progress
+picture progress
 await "consent window" visible name "$consent"
 shot waiting
-# Aside, so that what lies beneath can be seen.
-xdotool windowmove --sync "$(visible name "$consent")" 20 700
+picture waiting
 xdotool windowfocus --sync "$window" key alt+F4
 shot exit-confirmation
-click "$window" 575 620
+picture exit-confirmation
+click "$window" 650 720
 await "go-enable" ui_log_has 'openKeyboardSettings(): opened'
 await "settings window" visible name "$settings"
-xdotool windowmove --sync "$(visible name "$settings")" 1455 100
 shot settings-and-consent
 kill -0 "$installer" || die "the installer was closed"
-consent_window=$(visible name "$consent")
-xdotool windowactivate --sync "$consent_window"
-click "$consent_window" 266 $(($(xdotool getwindowgeometry "$consent_window" | sed -n 's/.*x//p') - 49))
+answer_consent
 await "success" ui_log_has '已拉起设置应用'
 end_agents
 shot success
-click "$window" 500 528
+picture success
+click "$window" 500 606
 await_end
 
 start fresh "$slow_app"
@@ -127,7 +194,7 @@ install_button
 password Return
 await "overwrite" ui_log_has '已处理覆盖安装'
 shot overwrite-success
-click "$window" 500 528
+click "$window" 500 606
 await_end
 
 start refused "$app"

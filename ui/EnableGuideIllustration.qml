@@ -33,8 +33,9 @@ Item {
         opacity: 0.35
     }
     component PromptButton: ContinuousRectangle {
+        id: promptButton
         property alias text: label.text
-        property alias font: label.font
+        property int weight
         property alias textColor: label.color
         width: 108
         height: 34
@@ -44,7 +45,7 @@ Item {
         Text {
             id: label
             anchors.centerIn: parent
-            font.pixelSize: 14
+            font { pixelSize: 14; weight: promptButton.weight }
             Accessible.ignored: true
         }
     }
@@ -170,13 +171,13 @@ Item {
                     spacing: 16
                     PromptButton {
                         text: "不允许"
-                        font.weight: Font.Medium
+                        weight: Font.Medium
                         textColor: Palette.black(0.78)
                         strokeColor: Palette.black(0.08)
                     }
                     PromptButton {
                         text: "好"
-                        font.weight: Palette.semibold
+                        weight: Palette.semibold
                         textColor: Palette.black(0.82)
                         strokeColor: Palette.primaryStroke
                         strokeWidth: 2
