@@ -13,8 +13,9 @@ namespace platform::linux_ {
 enum class PropertyListFormat { xml, binary };
 
 /// The value as the bytes of a file; absent if it is beyond the limits of
-/// property_list_limits.h. XML has dates in whole seconds. A dictionary with foreign keys becomes an empty one; a date
-/// beyond what libplist can carry, 1932 to 2069, becomes the nearest that it can.
+/// property_list_limits.h. XML has dates in whole seconds. A dictionary with foreign keys becomes
+/// an empty one; a date beyond what libplist can carry, 1932 to 2069, becomes the nearest that it
+/// can.
 std::optional<std::string> encodePropertyList(const PropertyListValue& value,
                                               PropertyListFormat format);
 

@@ -48,6 +48,7 @@ void Platform::putFile(const std::filesystem::path& path, const std::string& con
 }
 
 std::string Platform::readFile(const std::filesystem::path& path) const {
+  if (const auto log = logs.find(platform::onDisk(path)); log != logs.end()) return log->second;
   std::ostringstream content;
   content << std::ifstream(platform::onDisk(path), std::ios::binary).rdbuf();
   return content.str();

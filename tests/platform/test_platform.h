@@ -68,6 +68,8 @@ class Platform {
   std::filesystem::path root;
   void putFile(const std::filesystem::path& path, const std::string& content);
   std::string readFile(const std::filesystem::path& path) const;
+  /// The logs by their path on disk, where the test keeps them in memory.
+  std::map<std::filesystem::path, std::string> logs;
   /// An installed input-method bundle with its information dictionary.
   void putInstalledBundle();
 

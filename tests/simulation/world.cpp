@@ -65,7 +65,6 @@ void Folders::putBundle(int which) {
 }
 
 World::World(Folders& folders) : folders_(folders), platform_(folders.root()) {
-  std::filesystem::remove(platform_.root / "tmp/tessal_installer_ui.log");
   folders_.putBundle(0);
   base_ = platform_.addSource(kBase, kBase);
   mode_ = platform_.addSource(kBase, kPinyin);
