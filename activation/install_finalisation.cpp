@@ -1,5 +1,3 @@
-#include <filesystem>
-
 #include "inputsource/tessal_installer.h"
 #include "installer/content_view.h"
 #include "platform/file_root.h"
@@ -7,7 +5,6 @@
 
 namespace {
 constexpr LinearAnimation kSuccessAnimation{platform::Seconds(0.3)};
-constexpr const char* kSettingsBundleID = "com.tessal.inputmethod.Orvane.settings";
 }  // namespace
 
 void ContentView::finalizeInstallSuccess(bool /*refreshAgents*/) {
@@ -25,6 +22,10 @@ void ContentView::finalizeInstallSuccess(bool /*refreshAgents*/) {
 void ContentView::refreshTextInputAgentsOnce() {
   if (didRefreshTextInputAgentsOnce) return;
   didRefreshTextInputAgentsOnce = true;
+  restartTextInputAgents();
+}
+
+void ContentView::restartTextInputAgents() {
   runCommand("/usr/bin/killall", {"-9", "TextInputMenuAgent"});
   runCommand("/usr/bin/killall", {"-9", "TextInputSwitcher"});
 }
@@ -35,12 +36,11 @@ void ContentView::launchSettingsBootstrapIfNeeded() {
   // Set before trying: a failed launch is not retried.
   didLaunchSettingsBootstrap = true;
 
-  const std::filesystem::path bundled =
-      platform::onDisk(TessalInstaller::appDir() / "Contents" / "MacOS" / "OrvaneSettings.app");
-  if (std::error_code error; std::filesystem::exists(bundled, error)) {
-    platform::openApplication(bundled);
+  const TessalInstaller installer;
+  if (const auto bundled = installer.bundledSettingsApplication()) {
+    platform::openApplication(*bundled);
     appendUILog("已拉起设置应用（首装 bootstrap）\n");
-  } else if (const auto found = platform::findApplication(kSettingsBundleID)) {
+  } else if (const auto found = installer.otherSettingsApplication()) {
     platform::openApplication(*found);
     appendUILog("已拉起设置应用（首装 bootstrap，fallback）\n");
   } else {

@@ -66,7 +66,7 @@ bool TessalInstaller::containsInputModeEntry(const std::vector<PropertyListDicti
 }
 
 bool TessalInstaller::ensureOrvaneEnabledInHIToolboxDefaults(InputMode mode) const {
-  const std::string bundleID = readInstalledBundleIdentifier().value_or(std::string(kBaseBundleID));
+  const std::string bundleID = entryBundleID();
   const std::string inputMode = rawValue(mode);
   const PropertyListDictionary entry = {
       {kBundleIDKey, bundleID}, {kInputModeKey, inputMode}, {kInputSourceKindKey, kInputModeKind}};
@@ -81,4 +81,58 @@ bool TessalInstaller::ensureOrvaneEnabledInHIToolboxDefaults(InputMode mode) con
   }
   platform::synchronizePreferences(kDomain, PreferencesUser::current, PreferencesHost::current);
   return true;
+}
+
+std::string TessalInstaller::entryBundleID() const {
+  return readInstalledBundleIdentifier().value_or(std::string(kBaseBundleID));
+}
+
+std::vector<TessalInstaller::ListedEntries> TessalInstaller::listedEntries(InputMode mode) const {
+  const std::string bundleID = entryBundleID();
+  std::vector<ListedEntries> found;
+  for (const auto& [key, position] : kLists) {
+    ListedEntries& entries = found.emplace_back();
+    entries.list = key;
+    const auto value = platform::copyPreferencesValue(key, kDomain, PreferencesUser::current,
+                                                      PreferencesHost::current);
+    const auto* array = value ? value->as<PropertyListArray>() : nullptr;
+    entries.isDamaged = value && !array;
+    for (const PropertyListValue& element : array ? *array : PropertyListArray()) {
+      const auto* entry = element.as<PropertyListDictionary>();
+      if (!entry) {
+        entries.isDamaged = true;
+      } else if (holdsText(*entry, kInputModeKey, rawValue(mode))) {
+        const auto named = entry->find(kBundleIDKey);
+        const auto* name = named != entry->end() ? named->second.as<std::string>() : nullptr;
+        if (name && *name == bundleID)
+          ++entries.own;
+        else
+          entries.foreign.push_back(name ? *name : "");
+      }
+    }
+  }
+  return found;
+}
+
+int TessalInstaller::removeOrvaneFromHIToolboxDefaults(const std::string& bundleID) const {
+  int removed = 0;
+  for (const auto& [key, position] : kLists) {
+    const auto value = platform::copyPreferencesValue(key, kDomain, PreferencesUser::current,
+                                                      PreferencesHost::current);
+    const auto* array = value ? value->as<PropertyListArray>() : nullptr;
+    if (!array) continue;
+    // The list as it is, with what is no dictionary in it: that is not ours to clean.
+    PropertyListArray kept = *array;
+    const auto count = std::erase_if(kept, [&](const PropertyListValue& element) {
+      const auto* entry = element.as<PropertyListDictionary>();
+      return entry && (holdsText(*entry, kBundleIDKey, bundleID) ||
+                       holdsText(*entry, kBundleIDKey, std::string(kBaseBundleID)));
+    });
+    if (count == 0) continue;
+    removed += static_cast<int>(count);
+    platform::setPreferencesValue(key, kept, kDomain, PreferencesUser::current,
+                                  PreferencesHost::current);
+  }
+  platform::synchronizePreferences(kDomain, PreferencesUser::current, PreferencesHost::current);
+  return removed;
 }

@@ -1,6 +1,7 @@
 #include "inputsource/tessal_installer.h"
 #include "platform/bundle.h"
 #include "platform/file_root.h"
+#include "platform/workspace.h"
 
 std::string TessalInstaller::rawValue(InputMode mode) {
   switch (mode) {
@@ -27,9 +28,22 @@ bool TessalInstaller::isInstalled() const {
   return std::filesystem::exists(platform::onDisk(appDir()), error);
 }
 
+std::optional<platform::PropertyListDictionary> TessalInstaller::installedInfo() const {
+  return platform::readPropertyListDictionary(platform::onDisk(appDir() / "Contents/Info.plist"));
+}
+
+std::optional<std::filesystem::path> TessalInstaller::bundledSettingsApplication() const {
+  const auto bundled = platform::onDisk(appDir() / "Contents" / "MacOS" / "OrvaneSettings.app");
+  std::error_code error;
+  return std::filesystem::exists(bundled, error) ? std::optional(bundled) : std::nullopt;
+}
+
+std::optional<std::filesystem::path> TessalInstaller::otherSettingsApplication() const {
+  return platform::findApplication("com.tessal.inputmethod.Orvane.settings");
+}
+
 std::optional<std::string> TessalInstaller::readInstalledBundleIdentifier() const {
-  const auto info =
-      platform::readPropertyListDictionary(platform::onDisk(appDir() / "Contents/Info.plist"));
+  const auto info = installedInfo();
   if (!info) return std::nullopt;
   const auto entry = info->find("CFBundleIdentifier");
   if (entry == info->end()) return std::nullopt;

@@ -93,3 +93,10 @@ std::vector<Status> TessalInstaller::disableInputModesBestEffort(
       statuses.push_back(*status);
   return statuses;
 }
+
+void TessalInstaller::retire(const std::vector<InputSource>& sources) const {
+  for (const InputSource& source : sources) {
+    platform::deselectInputSource(source);
+    platform::disableInputSource(source);
+  }
+}

@@ -74,6 +74,16 @@ std::vector<TessalInstaller::InputMode> TessalInstaller::enabledModes() const {
   return enabled;
 }
 
+std::vector<InputSource> TessalInstaller::ownSources() const {
+  std::vector<InputSource> sources;
+  for (const InputMode mode : kAllModes)
+    if (const auto source = inputModeSource(mode, /*includeAllInstalled=*/true))
+      sources.push_back(source);
+  if (const auto base = keyboardInputMethodSource(/*includeAllInstalled=*/true))
+    sources.push_back(base);
+  return sources;
+}
+
 bool TessalInstaller::isSelected(InputMode mode) const {
   const InputSource current = platform::copyCurrentKeyboardInputSource();
   if (!current) return false;

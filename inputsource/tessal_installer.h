@@ -36,6 +36,13 @@ class TessalInstaller {
   static const std::filesystem::path& appDir();
   /// Whether anything at all lies at the install location.
   bool isInstalled() const;
+  /// The information dictionary of the installed bundle; absent if it has none
+  /// that can be read.
+  std::optional<platform::PropertyListDictionary> installedInfo() const;
+  /// The settings application inside the installed bundle; absent if it lacks.
+  std::optional<std::filesystem::path> bundledSettingsApplication() const;
+  /// A settings application that the system knows from elsewhere.
+  std::optional<std::filesystem::path> otherSettingsApplication() const;
 
   // Lookups (input_source_lookup.cpp).
   std::vector<platform::InputSource> allInputSources(bool includeAllInstalled) const;
@@ -46,6 +53,8 @@ class TessalInstaller {
   platform::InputSource inputModeSource(InputMode mode, bool includeAllInstalled) const;
   bool isBaseEnabledBestEffort() const;
   std::vector<InputMode> enabledModes() const;
+  /// All that the system knows of the input method: its modes, then the base.
+  std::vector<platform::InputSource> ownSources() const;
   /// Whether the mode is the current keyboard input source.
   bool isSelected(InputMode mode) const;
 
@@ -65,10 +74,31 @@ class TessalInstaller {
   std::vector<platform::Status> disableInputModesBestEffort(
       const std::vector<InputMode>& modes) const;
 
+  /// Deselects and disables sources that ownSources() gave, also when their bundle
+  /// is gone by now.
+  void retire(const std::vector<platform::InputSource>& sources) const;
+
   // Preferences (hitoolbox_defaults.cpp).
   /// Adds the mode's entry to the user's three input-source lists where it is
   /// missing. Always true.
   bool ensureOrvaneEnabledInHIToolboxDefaults(InputMode mode) const;
+  /// What one of the three lists holds of a mode.
+  struct ListedEntries {
+    std::string list;  ///< Its key.
+    /// Entries of this mode under the input method's own bundle identifier.
+    int own = 0;
+    /// Bundle identifiers under which entries name this mode that are not its own.
+    std::vector<std::string> foreign;
+    /// The list itself, or an element of it, is of a kind that does not belong there.
+    bool isDamaged = false;
+  };
+  std::vector<ListedEntries> listedEntries(InputMode mode) const;
+  /// Takes the entries of the input method's bundle out of the three lists. All
+  /// others stay as they are, in their order. How many it took.
+  int removeOrvaneFromHIToolboxDefaults(const std::string& bundleID) const;
+  /// The bundle identifier that the entries carry: of the installed bundle, or the
+  /// one that it should have.
+  std::string entryBundleID() const;
 
  private:
   std::optional<std::string> readInstalledBundleIdentifier() const;

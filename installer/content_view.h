@@ -106,6 +106,8 @@ class ContentView : public std::enable_shared_from_this<ContentView> {
   void finalizeInstallSuccess(bool refreshAgents);
   void launchSettingsBootstrapIfNeeded();
   static void registerWithLaunchServicesIfPossible();
+  /// Ends the system's text-input agents, which it then starts anew.
+  static void restartTextInputAgents();
   void openKeyboardSettings();
   void userPressedGoEnable();
 

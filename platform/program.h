@@ -26,7 +26,7 @@ struct PlatformOption {
   std::function<std::optional<std::string>(const std::string& value)> use;
 };
 
-/// These options (Linux: `--root DIR`; macOS has none).
+/// These options (Linux: `--root DIR` and `--home DIR`; macOS has none).
 std::vector<PlatformOption> platformOptions();
 
 /// Runs the main loop of a program without windows until endMainLoop(), and

@@ -211,4 +211,29 @@ TEST_F(TessalInstallerTest, DefaultsNameTheInstalledBundle) {
   EXPECT_EQ(platform.preferences[kEnabled], list({entry("another"), entry()}));
 }
 
+TEST_F(TessalInstallerTest, RemovalTakesOwnEntriesAndKeepsTheRestInOrder) {
+  const PropertyListDictionary other = {{"Bundle ID", "x"}, {"Input Mode", kPinyin}};
+  const PropertyListDictionary base = {{"Bundle ID", kBase}};
+  platform.preferences = {{kEnabled, PropertyListArray{"text", entry(), other, base,
+                                                       entry("renamed"), std::int64_t{4}}},
+                          {kSelected, PropertyListArray{other}},
+                          {kHistory, "no list"}};
+  const auto before = platform.preferences;
+  EXPECT_EQ(installer.removeOrvaneFromHIToolboxDefaults("renamed"), 3);
+  EXPECT_EQ(platform.preferences[kEnabled], list({"text", other, std::int64_t{4}}));
+  EXPECT_EQ(platform.preferences[kSelected], before.at(kSelected));
+  EXPECT_EQ(platform.preferences[kHistory], before.at(kHistory));
+  EXPECT_EQ(platform.takeJournal(),
+            (Lines{"set com.apple.HIToolbox " + kEnabled, "synchronize com.apple.HIToolbox"}));
+}
+
+TEST_F(TessalInstallerTest, RetiringUsesTheSourcesThatWereThere) {
+  platform.addInputMethod();
+  const auto sources = installer.ownSources();
+  platform.sources.clear();
+  installer.retire(sources);
+  EXPECT_EQ(platform.journal, (Lines{"deselect " + kPinyin, "disable " + kPinyin,
+                                     "deselect " + kBase, "disable " + kBase}));
+}
+
 }  // namespace

@@ -13,6 +13,11 @@ std::optional<std::filesystem::path>& root() {
   return folder;
 }
 
+std::optional<std::filesystem::path>& store() {
+  static std::optional<std::filesystem::path> folder;
+  return folder;
+}
+
 }  // namespace
 
 std::filesystem::path onDisk(const std::filesystem::path& path) {
@@ -20,6 +25,10 @@ std::filesystem::path onDisk(const std::filesystem::path& path) {
 }
 
 namespace linux_ {
+
+void setUserStore(const std::filesystem::path& folder) {
+  store() = folder;
+}
 
 void setFileRoot(const std::filesystem::path& folder) {
   root() = folder;
@@ -30,10 +39,14 @@ std::optional<std::filesystem::path> fileRoot() {
 }
 
 std::vector<std::string> rootArguments() {
-  return root() ? std::vector<std::string>{"--root", root()->string()} : std::vector<std::string>{};
+  std::vector<std::string> arguments;
+  if (root()) arguments = {"--root", root()->string()};
+  if (store()) arguments.insert(arguments.end(), {"--home", store()->string()});
+  return arguments;
 }
 
 std::filesystem::path userStore() {
+  if (store()) return *store();
   if (root()) return *root() / "user";
   const QString dataHome = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
   return std::filesystem::path(dataHome.toStdString()) / "orvane-workbench";

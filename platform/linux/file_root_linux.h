@@ -18,8 +18,12 @@ void setFileRoot(const std::filesystem::path& folder);
 /// The folder given to setFileRoot(); absent if there was none. Any thread.
 std::optional<std::filesystem::path> fileRoot();
 
-/// The options that start a child on the same root: "--root" and the folder, or
-/// none. Any thread.
+/// Puts the user's stores into this absolute folder, as those of another account.
+/// Before any service is used.
+void setUserStore(const std::filesystem::path& folder);
+
+/// The options that start a child on the same root and with the same stores:
+/// "--root" and "--home" with their folders, as far as they were given. Any thread.
 std::vector<std::string> rootArguments();
 
 /// The folder of this user's stores (preferences, input sources, registered

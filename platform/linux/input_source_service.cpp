@@ -165,7 +165,10 @@ Status enableInputSource(const std::string& id) {
 
 Status disableInputSource(const std::string& id) {
   return changeInputSourceState([&](InputSourceState& state) {
-    if (!findInBundle(id, state)) return kParameterError;
+    // Of a bundle that is gone nothing stays, the user's answer neither.
+    const bool isGone = !findInBundle(id, state);
+    if (isGone && state.enabled.erase(id) + state.allowed.erase(id) + state.asked.erase(id) == 0)
+      return kParameterError;
     setEnabled(state, id, false);
     return kNoError;
   });

@@ -51,8 +51,8 @@ Status registerInputMethod(const std::filesystem::path& bundle);
 Status enableInputSource(const std::string& id);
 
 /// Disables this one source. If it was current, the built-in layout becomes current.
-/// The user's permission stays. kParameterError if there is no such source or it is
-/// the built-in layout.
+/// The user's permission stays as long as the bundle does. kParameterError if there is
+/// no such source or it is the built-in layout.
 Status disableInputSource(const std::string& id);
 
 /// Makes an enabled, select-capable source current, else kParameterError.

@@ -46,19 +46,30 @@ void openStandardStreams() {
   if (descriptor > STDERR_FILENO) ::close(descriptor);
 }
 
-std::optional<std::string> useRoot(const std::string& directory) {
-  if (directory.empty() || directory.starts_with("-")) return "--root needs a folder";
+/// Makes the folder of an option, with `inside` in it, and hands it to `use`.
+std::optional<std::string> useFolder(const std::string& option, const std::string& directory,
+                                     const std::string& inside,
+                                     void (*use)(const std::filesystem::path&)) {
+  if (directory.empty() || directory.starts_with("-")) return option + " needs a folder";
   // The toolkit would turn it into another path.
-  if (!utf8::is_valid(directory.begin(), directory.end())) return "--root: the path is not UTF-8";
+  if (!utf8::is_valid(directory.begin(), directory.end()))
+    return option + ": the path is not UTF-8";
   std::error_code error;
   std::filesystem::create_directories(directory, error);
-  const auto root = error ? std::filesystem::path() : std::filesystem::canonical(directory, error);
-  if (!error) std::filesystem::create_directories(root / "tmp", error);
-  if (error) return "--root " + directory + ": " + error.message();
-  if (const std::string path = root.string(); !utf8::is_valid(path.begin(), path.end()))
-    return "--root: the path leads to one that is not UTF-8";
-  linux_::setFileRoot(root);
+  const auto folder =
+      error ? std::filesystem::path() : std::filesystem::canonical(directory, error);
+  if (!error) std::filesystem::create_directories(folder / inside, error);
+  if (error) return option + " " + directory + ": " + error.message();
+  if (const std::string path = folder.string(); !utf8::is_valid(path.begin(), path.end()))
+    return option + ": the path leads to one that is not UTF-8";
+  use(folder);
   return std::nullopt;
+}
+std::optional<std::string> useRoot(const std::string& directory) {
+  return useFolder("--root", directory, "tmp", linux_::setFileRoot);
+}
+std::optional<std::string> useHome(const std::string& directory) {
+  return useFolder("--home", directory, "", linux_::setUserStore);
 }
 
 /// Carries a signal out of its handler onto the main queue.
@@ -125,7 +136,8 @@ std::optional<std::string> prepareProcess() {
 }
 
 std::vector<PlatformOption> platformOptions() {
-  return {{"--root", "DIR", "keep everything below DIR and run the script as this user", useRoot}};
+  return {{"--root", "DIR", "keep everything below DIR and run the script as this user", useRoot},
+          {"--home", "DIR", "keep the user's own stores in DIR, as another account's", useHome}};
 }
 
 int runMainLoop() {

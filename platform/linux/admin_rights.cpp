@@ -1,0 +1,42 @@
+#include "platform/admin_rights.h"
+
+#include <unistd.h>
+
+#include <QStandardPaths>
+#include <cstdlib>
+
+#include "platform/bundle.h"
+#include "platform/linux/file_root_linux.h"
+#include "platform/posix/group_membership.h"
+
+namespace platform {
+
+namespace {
+
+bool isSet(const char* name) {
+  const char* value = std::getenv(name);
+  return value && *value;
+}
+
+/// Whether there is an askpass program, and for the bundled one a display.
+bool canAskForPassword() {
+  if (isSet("SUDO_ASKPASS")) return ::access(std::getenv("SUDO_ASKPASS"), X_OK) == 0;
+  return (isSet("DISPLAY") || isSet("WAYLAND_DISPLAY")) &&
+         ::access((bundleLocation() / "Contents/Helpers/askpass").c_str(), X_OK) == 0;
+}
+
+}  // namespace
+
+AdminRights adminRights() {
+  // Below a root of its own the askpass program alone decides.
+  if (linux_::fileRoot())
+    return canAskForPassword() ? AdminRights::askable : AdminRights::unavailable;
+  if (::geteuid() == 0) return AdminRights::held;
+  if (!canAskForPassword() || QStandardPaths::findExecutable("sudo").isEmpty())
+    return AdminRights::unavailable;
+  for (const char* group : {"sudo", "wheel", "admin"})
+    if (posix::isInGroup(group)) return AdminRights::askable;
+  return AdminRights::ofAnother;  // sudo's own configuration may still name the user
+}
+
+}  // namespace platform
