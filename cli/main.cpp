@@ -1,168 +1,99 @@
-// The command-line front: one installation, shown in the terminal.
+// The command line: installation, activation, diagnosis and removal without a
+// window.
 
-#include <unistd.h>
-
-#include <cmath>
+#include <functional>
 #include <iostream>
-#include <memory>
 #include <string>
-#include <utility>
 
+#include "cli/commands.h"
 #include "cli/program_options.h"
-#include "installer/content_view.h"
-#include "installer/log_files.h"
-#include "platform/admin_script.h"
-#include "platform/file_root.h"
-#include "platform/program.h"
 
 namespace {
 
-enum ExitStatus {
-  kSuccess = 0,
-  kFailed = 1,
-  kRefused = 2,
-  kLeftWhileWaiting = 3,
-};
-
+/// What the options of all commands say.
 struct Options {
-  bool goEnable = false;
-  bool noWait = false;
+  bool json = false;
+  WaitOptions wait;
+  bool once = false;
+  bool machineOnly = false;
+  UninstallOptions uninstall;
 };
 
-/// One installation in the terminal. Lives on the main queue.
-class TerminalFront {
- public:
-  explicit TerminalFront(Options options)
-      : options_(options), isTerminal_(::isatty(STDOUT_FILENO) == 1) {}
+void addEveryonesOptions(CLI::App& command, Options& options) {
+  addCommonOptions(command);
+  command.add_flag("--json", options.json, "tell what happens in lines of JSON on standard output");
+}
 
-  void start() {
-    platform::onTerminationRequest([this] { terminationRequested(); });
-    progressWatch_ = view_->installProgress.observe([this](double, auto) { showProgress(); });
-    installingWatch_ = view_->isInstalling.observe([this](bool, auto) { showProgress(); });
-    statusWatch_ = view_->installationStatus.observe(
-        [this](const InstallationStatus& status, auto) { statusChanged(status); });
-    view_->userPressedInstall();
-  }
+CLI::Option* addGoEnable(CLI::App& command, Options& options) {
+  return command.add_flag("--go-enable", options.wait.goEnable,
+                          "ask for enabling once more and open the keyboard settings");
+}
 
- private:
-  void statusChanged(const InstallationStatus& status) {
-    switch (status.value()) {
-      case InstallationStatus::notStarted:
-      case InstallationStatus::installing:
-        return;
-      case InstallationStatus::waitingEnable:
-        return startWaiting();
-      case InstallationStatus::success:
-        showProgress();
-        view_->enableWaitingViewDidDisappear();
-        say("安装成功");
-        return leaveSoon(kSuccess);
-      case InstallationStatus::needAdmin:
-        complain("未获得管理员授权，安装未进行");
-        return leaveSoon(kRefused);
-      case InstallationStatus::failed:
-        complain(status.message());
-        complain("日志：" + platform::onDisk(kUILogPath).string());
-        return leaveSoon(kFailed);
-    }
-  }
-
-  void startWaiting() {
-    showProgress();
-    if (options_.noWait || isAskedToLeave_) {
-      say("已安装，尚未启用");
-      return leaveSoon(kLeftWhileWaiting);
-    }
-    say("为了正常使用，请将「澄枫输入法」添加到输入法列表");
-    view_->enableWaitingViewDidAppear();
-    if (options_.goEnable) view_->userPressedGoEnable();
-  }
-
-  void terminationRequested() {
-    isAskedToLeave_ = true;
-    if (!view_) return;
-    if (view_->installationStatus->is(InstallationStatus::waitingEnable)) {
-      say("已安装，尚未启用");
-      return leaveSoon(kLeftWhileWaiting);
-    }
-    // How the script ends now decides the result.
-    if (platform::interruptAdminScript()) return;
-    complain("安装脚本仍以管理员权限运行，无法中止");
-    leaveSoon(kFailed);
-  }
-
-  /// Leaves when all that is on the main queue now has run. The last pieces of the
-  /// log may be part of that.
-  void leaveSoon(ExitStatus status) {
-    platform::asyncOnMain([this, status] {
-      if (view_) leave(status);
-    });
-  }
-
-  void leave(ExitStatus status) {
-    view_->enableWaitingViewDidDisappear();
-    progressWatch_.reset();
-    installingWatch_.reset();
-    statusWatch_.reset();
-    view_.reset();
-    platform::endMainLoop(status);
-  }
-
-  void showProgress() {
-    const double progress = view_->installProgress;
-    const int percent = static_cast<int>(progress * 100);
-    const std::string text = "正在安装 " + std::to_string(percent) + "%";
-    if (text == shown_) return;
-    shown_ = text;
-    if (!isTerminal_) {
-      std::cout << text << std::endl;
-      return;
-    }
-    constexpr int kCells = 40;
-    const int filled = static_cast<int>(std::lround(progress * kCells));
-    std::cout << "\r\033[K[" << std::string(filled, '=') << std::string(kCells - filled, ' ')
-              << "] " << text << std::flush;
-    isLineOpen_ = true;
-  }
-
-  void endLine() {
-    if (std::exchange(isLineOpen_, false)) std::cout << std::endl;
-  }
-  void say(const std::string& line) {
-    endLine();
-    std::cout << line << std::endl;
-  }
-  void complain(const std::string& line) {
-    endLine();
-    std::cerr << line << std::endl;
-  }
-
-  Options options_;
-  bool isTerminal_;
-  bool isAskedToLeave_ = false;
-  bool isLineOpen_ = false;
-  std::string shown_;
-  std::shared_ptr<ContentView> view_ = ContentView::create();
-  platform::Observation progressWatch_;
-  platform::Observation installingWatch_;
-  platform::Observation statusWatch_;
-};
+CLI::Option* addNoWait(CLI::App& command, Options& options) {
+  return command.add_flag("--no-wait", options.wait.noWait,
+                          "leave instead of waiting for the user's approval");
+}
 
 }  // namespace
 
 int main(int argc, char** argv) {
   Options options;
-  CLI::App program("Installs the input method and waits until it is enabled.", "orvane-install");
-  program.add_flag("--go-enable", options.goEnable,
-                   "ask for enabling once more and open the keyboard settings");
-  program.add_flag("--no-wait", options.noWait, "leave instead of waiting for the user's approval");
-  program.footer(
-      "Exit status: 0 installed and enabled, 1 failed, 2 authorisation refused,\n"
-      "3 left while waiting for approval, 64 bad usage.");
-  addCommonOptions(program);
-  if (const auto status = parseArguments(program, argc, argv)) return *status;
+  std::string name = "install";
+  std::function<int(EventOutput&)> run = [&](EventOutput& output) {
+    return runInstall(output, options.wait);
+  };
 
-  TerminalFront front(options);
-  platform::asyncOnMain([&front] { front.start(); });
-  return platform::runMainLoop();
+  CLI::App program("Installs the input method and waits until it is enabled.", "orvane-install");
+  program.require_subcommand(0, 1);
+  program.footer(
+      "Without a command it installs. Exit status: 0 success, 1 failed, 2 authorisation\n"
+      "refused, 3 left while waiting for approval, 64 bad usage.");
+  addEveryonesOptions(program, options);
+  const auto installOptions = {addGoEnable(program, options), addNoWait(program, options)};
+
+  const auto addCommand = [&](const char* command, const char* description,
+                              std::function<int(EventOutput&)> function) {
+    CLI::App& added = *program.add_subcommand(command, description);
+    addEveryonesOptions(added, options);
+    // Options of the default command do not stand before another one.
+    for (CLI::Option* const option : installOptions) added.excludes(option);
+    added.callback([&name, &run, command, function] {
+      name = command;
+      run = function;
+    });
+    return &added;
+  };
+
+  CLI::App& install =
+      *addCommand("install", "install the input method and wait until it is enabled", run);
+  addGoEnable(install, options);
+  addNoWait(install, options);
+
+  CLI::App& activate = *addCommand(
+      "activate", "enable, for this user, the input method that is installed already",
+      [&](EventOutput& output) { return runActivate(output, options.wait, options.once); });
+  addGoEnable(activate, options);
+  addNoWait(activate, options);
+  activate.add_flag("--once", options.once,
+                    "do nothing if this has succeeded for this user before");
+
+  CLI::App& doctor =
+      *addCommand("doctor", "look at the installation and say what is wrong; changes nothing",
+                  [&](EventOutput& output) { return runDoctor(output, options.machineOnly); });
+  doctor.add_flag("--machine", options.machineOnly, "only what all users of the machine share");
+
+  CLI::App& uninstall =
+      *addCommand("uninstall", "remove the input method",
+                  [&](EventOutput& output) { return runUninstall(output, options.uninstall); });
+  uninstall.add_flag("--yes", options.uninstall.yes, "ask no question; --json needs it");
+  uninstall.add_flag("--purge", options.uninstall.purge,
+                     "remove the user's dictionary and settings as well");
+
+  if (const auto status = parseArguments(program, argc, argv)) return *status;
+  if (name == "uninstall" && options.json && !options.uninstall.yes) {
+    std::cerr << program.get_name() << ": uninstall --json needs --yes\n\n" << uninstall.help();
+    return kBadUsage;
+  }
+  const auto output = options.json ? makeJsonOutput(name) : makeTextOutput(name);
+  return run(*output);
 }

@@ -5,7 +5,7 @@ set -eu
 
 if [ "$(uname -s)" = Darwin ]; then
   command -v brew >/dev/null || { echo "Homebrew is needed: https://brew.sh" >&2; exit 1; }
-  for formula in cmake ninja qt@6 googletest utf8cpp cli11 librsvg; do
+  for formula in cmake ninja qt@6 googletest utf8cpp cli11 nlohmann-json librsvg; do
     brew list --versions "$formula" >/dev/null 2>&1 || missing="${missing:-} $formula"
   done
   # shellcheck disable=SC2086
@@ -21,7 +21,7 @@ packages='
   qt6-base-dev qt6-declarative-dev qt6-declarative-dev-tools
   qml6-module-qtqml qml6-module-qtqml-models qml6-module-qtqml-workerscript
   qml6-module-qtquick qml6-module-qtquick-window
-  libcli11-dev libplist-dev libplist-utils libutfcpp-dev
+  libcli11-dev nlohmann-json3-dev libplist-dev libplist-utils libutfcpp-dev
   libgtest-dev
   fonts-noto-cjk fonts-noto-cjk-extra librsvg2-bin icnsutils
   zip unzip libarchive-tools openssl perl-base sudo
@@ -29,6 +29,7 @@ packages='
   dbus-daemon at-spi2-core python3-gi gir1.2-atspi-2.0
   clang-14 clang-format clang-tidy libclang-rt-14-dev shellcheck
   clang-19 llvm-14 python3-pip
+  ansible-core openssh-client mandoc zsh fish
 '
 missing=
 for package in $packages; do

@@ -1,5 +1,6 @@
 #include "platform/admin_rights.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <QStandardPaths>
@@ -7,6 +8,7 @@
 
 #include "platform/bundle.h"
 #include "platform/linux/file_root_linux.h"
+#include "platform/posix/descriptor.h"
 #include "platform/posix/group_membership.h"
 
 namespace platform {
@@ -18,11 +20,12 @@ bool isSet(const char* name) {
   return value && *value;
 }
 
-/// Whether there is an askpass program, and for the bundled one a display.
+/// Whether there is an askpass program, and for the bundled one a place to ask in.
 bool canAskForPassword() {
   if (isSet("SUDO_ASKPASS")) return ::access(std::getenv("SUDO_ASKPASS"), X_OK) == 0;
-  return (isSet("DISPLAY") || isSet("WAYLAND_DISPLAY")) &&
-         ::access((bundleLocation() / "Contents/Helpers/askpass").c_str(), X_OK) == 0;
+  if (::access((bundleLocation() / "Contents/Helpers/askpass").c_str(), X_OK) != 0) return false;
+  return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") ||
+         Descriptor(::open("/dev/tty", O_RDWR | O_CLOEXEC | O_NOCTTY));
 }
 
 }  // namespace

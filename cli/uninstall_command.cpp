@@ -1,0 +1,198 @@
+#include <array>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "cli/activation_stamp.h"
+#include "cli/commands.h"
+#include "inputsource/tessal_installer.h"
+#include "installer/authorisation.h"
+#include "installer/content_view.h"
+#include "platform/bundle.h"
+#include "platform/common/admin_script_source.h"
+#include "platform/file_root.h"
+#include "platform/log_file.h"
+#include "platform/program.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Written by the uninstallation script, and by this program.
+constexpr const char* kScriptLogPath = "/tmp/tessal_uninstaller.log";
+constexpr const char* kUILogPathOfUninstaller = "/tmp/tessal_uninstaller_ui.log";
+
+const std::array<fs::path, 3>& bundles() {
+  static const std::array<fs::path, 3> paths = {
+      TessalInstaller::appDir(), "/Applications/Sondrel.app", "/Applications/Cogwen.app"};
+  return paths;
+}
+
+/// Where the input method keeps the user's dictionary and settings.
+std::vector<fs::path> userFiles() {
+  const fs::path library = platform::userLibrary();
+  const std::string identifier(TessalInstaller::kBaseBundleID);
+  std::vector<fs::path> found;
+  for (const fs::path& file :
+       {library / "Application Support" / "Orvane", library / "Caches" / identifier,
+        library / "Preferences" / (identifier + ".plist"),
+        library / "Preferences" / (identifier + ".settings.plist")}) {
+    std::error_code error;
+    if (fs::exists(fs::symlink_status(file, error))) found.push_back(file);
+  }
+  return found;
+}
+
+/// One removal. Lives on the main queue.
+class Uninstallation {
+ public:
+  Uninstallation(EventOutput& output, const UninstallOptions& options)
+      : output_(output), options_(options) {}
+
+  void start() {
+    platform::onTerminationRequest([this] {
+      // How the script ends now decides the result.
+      if (!platform::interruptAdminScript()) fail("卸载脚本仍以管理员权限运行，无法中止");
+    });
+    platform::emptyLogFile(platform::onDisk(kUILogPathOfUninstaller));
+    const auto script = platform::bundleResource("uninstall", "sh");
+    if (!script) return fail("找不到卸载脚本 uninstall.sh");
+    output_.progress(0.0);
+    // The script takes the bundles away, and the service may then know their
+    // sources no more. They go only after it: a refused prompt changes nothing.
+    sources_ = TessalInstaller().ownSources();
+    bundleID_ = TessalInstaller().entryBundleID();
+    if (!isAnythingOnDisk()) {
+      say("没有程序包可移除");
+      return cleanUp();
+    }
+    output_.phase("script");
+    platform::emptyLogFile(platform::onDisk(kScriptLogPath));
+    const std::string source =
+        platform::composeAdminScriptSource({script->string(), adminPrompt()});
+    const auto problem = platform::asyncOnWorker([this, source] {
+      const auto error = platform::executeAdminScript(source);
+      platform::asyncOnMain([this, error] { scriptEnded(error); });
+    });
+    if (problem) fail(*problem);
+  }
+
+ private:
+  /// A bundle, or what a killed run has left of one.
+  static bool isAnythingOnDisk() {
+    for (const fs::path& bundle : bundles()) {
+      const fs::path place = platform::onDisk(bundle);
+      const std::string hidden = std::string(".").append(place.filename().string());
+      for (const fs::path& path : {place, place.parent_path() / (hidden + ".staging"),
+                                   place.parent_path() / (hidden + ".backup")}) {
+        std::error_code error;
+        if (fs::exists(fs::symlink_status(path, error))) return true;
+      }
+    }
+    return false;
+  }
+
+  void scriptEnded(const std::optional<platform::AdminScriptError>& error) {
+    if (error && isAuthorisationRefused(*error)) {
+      output_.complain("未获得管理员授权，没有移除任何东西");
+      return platform::endMainLoop(kRefused);
+    }
+    if (error) {
+      log("卸载脚本失败: " + error->message.value_or(""));
+      return fail("移除失败：" + error->message.value_or(""));
+    }
+    output_.progress(0.8);
+    for (const fs::path& bundle : bundles())
+      if (std::error_code ignored; fs::exists(platform::onDisk(bundle), ignored))
+        say("保留了 " + platform::onDisk(bundle).string() + "：它不是这个安装器装的");
+    if (TessalInstaller().isInstalled()) return fail("输入法没有移除");
+    say("已移除程序包");
+    cleanUp();
+  }
+
+  void cleanUp() {
+    output_.phase("cleanup");
+    const TessalInstaller installer;
+    installer.retire(sources_);
+    say("已停用 " + std::to_string(sources_.size()) + " 个输入源");
+    const int removed = installer.removeOrvaneFromHIToolboxDefaults(bundleID_);
+    say("已从偏好列表中取出 " + std::to_string(removed) + " 条");
+    // As long as a source was enabled, the system may have started it anew.
+    if (platform::onDisk("/") == "/")
+      for (const char* process : {"Orvane", "OrvaneSettings"})
+        ContentView::runCommand("/usr/bin/killall", {process});
+    ContentView::restartTextInputAgents();
+    std::error_code error;
+    fs::remove(activationStamp(), error);
+    if (!purgeOrName()) return fail("有文件没有删除");
+    output_.progress(1.0);
+    output_.say("移除完成");
+    platform::endMainLoop(kSuccess);
+  }
+
+  /// Removes the user's files if that is wanted, else says where they are. Whether
+  /// what was wanted is done.
+  bool purgeOrName() {
+    bool isDone = true;
+    for (const fs::path& file : userFiles()) {
+      std::error_code error;
+      if (!options_.purge) {
+        say("保留了用户词库和设置：" + file.string() + "（uninstall --purge 会删除）");
+        continue;
+      }
+      // The preferences service of macOS would write a mere file anew.
+      if (file.extension() == ".plist")
+        ContentView::runCommand("/usr/bin/defaults", {"delete", file.stem().string()});
+      if (fs::remove_all(file, error); error) {
+        output_.complain("无法删除 " + file.string() + "：" + error.message());
+        isDone = false;
+      } else {
+        say("已删除 " + file.string());
+      }
+    }
+    return isDone;
+  }
+
+  void fail(const std::string& message) {
+    output_.complain(message);
+    output_.complain("日志：" + platform::onDisk(kScriptLogPath).string());
+    platform::endMainLoop(kFailed);
+  }
+
+  void say(const std::string& line) {
+    log(line);
+    output_.say(line);
+  }
+
+  static void log(const std::string& line) {
+    platform::appendToLogFile(platform::onDisk(kUILogPathOfUninstaller), line + "\n");
+  }
+
+  EventOutput& output_;
+  UninstallOptions options_;
+  std::vector<platform::InputSource> sources_;
+  std::string bundleID_;
+};
+
+bool isConfirmed() {
+  std::cout << "将移除「澄枫输入法」和随它安装的应用，并停用它的输入源。继续吗？[y/N] "
+            << std::flush;
+  std::string answer;
+  std::getline(std::cin, answer);
+  return answer == "y" || answer == "Y" || answer == "yes" || answer == "是";
+}
+
+}  // namespace
+
+int runUninstall(EventOutput& output, const UninstallOptions& options) {
+  int status = kRefused;
+  if (options.yes || isConfirmed()) {
+    Uninstallation uninstallation(output, options);
+    platform::asyncOnMain([&] { uninstallation.start(); });
+    status = platform::runMainLoop();
+  } else {
+    output.say("已取消，没有移除任何东西");
+  }
+  output.result(status);
+  return status;
+}
