@@ -11,10 +11,11 @@
 // | success       | installed and enabled                     | installing, waitingEnable | finalizeInstallSuccess                                         |
 //
 // clang-format on
-// Only a new run leaves needAdmin, failed and success. One case is special: the user
-// may allow the input method before the delayed step to waitingEnable has run. The
+// Only a new run leaves needAdmin, failed and success, with two exceptions. The user
+// may allow the input method before the delayed step to waitingEnable has run: the
 // status is then success, becomes waitingEnable, and the next poll makes it success
-// again.
+// again. And a script may fail after it has written "finish": finishPrivilegedRun then
+// sets failed or needAdmin from wherever the activation had come to.
 
 #pragma once
 
