@@ -83,7 +83,7 @@ void judgeUILog(Finding& finding, const std::vector<std::string>& lines) {
 std::vector<std::string> lastLines(const fs::path& file, std::size_t most) {
   std::error_code error;
   if (!fs::is_regular_file(fs::symlink_status(file, error))) return {};
-  constexpr std::uintmax_t kMostBytes = 64 * 1024;
+  constexpr std::uintmax_t kMostBytes = 65536;
   const auto size = fs::file_size(file, error);
   if (error) return {};
   std::ifstream stream(file, std::ios::binary);

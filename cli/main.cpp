@@ -52,7 +52,7 @@ int main(int argc, char** argv) {
   const auto installOptions = {addGoEnable(program, options), addNoWait(program, options)};
 
   const auto addCommand = [&](const char* command, const char* description,
-                              std::function<int(EventOutput&)> function) {
+                              const std::function<int(EventOutput&)>& function) {
     CLI::App& added = *program.add_subcommand(command, description);
     addEveryonesOptions(added, options);
     // Options of the default command do not stand before another one.

@@ -55,7 +55,7 @@ class Backlog {
   }
 
  private:
-  static constexpr std::size_t kMost = 1024 * 1024;
+  static constexpr std::size_t kMost = 1U << 20U;
   std::mutex mutex_;
   std::condition_variable changed_;
   std::size_t bytes_ = 0;

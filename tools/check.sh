@@ -36,7 +36,7 @@ qml() {
 }
 
 sanitized() {
-  cmake --preset asan --log-level=WARNING >/dev/null && cmake --build --preset asan &&
+  cmake --preset asan --log-level=WARNING >/dev/null && cmake --build --preset asan --target unit_tests &&
     ctest --preset asan -L unit -j "$jobs"
 }
 

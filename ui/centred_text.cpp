@@ -117,7 +117,9 @@ CentredText::Paragraphs CentredText::paragraphs(int nameLength) const {
 }
 
 double CentredText::fittingScale(const Paragraphs& paragraphs) const {
-  for (double scale = 1.0; scale > minimumScale_ - kScaleStep / 2; scale -= kScaleStep) {
+  const int steps = static_cast<int>(std::lround((1.0 - minimumScale_) / kScaleStep));
+  for (int step = 0; step <= steps; ++step) {
+    const double scale = 1.0 - step * kScaleStep;
     int count = 0;
     for (const auto& paragraph : paragraphs)
       count += lineCountAt(*paragraph, maximumWidth_ / scale);

@@ -77,7 +77,7 @@ QString InstallerModel::failureMessage() const {
 }
 
 QString InstallerModel::failureMessageInTwoLines() const {
-  const QString message = failureMessage();
+  QString message = failureMessage();
   for (const QString& firstLine : {QStringLiteral("未检测到"), QStringLiteral("找不到安装脚本")}) {
     if (message.startsWith(firstLine))
       return firstLine + u'\n' + message.mid(firstLine.size()).trimmed();

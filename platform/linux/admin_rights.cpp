@@ -15,16 +15,17 @@ namespace platform {
 
 namespace {
 
-bool isSet(const char* name) {
+/// The variable's value; null if it is not set or empty.
+const char* variable(const char* name) {
   const char* value = std::getenv(name);
-  return value && *value;
+  return value && *value ? value : nullptr;
 }
 
 /// Whether there is an askpass program, and for the bundled one a place to ask in.
 bool canAskForPassword() {
-  if (isSet("SUDO_ASKPASS")) return ::access(std::getenv("SUDO_ASKPASS"), X_OK) == 0;
+  if (const char* own = variable("SUDO_ASKPASS")) return ::access(own, X_OK) == 0;
   if (::access((bundleLocation() / "Contents/Helpers/askpass").c_str(), X_OK) != 0) return false;
-  return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") ||
+  return variable("DISPLAY") || variable("WAYLAND_DISPLAY") ||
          Descriptor(::open("/dev/tty", O_RDWR | O_CLOEXEC | O_NOCTTY));
 }
 

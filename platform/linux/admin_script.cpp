@@ -115,7 +115,7 @@ std::string readable(const std::string& bytes) {
 Outcome run(const std::string& program, const std::vector<std::string>& arguments,
             std::map<std::string, std::string> environment, Rights rights = Rights::user) {
   // Of a script that says much, the end counts.
-  constexpr std::size_t kMost = 64 * 1024;
+  constexpr std::size_t kMost = 65536;
   std::string said;
   int status = 0;
   {

@@ -19,6 +19,7 @@ void reapAtItsEnd(pid_t child) {
   Descriptor process = processDescriptor(child);
   if (!process || !QCoreApplication::instance()) return;
   const int descriptor = process.get();
+  // NOLINTNEXTLINE(cppcoreguidelines-owning-memory): the application owns it
   auto* const notifier =
       new QSocketNotifier(descriptor, QSocketNotifier::Read, QCoreApplication::instance());
   QObject::connect(notifier, &QSocketNotifier::activated,

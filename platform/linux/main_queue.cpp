@@ -37,7 +37,7 @@ class MainQueue : public QObject {
     const std::lock_guard lock(mutex_);
     if (isClosed_) return;
     blocks_.push_back(std::move(block));
-    if (blocks_.size() == 1) QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+    if (blocks_.size() == 1) postTurn();
   }
 
  protected:
@@ -48,13 +48,18 @@ class MainQueue : public QObject {
       const std::lock_guard lock(mutex_);
       block = std::move(blocks_.front());
       blocks_.pop_front();
-      if (!blocks_.empty()) QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+      if (!blocks_.empty()) postTurn();
     }
     block();
     return true;
   }
 
  private:
+  void postTurn() {
+    // NOLINTNEXTLINE(cppcoreguidelines-owning-memory): the event queue owns it
+    QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+  }
+
   std::mutex mutex_;
   std::deque<Block> blocks_;
   bool isClosed_ = false;

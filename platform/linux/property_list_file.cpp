@@ -53,7 +53,7 @@ bool isCarriedAs(const PropertyListValue& carried, const PropertyListValue& valu
 /// not read back either.
 std::optional<std::string> encodeForFile(const PropertyListDictionary& dictionary) {
   const PropertyListValue value(dictionary);
-  const auto xml = encodePropertyList(value, PropertyListFormat::xml);
+  auto xml = encodePropertyList(value, PropertyListFormat::xml);
   if (xml && decodePropertyList(*xml) == value) return xml;
   auto binary = encodePropertyList(value, PropertyListFormat::binary);
   const auto back = binary ? decodePropertyList(*binary) : std::nullopt;

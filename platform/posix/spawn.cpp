@@ -11,7 +11,7 @@
 #ifdef __APPLE__
 #include <crt_externs.h>
 #else
-extern char** environ;
+extern char** environ;  // NOLINT(readability-redundant-declaration): POSIX has no header for it
 #endif
 
 namespace platform {
@@ -32,13 +32,15 @@ std::vector<std::string> withAdditions(const Environment& additions) {
     if (!additions.contains(std::string(text.substr(0, text.find('=')))))
       variables.emplace_back(text);
   }
-  for (const auto& [name, value] : additions) variables.push_back(name + "=" + value);
+  for (const auto& [name, value] : additions)
+    variables.push_back(std::string(name).append("=").append(value));
   return variables;
 }
 
 /// The form that exec wants; valid as long as `texts` is.
 std::vector<char*> pointersTo(std::vector<std::string>& texts) {
   std::vector<char*> pointers;
+  pointers.reserve(texts.size() + 1);
   for (std::string& text : texts) pointers.push_back(text.data());
   pointers.push_back(nullptr);
   return pointers;
