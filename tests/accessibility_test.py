@@ -168,11 +168,22 @@ def whole_installation():
         expect(INSTALLER, "push button", "去启用")
         check("guide", any(name == question for _, name in Screen(INSTALLER).seen))
 
+        # The consent window takes the focus when it opens: only then is the key safe.
+        await_node(AGENT, "push button", "好")
         window = subprocess.run(
             ["xdotool", "search", "--onlyvisible", "--pid", str(installer.pid)],
             capture_output=True, text=True, timeout=LONGEST_WAIT).stdout.split()[-1]
-        subprocess.run(["xdotool", "windowfocus", "--sync", window, "key", "alt+F4"],
-                       timeout=LONGEST_WAIT, check=True)
+
+        def is_asked_to_close():
+            subprocess.run(["xdotool", "windowfocus", "--sync", window, "key", "alt+F4"],
+                           timeout=LONGEST_WAIT, check=True)
+            until = time.monotonic() + 2
+            while time.monotonic() < until and not Screen(INSTALLER).node("dialog", "澄枫输入法"):
+                pump()
+            return Screen(INSTALLER).node("dialog", "澄枫输入法")
+
+        # Another window may take the focus just before the key; the key again is harmless.
+        await_that("the question before closing", is_asked_to_close)
         warning = "未启用「澄枫输入法」\n退出安装将无法使用"
         dialog = await_node(INSTALLER, "dialog", "澄枫输入法")
         check("text of the dialog", dialog.get_description() == warning, dialog.get_description())
