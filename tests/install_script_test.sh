@@ -128,7 +128,7 @@ signals() {
         lock_is_free || { echo "SIG$signal at boundary $n" && return 1; }
       [ "$signal" = TERM ] && n=$((n + 1)) || n=$((n + 7))
     done
-    [ "$n" -gt 25 ] || return 1
+    [ "$n" -gt 31 ] || return 1
   done
 }
 
@@ -160,7 +160,7 @@ killed() {
         install && holds "$work/new" || { echo "killed at boundary $n" && return 1; }
       n=$((n + step))
     done
-    [ "$n" -gt 25 ] || return 1
+    [ "$n" -gt 27 ] || return 1
     step=3
   done
 }

@@ -83,7 +83,7 @@ stopped() {
       fi && uninstall && nothing_left || { echo "SIG$signal at $n" && return 1; }
       n=$((n + 1))
     done
-    [ "$n" -gt 10 ] || return 1
+    [ "$n" -gt 13 ] || return 1
   done
 }
 
