@@ -11,8 +11,8 @@
 #include "platform/bundle.h"
 #include "platform/pictures.h"
 #include "ui/named_window.h"
-#include "ui/painted_items.h"
 #include "ui/progress_item.h"
+#include "ui/system_image.h"
 
 // The build names these functions after the QML module. They must be called,
 // because nothing else keeps them in a static library.

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QColor>
+#include <QImage>
+#include <QQuickPaintedItem>
+#include <QString>
+#include <QtQmlIntegration>
+
+#include "platform/pictures.h"
+
+/// A picture of the platform as one of the toolkit.
+QImage toQImage(const platform::Image& image);
+
+/// A picture of the system's: the symbol of this name in one colour, or the
+/// application's icon if there is no name. Another thread may paint it, so it gets
+/// the picture before, on the main thread.
+class SystemImage : public QQuickPaintedItem {
+  Q_OBJECT
+  QML_ELEMENT
+  Q_PROPERTY(QString symbol MEMBER symbol_ NOTIFY changed)
+  Q_PROPERTY(QColor color MEMBER color_ NOTIFY changed)
+
+ public:
+  explicit SystemImage(QQuickItem* parent = nullptr);
+  void paint(QPainter* painter) override;
+
+ signals:
+  void changed();
+
+ protected:
+  void updatePolish() override;
+  void geometryChange(const QRectF& newGeometry, const QRectF& oldGeometry) override;
+  void itemChange(ItemChange change, const ItemChangeData& data) override;
+
+ private:
+  double side() const;
+
+  QString symbol_;
+  QColor color_ = Qt::black;
+  QImage image_;
+};
