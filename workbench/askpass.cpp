@@ -18,6 +18,7 @@
 #include "cli/program_options.h"
 #include "platform/bundle.h"
 #include "platform/linux/askpass_contract.h"
+#include "platform/linux/environment.h"
 #include "platform/linux/process_descriptor.h"
 #include "workbench/helper_program.h"
 #include "workbench/password_prompt.h"
@@ -53,11 +54,6 @@ bool printAndWipe(const QQuickItem& field) {
   return isWritten;
 }
 
-bool isSet(const char* variable) {
-  const char* value = std::getenv(variable);
-  return value && *value;
-}
-
 /// The installer that the password is for.
 struct Installer {
   pid_t process = 0;              // 0: somebody else has started this program
@@ -65,7 +61,7 @@ struct Installer {
 };
 
 Installer installer() {
-  const char* number = std::getenv(platform::linux_::kInstallerProcessVariable);
+  const char* number = platform::linux_::variable(platform::linux_::kInstallerProcessVariable);
   Installer result;
   result.process = number ? std::atoi(number) : 0;
   if (result.process > 0) result.lifeline = platform::linux_::processDescriptor(result.process);
@@ -95,7 +91,7 @@ int main(int argc, char** argv) {
   const QString text = wanted.isEmpty() ? QStringLiteral("需要管理员权限") : wanted;
   const Installer asking = installer();
   if (asking.process > 0 && !asking.lifeline && errno == ESRCH) return kNoPassword;
-  if (!isSet("DISPLAY") && !isSet("WAYLAND_DISPLAY") && !isSet("QT_QPA_PLATFORM"))
+  if (!platform::linux_::hasDisplay() && !platform::linux_::variable("QT_QPA_PLATFORM"))
     return askWithoutDisplay(text.toStdString(), asking);
 
   HelperProgram program("askpass", platform::linux_::kCannotAsk, kNoPassword);

@@ -4,9 +4,9 @@
 #include <unistd.h>
 
 #include <QStandardPaths>
-#include <cstdlib>
 
 #include "platform/bundle.h"
+#include "platform/linux/environment.h"
 #include "platform/linux/file_root_linux.h"
 #include "platform/posix/descriptor.h"
 #include "platform/posix/group_membership.h"
@@ -15,18 +15,11 @@ namespace platform {
 
 namespace {
 
-/// The variable's value; null if it is not set or empty.
-const char* variable(const char* name) {
-  const char* value = std::getenv(name);
-  return value && *value ? value : nullptr;
-}
-
 /// Whether there is an askpass program, and for the bundled one a place to ask in.
 bool canAskForPassword() {
-  if (const char* own = variable("SUDO_ASKPASS")) return ::access(own, X_OK) == 0;
+  if (const char* own = linux_::variable("SUDO_ASKPASS")) return ::access(own, X_OK) == 0;
   if (::access((bundleLocation() / "Contents/Helpers/askpass").c_str(), X_OK) != 0) return false;
-  return variable("DISPLAY") || variable("WAYLAND_DISPLAY") ||
-         Descriptor(::open("/dev/tty", O_RDWR | O_CLOEXEC | O_NOCTTY));
+  return linux_::hasDisplay() || Descriptor(::open("/dev/tty", O_RDWR | O_CLOEXEC | O_NOCTTY));
 }
 
 }  // namespace

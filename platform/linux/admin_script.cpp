@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <iterator>
 #include <mutex>
@@ -21,6 +20,7 @@
 #include "platform/child_process.h"
 #include "platform/common/admin_script_source.h"
 #include "platform/linux/askpass_contract.h"
+#include "platform/linux/environment.h"
 #include "platform/linux/file_root_linux.h"
 
 namespace platform {
@@ -144,8 +144,7 @@ Outcome runAsUser(const std::string& program, const std::string& argument,
 
 /// The program that asks for the password.
 std::string askpassProgram() {
-  const char* own = std::getenv("SUDO_ASKPASS");
-  if (own && *own) return own;
+  if (const char* own = linux_::variable("SUDO_ASKPASS")) return own;
   return (bundleLocation() / "Contents/Helpers/askpass").string();
 }
 

@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <functional>
 #include <utility>
 
 #include "platform/bundle.h"
 #include "platform/linux/detached_process.h"
+#include "platform/linux/environment.h"
 #include "platform/linux/file_root_linux.h"
 #include "platform/linux/input_source_state.h"
 #include "platform/linux/property_list_lookups.h"
@@ -210,13 +210,9 @@ void placeAgentBeside(std::function<std::optional<Rect>()> frame) {
 }
 
 bool startInputSourceAgent(std::vector<std::string> arguments) {
-  const auto isSet = [](const char* name) {
-    const char* value = std::getenv(name);
-    return value && *value;
-  };
   const fs::path agent = bundleLocation() / "Contents" / "Helpers" / "input-source-agent";
   std::error_code error;
-  if (!fs::exists(agent, error) || !(isSet("DISPLAY") || isSet("WAYLAND_DISPLAY"))) return false;
+  if (!fs::exists(agent, error) || !hasDisplay()) return false;
   const auto root = rootArguments();
   arguments.insert(arguments.begin(), root.begin(), root.end());
   if (const auto frame = agentNeighbour()()) {

@@ -1,0 +1,10 @@
+# Imports a library of headers without the folder around them, which holds this system's own.
+function(header_library target folder header)
+  find_path(${folder}_HEADERS ${folder}/${header} REQUIRED)
+  file(MAKE_DIRECTORY "${CMAKE_BINARY_DIR}/include")
+  file(CREATE_LINK "${${folder}_HEADERS}/${folder}" "${CMAKE_BINARY_DIR}/include/${folder}" SYMBOLIC)
+  if(NOT TARGET ${target})
+    add_library(${target} INTERFACE IMPORTED)
+    target_include_directories(${target} SYSTEM INTERFACE "${CMAKE_BINARY_DIR}/include")
+  endif()
+endfunction()
