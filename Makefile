@@ -1,6 +1,6 @@
 # make run    opens the installer; without a display, make demo
 # make test   runs every test
-# make check  format, clang-tidy, shellcheck, qmllint, documents, sanitized unit tests
+# make check  format, clang-tidy, shellcheck, qmllint, sanitized unit tests
 # make demo   the whole installation with real clicks, a screenshot a step
 # make bench  what things cost
 # make fuzz   every fuzz target for a minute

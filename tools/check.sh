@@ -43,7 +43,6 @@ sanitized() {
 tools/setup.sh --check || exit 1
 { cmake --preset release --log-level=WARNING >/dev/null && cmake --build --preset release; } || exit 1
 check format format
-check documents tools/check-docs.sh
 check shellcheck shell_scripts
 check qmllint qml
 check sanitizers sanitized
