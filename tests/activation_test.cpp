@@ -286,6 +286,11 @@ TEST_F(ActivationTest, GoEnableOpensSettingsAfterTheRequest) {
   EXPECT_TRUE(view->logText->ends_with(opening + "openKeyboardSettings(): try " + first +
                                        "\nopenKeyboardSettings(): try " + second +
                                        "\nopenKeyboardSettings(): fallback Keyboard.prefPane\n"));
+
+  platform.damagedUrls = {first, second};
+  view->openKeyboardSettings();
+  EXPECT_TRUE(
+      view->logText->ends_with(opening + "openKeyboardSettings(): fallback Keyboard.prefPane\n"));
 }
 
 TEST_F(ActivationTest, BlocksLeftBehindDoNothingOnceTheViewIsGone) {

@@ -42,6 +42,10 @@ for keys in Escape alt+F4 "Tab space"; do
   [ ! -s "$work/out" ] || fail "$keys gives the password away"
 done
 ask; kill "$running"; ended SIGTERM 143
+ulimit -c unlimited
+cd "$work" || exit 1
+ask; xdotool type --delay 30 abc; kill -ABRT "$running"; ended SIGABRT 134
+[ ! -e core ] || fail "a core file with the password"
 sleep 60 & ORVANE_INSTALLER_PROCESS=$!
 export ORVANE_INSTALLER_PROCESS
 ask; kill $ORVANE_INSTALLER_PROCESS; ended "installer gone" 1

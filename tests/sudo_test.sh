@@ -55,6 +55,7 @@ askpass slow "sleep 1; cat /app/password"
 askpass wrong "echo falsch"
 askpass closed "exit 1"
 askpass mistyped-then-closed 'if [ -e /tmp/mistyped ]; then exit 1; fi; : >/tmp/mistyped; echo falsch'
+askpass late ': >/tmp/late; until [ -e /tmp/answer ]; do sleep 0.1; done; cat /app/password'
 askpass asleep ': >/tmp/asleep; exec sleep 50'
 echo "$password" >"$machine/app/password"
 ui_log=$machine/tmp/tessal_installer_ui.log
@@ -104,6 +105,14 @@ await "the end of the prompt" sh -c '! pgrep -x sudo && ! pgrep -f "[a]skpass-as
 [ ! -e "$machine/Library" ] || fail "something was installed"
 mv "$machine/password" "$machine/app/password"
 
+# A password for an installer that is gone installs nothing.
+as_user "SUDO_ASKPASS=/app/askpass-late exec '$app/Contents/MacOS/orvane-install'" >/dev/null 2>&1 & front=$!
+await "the prompt" test -e "$machine/tmp/late"
+pkill -KILL -x orvane-install
+: >"$machine/tmp/answer"
+await "sudo's end" sh -c '! pgrep -x sudo'
+[ ! -e "$machine/Library" ] || fail "a killed installer's password installed"
+
 # The password is in nobody's arguments or environment while it is used.
 (
   until [ -e "$machine/stop" ]; do
@@ -130,6 +139,15 @@ in_terminal() { # in_terminal KEYS EXPECTED_STATUS
 }
 in_terminal "$password\n" 3
 in_terminal "das\003" 2
+
+# What a core file of the installer holds is looked through at the end.
+rm -f "$ui_log"
+as_user "ulimit -c unlimited; cd /tmp; SUDO_ASKPASS=/app/askpass-right exec '$app/Contents/MacOS/orvane-install'" \
+  >/dev/null 2>&1 & front=$!
+await "the waiting phase" grep -q trigger=enter-waiting "$ui_log"
+pkill -ABRT -x orvane-install
+wait_for_end $front
+[ "$(cat /proc/sys/kernel/core_pattern)" != core ] || [ -s "$machine/tmp/core" ] || fail "no core file"
 
 rm -f "$ui_log"
 echo "right, and allowed"

@@ -191,7 +191,12 @@ std::optional<AdminScriptError> runWithSudo(const AdminScript& script) {
   for (const char c : script.prompt) prompt.append(c == '%' ? 2 : 1, c);
   const char* const usual = "/usr/bin/sudo";
   const std::string sudo = ::access(usual, X_OK) == 0 ? usual : "sudo";
-  const Outcome outcome = run(sudo, {"-A", "-k", "-p", prompt, "--", "/bin/sh", script.path},
+  // An askpass program of the user's does not end with this process. A password that is
+  // given to it afterwards starts nothing.
+  const char* const ifStillWanted = R"(kill -0 "$1" && exec /bin/sh "$2")";
+  const Outcome outcome = run(sudo,
+                              {"-A", "-k", "-p", prompt, "--", "/bin/sh", "-c", ifStillWanted, "sh",
+                               std::to_string(::getpid()), script.path},
                               environment, Rights::administrator);
   if (outcome.status == 0) return std::nullopt;
   const std::string& said = outcome.standardError;
