@@ -10,7 +10,7 @@
 set -u
 . "$(dirname "$0")/support.sh"
 
-app=$(cd "$1" && pwd) || exit 1
+app=$(cd "$1" && pwd -P) || exit 1
 shift
 wanted=" $* "
 work=$(mktemp -d)
@@ -180,6 +180,7 @@ prompt dismissed        | askpass=$asleep; when prompt 'signal TERM'           |
 # The installer killed, and started again
 killed at the prompt    | askpass=$asleep; when prompt 'kill -9 $front'        | 137 | - | -
 killed with the script  | script hold; when holding 'kill -9 $front'           | 137 | - | -
+killed with a child     | script 'sleep 50 & hold'; when holding 'kill -9 $front' | 137 | - | -
 killed while waiting    | options=; when trigger=enter-waiting 'kill -9 $front' | 137 | - | -
 # Too little of something
 few descriptors         | limit "-n 30"                                        | 1   | no file can be opened | -

@@ -16,7 +16,7 @@ if [ "${1:-}" != --inside ]; then
   machine=$(mktemp -d) || exit 1
   trap 'rmdir "$machine"' EXIT
   # The first process ends all others with it, and the mounts end with the last one.
-  $as_root unshare --mount --pid --mount-proc --fork --kill-child sh "$0" --inside "$1" "$machine"
+  $as_root unshare --mount --pid --mount-proc --fork --kill-child sh "$0" --inside "$(realpath "$1")" "$machine"
   exit
 fi
 

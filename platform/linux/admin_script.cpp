@@ -134,12 +134,20 @@ Outcome run(const std::string& program, const std::vector<std::string>& argument
   return {status, readable(said)};
 }
 
-/// Runs a program of this user, which gets SIGTERM when this process dies.
+/// Runs a program of this user. When this process dies, the shell around the program gets
+/// SIGTERM and passes it on to all that the program has started. Its status is the program's:
+/// a wait that the signal interrupts is no end.
 Outcome runAsUser(const std::string& program, const std::string& argument,
                   std::map<std::string, std::string> environment) {
   constexpr const char* kSetpriv = "/usr/bin/setpriv";
   if (::access(kSetpriv, X_OK) != 0) return run(program, {argument}, std::move(environment));
-  return run(kSetpriv, {"--pdeathsig", "TERM", program, argument}, std::move(environment));
+  const char* const asOneGroup = R"(trap 'trap "" TERM; kill -TERM 0' TERM
+"$@" & child=$!
+while wait $child; status=$?; kill -0 $child; do :; done 2>&-
+exit $status)";
+  return run(kSetpriv,
+             {"--pdeathsig", "TERM", "/bin/sh", "-c", asOneGroup, "sh", program, argument},
+             std::move(environment));
 }
 
 /// The program that asks for the password.
