@@ -100,6 +100,10 @@ def has(node, state):
     return node.get_state_set().contains(state)
 
 
+def is_usable(node):
+    return has(node, Atspi.StateType.SENSITIVE) and has(node, Atspi.StateType.ENABLED)
+
+
 def press(node):
     names = [Atspi.Action.get_action_name(node, i) for i in range(Atspi.Action.get_n_actions(node))]
     Atspi.Action.do_action(node, names.index("Press"))
@@ -194,13 +198,13 @@ def whole_installation():
 
         press(await_node(INSTALLER, "push button", "去启用"))
         switch = await_node(AGENT, "check box", "ABC")
-        check("a fixed switch says so", has(switch, Atspi.StateType.READ_ONLY))
+        check("a fixed switch is disabled", not is_usable(switch))
         check("it is on", has(switch, Atspi.StateType.CHECKED))
         check("state of the source", switch.get_description() == "当前，不能更改", switch.get_description())
         expect(AGENT, "label", "输入法", "ABC", "当前", "等待许可 · " + BASE)
         others = [n for n in Screen(AGENT).nodes
                   if n.get_role_name() == "check box" and n.get_name() != "ABC"]
-        check("other switches can be moved", others and not any(has(n, Atspi.StateType.READ_ONLY) for n in others))
+        check("other switches can be moved", others and all(is_usable(n) for n in others))
 
         expect(AGENT, "label", "“澄枫输入法”想启用第三方\n输入法“澄枫输入法”")
         expect(AGENT, "push button", "不允许")
@@ -211,9 +215,9 @@ def whole_installation():
 
 def password_window():
     with running(f"{bundle}/Contents/Helpers/askpass", "Orvane Installer 想要进行更改"):
-        field = await_node("askpass", "password text", "")  # the toolkit shows no name
-        check("the password field says what it is", field.get_description() == "密码")
-        expect("askpass", "panel", "密码")
+        field = await_node("askpass", "password text", "密码")
+        subprocess.run(["xdotool", "type", "--delay", "30", "abc"], timeout=LONGEST_WAIT, check=True)
+        await_that("dots for the password", lambda: Atspi.Text.get_text(field, 0, 9) == "•••")
         expect("askpass", "label", "Orvane Installer 想要进行更改", "输入密码以允许此操作。")
         expect("askpass", "push button", "取消", "好")
 

@@ -1,16 +1,16 @@
 #include "ui/progress_item.h"
 
 #include <QAccessible>
-#include <QAccessibleObject>
 #include <QLatin1String>
-#include <QQuickWindow>
 #include <QVariant>
+
+#include "ui/item_interface.h"
 
 namespace {
 
-class ProgressInterface : public QAccessibleObject, public QAccessibleValueInterface {
+class ProgressInterface : public ItemInterface, public QAccessibleValueInterface {
  public:
-  explicit ProgressInterface(ProgressItem* item) : QAccessibleObject(item) {}
+  explicit ProgressInterface(ProgressItem* item) : ItemInterface(item) {}
 
   QAccessible::Role role() const override { return QAccessible::ProgressBar; }
   QString text(QAccessible::Text kind) const override {
@@ -18,44 +18,28 @@ class ProgressInterface : public QAccessibleObject, public QAccessibleValueInter
       case QAccessible::Name:
         return QStringLiteral("安装进度");
       case QAccessible::Value:
-        return QStringLiteral("%1%").arg(static_cast<int>(item().value() * 100));
+        return QStringLiteral("%1%").arg(static_cast<int>(progress().value() * 100));
       default:
         return {};
     }
   }
   QAccessible::State state() const override {
-    QAccessible::State state;
+    QAccessible::State state = ItemInterface::state();
     state.readOnly = true;
-    state.invisible = !item().isVisible();
     return state;
   }
-  QRect rect() const override {
-    const QRectF inScene = item().mapRectToScene(item().boundingRect());
-    return item().window() ? inScene.toRect().translated(item().window()->position()) : QRect();
-  }
-  QWindow* window() const override { return item().window(); }
-
-  QAccessibleInterface* parent() const override {
-    for (QQuickItem* above = item().parentItem(); above; above = above->parentItem())
-      if (auto* found = QAccessible::queryAccessibleInterface(above)) return found;
-    return QAccessible::queryAccessibleInterface(item().window());
-  }
-  QAccessibleInterface* child(int /*index*/) const override { return nullptr; }
-  int childCount() const override { return 0; }
-  int indexOfChild(const QAccessibleInterface* /*child*/) const override { return -1; }
-
   void* interface_cast(QAccessible::InterfaceType type) override {
     return type == QAccessible::ValueInterface ? static_cast<QAccessibleValueInterface*>(this)
-                                               : nullptr;
+                                               : ItemInterface::interface_cast(type);
   }
-  QVariant currentValue() const override { return item().value(); }
+  QVariant currentValue() const override { return progress().value(); }
   void setCurrentValue(const QVariant& /*value*/) override {}
   QVariant maximumValue() const override { return 1.0; }
   QVariant minimumValue() const override { return 0.0; }
   QVariant minimumStepSize() const override { return 0.0; }
 
  private:
-  const ProgressItem& item() const { return *static_cast<const ProgressItem*>(object()); }
+  const ProgressItem& progress() const { return *static_cast<const ProgressItem*>(object()); }
 };
 
 QAccessibleInterface* makeInterface(const QString& className, QObject* object) {

@@ -74,8 +74,6 @@ Rectangle {
         }
         Item { width: 1; height: 10 }
         Field {
-            Accessible.role: Accessible.Grouping
-            Accessible.name: "密码"
             ContinuousRectangle {
                 visible: password.activeFocus
                 anchors { fill: parent; margins: -3 }
@@ -104,9 +102,6 @@ Rectangle {
                 color: Palette.black(0.85)
                 activeFocusOnTab: true
                 Accessible.role: Accessible.EditableText
-                // The toolkit hides the name of a password field, but not this.
-                Accessible.description: "密码"
-                Accessible.passwordEdit: true
                 onAccepted: root.prompt.accepted(password)
             }
         }

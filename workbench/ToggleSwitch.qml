@@ -1,32 +1,22 @@
 import QtQuick 2.15
 import Orvane.Installer
+import Orvane.Workbench
 
 // A switch that shows `isOn` and asks for the other state; it does not turn by
 // itself.
-Item {
+SwitchItem {
     id: toggle
 
-    property bool isOn: false
-    property string name
     // What else is to be said of what it switches.
     property string status
     // Whether the user has moved it. Before that it changes without animation.
     property bool isAnimated: false
 
-    signal turned(bool on)
-
+    description: enabled ? status : (status ? status + "，" : "") + "不能更改"
     implicitWidth: 40
     implicitHeight: 24
     activeFocusOnTab: enabled
     Accessible.role: Accessible.CheckBox
-    Accessible.name: name
-    Accessible.checkable: true
-    Accessible.checked: isOn
-    Accessible.focusable: enabled
-    Accessible.readOnly: !enabled
-    Accessible.description: enabled ? status : (status ? status + "，" : "") + "不能更改"
-    Accessible.onToggleAction: if (enabled) turned(!isOn)
-    Accessible.onPressAction: if (enabled) turned(!isOn)
 
     Keys.onPressed: event => {
         if (event.key !== Qt.Key_Space && event.key !== Qt.Key_Return && event.key !== Qt.Key_Enter)

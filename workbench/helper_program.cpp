@@ -9,6 +9,8 @@
 
 #include "platform/host_window.h"
 #include "ui/installer_ui.h"
+#include "workbench/password_field.h"
+#include "workbench/switch_item.h"
 
 // The build names this function after the QML module. It must be called, because
 // nothing else keeps it in a static library.
@@ -55,6 +57,8 @@ HelperProgram::HelperProgram(const char* name, const char* noDisplayWords, int n
   registerInstallerUi();
   Q_INIT_RESOURCE(qmlcache_orvane_workbench);
   qml_register_types_Orvane_Workbench();
+  SwitchItem::installAccessibility();
+  installPasswordFieldAccessibility();
 }
 
 void HelperProgram::open(const QString& screen, const QVariantMap& properties, const QString& title,
