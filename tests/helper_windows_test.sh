@@ -24,7 +24,7 @@ start() { # start TITLE PROGRAM [ARGUMENT...]: until its window has the focus
   window=$(xdotool search --sync --onlyvisible --name "^$title\$") &&
     xdotool windowactivate --sync "$window" || fail "no window $title"
 }
-click() { xdotool mousemove --window "$window" "$1" "$2" click 1; }
+click() { xdotool mousemove --window "$window" "$1" "$2" sleep 0.5 click 1; }
 ended() { wait_for_end "$running"; expect "$1: status" $? "$2"; running=; }
 sources() { "$helpers/input-sources" --root "$work/root" "$@"; }
 expect_state() { expect "$1" "$(sources list | grep "^$base	" | cut -f 2)" "$2"; }
@@ -37,6 +37,15 @@ ask; xdotool type --delay 30 xyz; click 240 290; ended 好 0
 expect "password by click" "$(cat "$work/out")" xyz
 ! grep -q -i key "$work/err" || fail "keys in the log"
 unset QT_LOGGING_RULES
+# The window appears below the second click of a double click. A slow machine may be
+# late with that.
+is_pressed_at_once() {
+  "$helpers/askpass" x >/dev/null 2>&1 & running=$!
+  until window=$(xdotool search --onlyvisible --name "^$(basename "$app" .app)\$"); do :; done
+  xdotool mousemove --window "$window" 80 290 click 1 sleep 0.5
+  ! kill "$running" 2>/dev/null
+}
+is_pressed_at_once && is_pressed_at_once && is_pressed_at_once && fail "pressed as it appeared"
 for keys in Escape alt+F4 "Tab space"; do
   ask; xdotool type --delay 30 abc; xdotool key $keys; ended "$keys" 1
   [ ! -s "$work/out" ] || fail "$keys gives the password away"

@@ -1,7 +1,10 @@
 #include "workbench/helper_program.h"
 
+#include <QElapsedTimer>
+#include <QEvent>
 #include <QQuickItem>
 #include <QScreen>
+#include <QStyleHints>
 #include <QUrl>
 #include <cstdlib>
 #include <iostream>
@@ -37,6 +40,23 @@ void report(QtMsgType type, const QMessageLogContext& /*context*/, const QString
             << message.toStdString() << '\n';
   if (type == QtFatalMsg) std::_Exit(reporter().fatalStatus);
 }
+
+/// Keeps a window that has just appeared from being pressed: that is the second click
+/// of a double click on what was there before.
+class FreshWindowGuard : public QObject {
+ public:
+  using QObject::QObject;
+
+  bool eventFilter(QObject* window, QEvent* event) override {
+    if (event->type() == QEvent::Expose && !sinceShown_.isValid()) sinceShown_.start();
+    const bool isPress = event->type() == QEvent::MouseButtonPress;
+    const int interval = QGuiApplication::styleHints()->mouseDoubleClickInterval();
+    return (isPress && !sinceShown_.hasExpired(interval)) || QObject::eventFilter(window, event);
+  }
+
+ private:
+  QElapsedTimer sinceShown_;
+};
 
 /// Makes the settings that must stand before there is an application. Returns
 /// `name`.
@@ -90,6 +110,7 @@ void HelperProgram::open(const QString& screen, const QVariantMap& properties, c
   flags.setFlag(Qt::WindowCloseButtonHint, isClosable);
   view_.setFlags(flags);
   view_.setTitle(title);
+  view_.installEventFilter(new FreshWindowGuard(&view_));
   platform::HostWindow(view_).setShouldClose(std::move(shouldClose));
   view_.show();
   view_.requestActivate();
