@@ -247,6 +247,10 @@ TEST_F(UiTest, GuideTakesAnyName) {
     const QRectF mock = place("guideWindow"), at = place("guideText");
     EXPECT_TRUE(mock.adjusted(12, 22 + 44, -12, -34 - 8).contains(at)) << name;
     EXPECT_TRUE(place("enableGuideIllustration").contains(mock)) << name;
+    // The block is shown wherever nothing of the question lies on it.
+    const QRectF question = place("guideQuestion");
+    EXPECT_TRUE(item("guideBlock") || at.width() > 230) << name;
+    EXPECT_FALSE(place("guideBlock").intersects(question)) << name;
     // No line holds one last character, and each is centred as it is seen.
     const double lineHeight = at.height() / lines;
     for (int i = 0; i < lines; ++i) {

@@ -85,24 +85,29 @@ Item {
             Light { color: Palette.yellow }
             Light { color: Palette.green }
         }
+        // Where the question has a card they lie beside it, else beside the lights and
+        // below them.
         Bar {
             id: upperBar
-            x: 14
-            y: card.y
+            x: card.isShown ? 14 : lights.x + lights.width + 14
+            y: card.isShown ? card.y : lights.y + (lights.height - height) / 2
             width: 110
             height: 14
             color: Palette.white(0.55)
         }
         Bar {
-            x: 14
-            y: upperBar.y + upperBar.height + 8
+            x: card.isShown ? 14 : parent.width - width - 14
+            y: card.isShown ? upperBar.y + upperBar.height + 8 : upperBar.y
             width: 72
             height: 14
             color: Palette.white(0.35)
         }
         Bar {
             id: block
-            x: parent.width - width - 14
+            objectName: "guideBlock"
+            // Nothing of the question lies on it: a long name takes its place.
+            visible: card.isShown || stack.isBesideBlock
+            x: card.isShown ? parent.width - width - 14 : 14
             y: parent.height - height - 14
             width: 128
             height: 110
@@ -139,9 +144,15 @@ Item {
 
             Column {
                 id: stack
+                objectName: "guideQuestion"
                 // The gaps give way before anything that they keep apart.
                 readonly property real gap: Math.min(28, body.spare * 0.15)
-                x: (parent.width - width) / 2
+                readonly property real middle: (parent.width - width) / 2
+                readonly property real room: parent.width - block.x - block.width
+                readonly property bool isBesideBlock: room > width && room >= prompt.width + 2 * 12
+                // In the middle of the window, or of what the block leaves of it.
+                x: !isBesideBlock || middle >= parent.width - room + 12
+                    ? middle : parent.width - (room + width) / 2
                 y: card.isShown ? (parent.height - height) / 2 : body.spare * 0.1
                 spacing: gap
                 SystemImage {
