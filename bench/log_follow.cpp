@@ -1,15 +1,16 @@
-// Follows a long install log as an installation does, and prints what it costs:
-// against reading it through the same pipe without handling it, and against
-// handling one piece.
+// Follows an install log that is there already, as an installation does, until the
+// whole of it is in the log of the installer; then prints what it cost, as JSON.
+//
+//   log_follow ROOT
+
+#include <time.h>
 
 #include <algorithm>
-#include <atomic>
+#include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
-#include <vector>
+#include <string>
 
 #include "installer/content_view.h"
 #include "installer/log_files.h"
@@ -20,80 +21,84 @@
 namespace {
 
 using Clock = std::chrono::steady_clock;
-constexpr std::size_t kLogSize = 100'000'000;
 
 double since(Clock::time_point start) {
   return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
-/// Reads the whole install log through tail, each piece given to `handle` off the
-/// main thread; ends the main loop when `isDone` says so on the main thread.
-double follow(platform::ChildProcess::OutputHandler handle, const std::function<bool()>& isDone) {
-  const auto start = Clock::now();
-  platform::ChildProcess tail("/usr/bin/tail",
-                              {"-n", "+1", "-F", platform::onDisk(kInstallLogPath).string()},
-                              std::move(handle));
-  std::unique_ptr<platform::Timer> check;
-  platform::asyncOnMain([&] {
-    tail.launch();
-    check = platform::scheduleTimer(std::chrono::milliseconds(1), [&] {
-      if (isDone()) platform::endMainLoop(0);
-    });
-  });
-  platform::runMainLoop();
-  return since(start);
+double threadSeconds() {
+  timespec time{};
+  ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+  return double(time.tv_sec) + double(time.tv_nsec) * 1e-9;
+}
+
+/// A line "KEY:  1234 kB" of what the system says of this process, in bytes.
+double memory(const std::string& key) {
+  std::ifstream lines("/proc/self/status");
+  for (std::string line; std::getline(lines, line);)
+    if (line.starts_with(key + ":")) return std::stod(line.substr(key.size() + 1)) * 1024;
+  return 0.0;
+}
+
+/// Whether the log in memory is this file.
+bool isFile(const LogText& log, const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  const std::string text = log.from(0);
+  std::string part(1U << 20U, '\0');
+  for (std::size_t at = 0; at < text.size(); at += part.size()) {
+    part.resize(std::min(part.size(), text.size() - at));
+    if (!file.read(part.data(), std::streamsize(part.size())) ||
+        text.compare(at, part.size(), part))
+      return false;
+  }
+  return file.peek() == std::ifstream::traits_type::eof();
 }
 
 }  // namespace
 
-int main() {
-  std::string root = std::filesystem::temp_directory_path() / "orvane-bench-XXXXXX";
-  ::mkdtemp(root.data());
-  for (const auto& option : platform::platformOptions()) option.use(root);
-
-  std::string log;
-  for (std::size_t line = 0; log.size() < kLogSize; ++line)
-    log += "copying file " + std::to_string(line) + " of the bundle\n";
-  std::ofstream(platform::onDisk(kInstallLogPath), std::ios::binary) << log;
-
-  std::atomic<std::size_t> bytesRead = 0;
-  const double readOnly = follow([&](std::string_view piece) { bytesRead += piece.size(); },
-                                 [&] { return bytesRead == log.size(); });
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    std::fprintf(stderr, "usage: log_follow ROOT\n");
+    return 64;
+  }
+  for (const auto& option : platform::platformOptions()) option.use(argv[1]);
+  const auto installLog = platform::onDisk(kInstallLogPath);
+  const double size = double(std::filesystem::file_size(installLog));
 
   const auto view = ContentView::create();
-  std::vector<double> pieces;
-  double longestStall = 0.0;
-  auto lastTurn = Clock::now();
-  const double followed = follow(
-      [&](std::string_view piece) {
-        platform::asyncOnMain([&, text = std::string(piece)] {
-          const auto start = Clock::now();
-          view->handleInstallLogChunk(text);
-          pieces.push_back(since(start));
+  const double memoryBefore = memory("VmRSS");
+  double seconds = 0.0;
+  double longestTurn = 0.0;
+  double longestTurnBusy = 0.0;
+  std::shared_ptr<platform::ChildProcess> tail;
+  std::unique_ptr<platform::Timer> check;
+  platform::asyncOnMain([&] {
+    const auto start = Clock::now();
+    tail = view->startFollowingInstallLog();
+    // This timer gets its turn between two pieces: it sees how long it had to wait.
+    check = platform::scheduleTimer(
+        std::chrono::milliseconds(1),
+        [&, start, turn = Clock::now(), busy = threadSeconds()]() mutable {
+          longestTurn = std::max(longestTurn, since(turn));
+          longestTurnBusy = std::max(longestTurnBusy, threadSeconds() - busy);
+          turn = Clock::now();
+          busy = threadSeconds();
+          if (double(view->logText->size()) < size) return;
+          seconds = since(start);
+          platform::endMainLoop(0);
         });
-      },
-      [&] {
-        // This timer runs between two pieces: it sees how long it had to wait.
-        longestStall = std::max(longestStall, since(lastTurn));
-        lastTurn = Clock::now();
-        return view->logText->size() >= log.size();
-      });
+  });
+  platform::runMainLoop();
+  const double memoryMost = memory("VmHWM");
+  check.reset();
+  tail.reset();
 
-  std::ostringstream written;
-  written << std::ifstream(platform::onDisk(kUILogPath), std::ios::binary).rdbuf();
-  const bool isWhole = written.str() == log && view->logText.get() == log;
-  std::filesystem::remove_all(root);
-
-  std::sort(pieces.begin(), pieces.end());
-  const double slowest = pieces.back();
-  std::printf("100 MB install log, %zu pieces\n", pieces.size());
-  std::printf("  %-44s %8.2f s\n", "read through tail, not handled", readOnly);
-  std::printf("  %-44s %8.2f s  %5.2f times\n", "followed, handled, logged", followed,
-              followed / readOnly);
-  std::printf("  %-44s %8.2f ms\n", "a piece, median", pieces[pieces.size() / 2] * 1e3);
-  std::printf("  %-44s %8.2f ms\n", "a piece, slowest", slowest * 1e3);
-  std::printf("  %-44s %8.2f ms  %5.2f times the slowest piece\n", "main thread away, longest",
-              longestStall * 1e3, longestStall / slowest);
-  std::printf("  every byte in order: %s\n", isWhole ? "yes" : "NO");
+  std::printf(
+      "{\"seconds\": %.6f, \"longestTurnSeconds\": %.6f, \"longestBusyTurnSeconds\": %.6f, "
+      "\"memoryPerByte\": %.4f}\n",
+      seconds, longestTurn, longestTurnBusy, (memoryMost - memoryBefore) / size);
+  const bool isWhole =
+      isFile(view->logText, installLog) && isFile(view->logText, platform::onDisk(kUILogPath));
+  if (!isWhole) std::fprintf(stderr, "log_follow: the log is not the one that was followed\n");
   return isWhole ? 0 : 1;
 }

@@ -9,6 +9,7 @@
 #include "app/window/notification_center.h"
 #include "app/window/window_close_interceptor.h"
 #include "installer/installation_status.h"
+#include "installer/log_text.h"
 #include "installer/state.h"
 #include "platform/admin_script.h"
 #include "platform/child_process.h"
@@ -30,7 +31,7 @@ class ContentView : public std::enable_shared_from_this<ContentView> {
 
   // The state. A comment at a field says what true, or a value, means.
   /// Everything appended to the UI log since the view was created; only grows.
-  State<std::string> logText;
+  State<LogText> logText;
   /// 0.0 to 1.0.
   State<double> installProgress{0.0};
   /// The window shows the progress. Stays true when the authorisation was refused or
@@ -80,6 +81,9 @@ class ContentView : public std::enable_shared_from_this<ContentView> {
   void startInstallation();
 
   // The install log (installer/log_tail.cpp).
+  /// Starts `tail` on the install log. The caller owns it; a launch that fails is
+  /// logged, and nothing is followed then.
+  std::shared_ptr<platform::ChildProcess> startFollowingInstallLog();
   /// One decoded piece of the install log.
   void handleInstallLogChunk(const std::string& text);
 
@@ -121,9 +125,6 @@ class ContentView : public std::enable_shared_from_this<ContentView> {
  private:
   ContentView();
   void watchWindowHooks();
-  /// Starts `tail` on the install log. The caller owns it; a launch that fails is
-  /// logged, and nothing is followed then.
-  std::shared_ptr<platform::ChildProcess> startFollowingInstallLog();
   void finishPrivilegedRun(const std::optional<platform::AdminScriptError>& error);
   void triggerActivation();
   void registerForActivationIfNeeded(std::string_view logSuffix);

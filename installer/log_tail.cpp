@@ -1,5 +1,3 @@
-#include <utf8.h>
-
 #include <array>
 #include <condition_variable>
 #include <mutex>
@@ -85,7 +83,7 @@ std::shared_ptr<platform::ChildProcess> ContentView::startFollowingInstallLog() 
                                               platform::onDisk(kInstallLogPath).string()};
   const auto handle = [view, backlog](std::string_view piece) {
     // A piece that does not decode is dropped: nothing may be shown garbled.
-    if (piece.empty() || !utf8::is_valid(piece.begin(), piece.end())) return;
+    if (piece.empty() || !isUtf8(piece)) return;
     backlog->add(piece.size());
     platform::asyncOnMain([view, backlog, text = std::string(piece)] {
       if (const auto self = view.lock()) self->handleInstallLogChunk(text);

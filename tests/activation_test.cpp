@@ -86,7 +86,7 @@ TEST_F(ActivationTest, OverwriteInstallEndsAtOnceAndSelectsNothing) {
             (Lines{"register " + kBundleOnDisk,
                    "register with Launch Services " + kBundleOnDisk + " (update)", kRestarts[0],
                    kRestarts[1]}));
-  EXPECT_TRUE(view->logText->ends_with("已处理覆盖安装：跳过切换当前输入法（ok=true）\n"));
+  EXPECT_TRUE(logText().ends_with("已处理覆盖安装：跳过切换当前输入法（ok=true）\n"));
 
   // Registration is once a window; defaults and agents are once a run.
   for (const char* value : {"true", " 1", "1", "1"}) {
@@ -109,7 +109,7 @@ TEST_F(ActivationTest, ReinstallOverDisabledCopyIsFreshWithoutSettings) {
   view->handleEnabledKeyboardInputSourcesChanged("x");
   EXPECT_EQ(status(), InstallationStatus::success);
   EXPECT_EQ(calls({"open application"}), Lines{});
-  EXPECT_EQ(view->logText->find("bootstrap"), std::string::npos);
+  EXPECT_EQ(logText().find("bootstrap"), std::string::npos);
 }
 
 TEST_F(ActivationTest, SettingsAreFoundElsewhereOrSkipped) {
@@ -120,7 +120,7 @@ TEST_F(ActivationTest, SettingsAreFoundElsewhereOrSkipped) {
   view->didLaunchSettingsBootstrap = false;
   platform.applications[kBase + ".settings"] = platform.root / "Elsewhere.app";
   view->launchSettingsBootstrapIfNeeded();
-  EXPECT_TRUE(view->logText->ends_with("已拉起设置应用（首装 bootstrap，fallback）\n"));
+  EXPECT_TRUE(logText().ends_with("已拉起设置应用（首装 bootstrap，fallback）\n"));
   EXPECT_EQ(calls({"open"}), Lines{"open application Elsewhere.app"});
 }
 
@@ -134,8 +134,8 @@ TEST_F(ActivationTest, EnableRequestsKeepSixSecondsApart) {
   platform.statuses["enable"] = {-50};
   view->attemptFreshEnable("user");
   EXPECT_EQ(platform.takeJournal(), (Lines{"activate", "enable " + kBase}));
-  EXPECT_TRUE(view->logText->ends_with(
-      "已调用 TISEnableInputSource（fresh:enableBase=-50，trigger=user）\n"));
+  EXPECT_TRUE(
+      logText().ends_with("已调用 TISEnableInputSource（fresh:enableBase=-50，trigger=user）\n"));
   view->attemptFreshEnable("user");  // a failing request counts too
   EXPECT_EQ(platform.takeJournal(), Lines{"activate"});
 
@@ -172,14 +172,14 @@ TEST_F(ActivationTest, BurstOfNotificationsIsHandledOnce) {
     platform.notifyEnabledSourcesChanged();
     platform.advance(0.1);
   }
-  EXPECT_EQ(view->logText->substr(logged), kNotified + kNotified + kNotified);
+  EXPECT_EQ(view->logText->from(logged), kNotified + kNotified + kNotified);
   platform.advance(0.2499);
   EXPECT_EQ(handledCount(), 0U);
   platform.statuses["select"] = {-1, -1};
   platform.advance(0.0002);
   EXPECT_EQ(handledCount(), 2U);
   EXPECT_EQ(calls({"enable " + kPinyin}).size(), 1U);
-  EXPECT_TRUE(view->logText->ends_with("，ok=false）\n"));
+  EXPECT_TRUE(logText().ends_with("，ok=false）\n"));
   EXPECT_EQ(status(), InstallationStatus::waitingEnable);
 
   platform.notifyEnabledSourcesChanged();
@@ -249,14 +249,14 @@ TEST_F(ActivationTest, AutoAttemptIsMadeOnlyIfNoneWas) {
   platform.addInputMethod();
   view->installationStatus = InstallationStatus::waitingEnable;
   view->handleEnabledKeyboardInputSourcesChanged("x");
-  EXPECT_TRUE(view->logText->starts_with(
+  EXPECT_TRUE(logText().starts_with(
       "已调用 TISRegisterInputSource（来自通知）\n已调用 LSRegisterURL（来自通知）\n"));
   view->enableWaitingViewDidAppear();
   view->enableWaitingViewDidDisappear();
   platform.advance(7);
   view->enableWaitingViewDidAppear();
   EXPECT_EQ(calls({"enable"}).size(), 1U);
-  EXPECT_NE(view->logText->find("trigger=auto"), std::string::npos);
+  EXPECT_NE(logText().find("trigger=auto"), std::string::npos);
   EXPECT_EQ(platform.liveTimers(), 1U);
 }
 
@@ -274,8 +274,8 @@ TEST_F(ActivationTest, GoEnableOpensSettingsAfterTheRequest) {
   EXPECT_EQ(calls({"open"}), Lines{});
   platform.advance(0.0002);
   EXPECT_EQ(calls({"open"}), Lines{"open " + first});
-  EXPECT_TRUE(view->logText->ends_with(opening + "openKeyboardSettings(): try " + first +
-                                       "\nopenKeyboardSettings(): opened " + first + "\n"));
+  EXPECT_TRUE(logText().ends_with(opening + "openKeyboardSettings(): try " + first +
+                                  "\nopenKeyboardSettings(): opened " + first + "\n"));
 
   platform.refusedUrls = {first, second};
   platform.takeJournal();
@@ -283,14 +283,14 @@ TEST_F(ActivationTest, GoEnableOpensSettingsAfterTheRequest) {
   EXPECT_EQ(platform.journal,
             (Lines{"open " + first, "open " + second,
                    "open file:///System/Library/PreferencePanes/Keyboard.prefPane"}));
-  EXPECT_TRUE(view->logText->ends_with(opening + "openKeyboardSettings(): try " + first +
-                                       "\nopenKeyboardSettings(): try " + second +
-                                       "\nopenKeyboardSettings(): fallback Keyboard.prefPane\n"));
+  EXPECT_TRUE(logText().ends_with(opening + "openKeyboardSettings(): try " + first +
+                                  "\nopenKeyboardSettings(): try " + second +
+                                  "\nopenKeyboardSettings(): fallback Keyboard.prefPane\n"));
 
   platform.damagedUrls = {first, second};
   view->openKeyboardSettings();
   EXPECT_TRUE(
-      view->logText->ends_with(opening + "openKeyboardSettings(): fallback Keyboard.prefPane\n"));
+      logText().ends_with(opening + "openKeyboardSettings(): fallback Keyboard.prefPane\n"));
 }
 
 TEST_F(ActivationTest, BlocksLeftBehindDoNothingOnceTheViewIsGone) {

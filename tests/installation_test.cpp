@@ -17,8 +17,8 @@ constexpr const char* kExecute =
 
 TEST_F(InstallationTest, EveryWayOfWritingReachesObserversOnceTheOperationIsOver) {
   std::vector<std::string> seen;
-  const auto log =
-      view->logText.observe([&](const std::string& text, auto) { seen.push_back("log " + text); });
+  const auto log = view->logText.observe(
+      [&](const LogText& text, auto) { seen.push_back("log " + text.from(0)); });
   const auto progress = view->installProgress.observe([&](double value, auto animation) {
     seen.push_back(std::to_string(value) +
                    (animation ? " over " + std::to_string(animation->duration.count()) : ""));
@@ -47,14 +47,14 @@ TEST_F(InstallationTest, UILogKeepsTextUnchangedAndMemoryKeepsEverything) {
   view->appendUILog("\xff broken");
   view->appendUILog("");
   EXPECT_EQ(uiLog(), "earlier 一\r\n");
-  EXPECT_EQ(view->logText.get(), "一\r\n\xff broken");
+  EXPECT_EQ(logText(), "一\r\n\xff broken");
 
   std::filesystem::remove(platform.root / "tmp/tessal_installer_ui.log");
   view->appendUILog("");
   EXPECT_TRUE(std::filesystem::exists(platform.root / "tmp/tessal_installer_ui.log"));
   std::filesystem::remove_all(platform.root / "tmp");
   view->appendUILog("kept");
-  EXPECT_TRUE(view->logText->ends_with("kept"));
+  EXPECT_TRUE(logText().ends_with("kept"));
 }
 
 TEST_F(InstallationTest, LogsAreNoWayToAnotherFile) {
@@ -79,7 +79,7 @@ TEST_F(InstallationTest, LogsAreNoWayToAnotherFile) {
     EXPECT_EQ(platform.readFile("/tmp/own"), "mine") << name;
     EXPECT_FALSE(fs::exists(platform.root / "tmp/nothing")) << name;
     EXPECT_EQ(status(), InstallationStatus::installing) << name;
-    EXPECT_TRUE(view->logText->ends_with("entry\n")) << name;
+    EXPECT_TRUE(logText().ends_with("entry\n")) << name;
   }
   EXPECT_TRUE(fs::exists(platform.root / "tmp/tessal_installer_ui.log/kept"));
 }
@@ -125,23 +125,23 @@ TEST_F(InstallationTest, FinishStartsActivationOnceAndIsLoggedAfterIt) {
     view->handleInstallLogChunk("finish");  // nothing is installed
     EXPECT_EQ(view->installProgress.get(), std::max(before, 0.94));
   }
-  view->logText = "";
+  view->logText = LogText();
   view->userPressedInstall();
   platform.putInstalledBundle();
   view->handleInstallLogChunk("finished\n");
   EXPECT_EQ(view->installProgress.get(), 1.0);  // sent there by the fresh path
-  EXPECT_TRUE(view->logText->starts_with("开始注册并激活输入法...\n启用路径："));
-  EXPECT_TRUE(view->logText->ends_with("已调用 LSRegisterURL\nfinished\n"));
+  EXPECT_TRUE(logText().starts_with("开始注册并激活输入法...\n启用路径："));
+  EXPECT_TRUE(logText().ends_with("已调用 LSRegisterURL\nfinished\n"));
   view->handleInstallLogChunk("finish");
   platform.runWorker();
   platform.drain();
-  EXPECT_TRUE(view->logText->ends_with("finished\nfinish"));
+  EXPECT_TRUE(logText().ends_with("finished\nfinish"));
 }
 
 TEST_F(InstallationTest, RunEmptiesLogsFollowsTheInstallLogAndRunsTheScript) {
   platform.putFile("/tmp/tessal_installer_ui.log", "old");
   platform.putFile("/tmp/tessal_installer.log", "finish");
-  view->logText = "kept ";
+  view->appendUILog("kept ");
   view->installPathExistedBeforeStart = true;
   view->userPressedInstall();
   EXPECT_FALSE(view->installPathExistedBeforeStart);
@@ -156,7 +156,7 @@ TEST_F(InstallationTest, RunEmptiesLogsFollowsTheInstallLogAndRunsTheScript) {
   EXPECT_EQ(view->installProgress.get(), 0.0);
   platform.drain();
   EXPECT_EQ(uiLog(), "kill Orvane\nmore\n");
-  EXPECT_EQ(view->logText.get(), "kept kill Orvane\nmore\n");
+  EXPECT_EQ(logText(), "kept kill Orvane\nmore\n");
 
   platform.runWorker();
   platform.drain();
@@ -244,7 +244,7 @@ TEST_F(InstallationTest, NewRunResetsItsOwnFieldsOnly) {
   view->didEnsureHIToolboxDefaultsOnce = true;
   view->didRefreshTextInputAgentsOnce = true;
   view->lastEnabledNotificationAt = platform::now();
-  const std::string log = view->logText.get();
+  const std::string log = logText();
   view->userPressedRetryAuthorisation();
   EXPECT_TRUE(view->isInstalling);
   EXPECT_EQ(status(), InstallationStatus::installing);
@@ -260,7 +260,7 @@ TEST_F(InstallationTest, NewRunResetsItsOwnFieldsOnly) {
   EXPECT_TRUE(view->didRegisterForActivation && view->didRegisterLaunchServicesForActivation);
   EXPECT_TRUE(view->didTriggerActivation);  // this button leaves it
   EXPECT_NE(view->enableNotificationObserver.get(), nullptr);
-  EXPECT_EQ(view->logText.get(), log);
+  EXPECT_EQ(logText(), log);
 }
 
 }  // namespace

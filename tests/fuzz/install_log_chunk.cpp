@@ -25,7 +25,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const bool wasTriggered = view->didTriggerActivation;
     view->handleInstallLogChunk(piece);
     platform.drain();
-    require(view->logText->size() >= before + piece.size() && view->logText->ends_with(piece));
+    require(view->logText->size() >= before + piece.size() &&
+            view->logText->from(before).ends_with(piece));
     require(view->installProgress >= 0.0 && view->installProgress <= 1.0);
     if (view->didTriggerActivation != wasTriggered) {
       require(piece.find("finish") != std::string::npos && view->installProgress >= progress);

@@ -92,12 +92,13 @@ void Invariants::checkUILog() const {
 
 /// A piece never ends in a line end here, what the view writes itself always does.
 void Invariants::checkLog() {
-  const std::string& log = view_.logText.get();
+  const LogText& log = view_.logText.get();
   require(log.size() >= logSize_, "the log only grows");
   if (platform_.queue.empty() && log.size() == logSize_)
     require(pieces_.empty(), "every piece is logged");
   if (log.size() > logSize_) {
-    std::string_view own = std::string_view(log).substr(logSize_);
+    const std::string added = log.from(logSize_);
+    std::string_view own = added;
     uiLog_ += own;
     if (own.back() != '\n') {
       require(!pieces_.empty() && own.ends_with(pieces_.front()),
