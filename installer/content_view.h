@@ -69,7 +69,7 @@ class ContentView : public std::enable_shared_from_this<ContentView> {
 
   // The log (installer/ui_log.cpp) and commands (installer/command.cpp).
   /// Appends `text` as it is to logText and to the UI log.
-  void appendUILog(std::string_view text);
+  void appendUILog(std::string text);
   /// Runs a tool and waits for it; failures are dropped.
   static void runCommand(const std::string& launchPath, const std::vector<std::string>& arguments);
 
@@ -85,7 +85,7 @@ class ContentView : public std::enable_shared_from_this<ContentView> {
   /// logged, and nothing is followed then.
   std::shared_ptr<platform::ChildProcess> startFollowingInstallLog();
   /// One decoded piece of the install log.
-  void handleInstallLogChunk(const std::string& text);
+  void handleInstallLogChunk(std::string text);
 
   // After the script (activation/).
   /// Registers the installed bundle, and finishes or starts to wait. Runs once a

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <condition_variable>
 #include <mutex>
@@ -13,7 +14,8 @@ struct Marker {
   double progress;
 };
 
-// Tested in this order; the first one that a piece contains decides.
+constexpr Marker kFinishMarker = {"finish", 0.94};
+// The first one that a piece contains decides.
 constexpr std::array kMarkers = {
     Marker{"unzip package", 0.15},
     Marker{"kill Orvane", 0.25},
@@ -26,8 +28,40 @@ constexpr std::array kMarkers = {
     Marker{"install Cogwen", 0.84},
     Marker{"move Cogwen to Applications", 0.88},
     Marker{"Cogwen installed successfully", 0.92},
+    kFinishMarker,
 };
-constexpr std::string_view kFinishMarker = "finish";
+
+/// The first marker of the table that the text contains, or null. A log may be long:
+/// all phrases are looked for in one pass. It looks at the two letters where the
+/// shortest phrase would end, and steps on to where the next phrase may begin.
+const Marker* firstMarkerIn(std::string_view text) {
+  constexpr std::size_t kShortest = kFinishMarker.phrase.size();
+  constexpr auto pair = [](const char* letters) {
+    return (static_cast<unsigned char>(letters[0]) * 16U ^ static_cast<unsigned char>(letters[1])) %
+           4096U;
+  };
+  static constexpr auto kSteps = [pair] {
+    std::array<std::uint8_t, 4096> steps{};
+    steps.fill(kShortest - 1);
+    for (const Marker& marker : kMarkers)
+      for (std::uint8_t step = 0; step <= kShortest - 2; ++step) {
+        auto& least = steps.at(pair(&marker.phrase.at(kShortest - 2 - step)));
+        least = std::min(least, step);
+      }
+    return steps;
+  }();
+
+  const auto* first = kMarkers.end();
+  for (std::size_t at = 0; at + kShortest <= text.size();) {
+    const std::size_t step = kSteps.at(pair(&text[at + kShortest - 2]));
+    if (step == 0)
+      first = std::find_if(kMarkers.begin(), first, [rest = text.substr(at)](const Marker& marker) {
+        return rest.starts_with(marker.phrase);
+      });
+    at += std::max<std::size_t>(step, 1);
+  }
+  return first == kMarkers.end() ? nullptr : first;
+}
 
 constexpr LinearAnimation kMarkerAnimation{platform::Seconds(0.25)};
 
@@ -85,10 +119,11 @@ std::shared_ptr<platform::ChildProcess> ContentView::startFollowingInstallLog() 
     // A piece that does not decode is dropped: nothing may be shown garbled.
     if (piece.empty() || !isUtf8(piece)) return;
     backlog->add(piece.size());
-    platform::asyncOnMain([view, backlog, text = std::string(piece)] {
-      if (const auto self = view.lock()) self->handleInstallLogChunk(text);
-      backlog->remove(text.size());
-    });
+    platform::asyncOnMain(
+        [view, backlog, size = piece.size(), text = std::string(piece)]() mutable {
+          if (const auto self = view.lock()) self->handleInstallLogChunk(std::move(text));
+          backlog->remove(size);
+        });
   };
   const auto follower = std::make_shared<Follower>(backlog, arguments, handle);
   std::shared_ptr<platform::ChildProcess> tail(follower, &follower->tail);
@@ -97,21 +132,21 @@ std::shared_ptr<platform::ChildProcess> ContentView::startFollowingInstallLog() 
   return tail;
 }
 
-void ContentView::handleInstallLogChunk(const std::string& text) {
-  for (const Marker& marker : kMarkers) {
-    if (text.find(marker.phrase) == std::string::npos) continue;
-    installProgress.set(marker.progress, kMarkerAnimation);
-    appendUILog(text);
-    return;
+void ContentView::handleInstallLogChunk(std::string text) {
+  const Marker* marker = firstMarkerIn(text);
+  if (marker && marker->phrase != kFinishMarker.phrase) {
+    installProgress.set(marker->progress, kMarkerAnimation);
+  } else if (marker && !didTriggerActivation) {
+    triggerActivation();
   }
-  if (text.find(kFinishMarker) != std::string::npos && !didTriggerActivation) triggerActivation();
-  appendUILog(text);
+  appendUILog(std::move(text));
 }
 
 void ContentView::triggerActivation() {
   didTriggerActivation = true;
   // "finish" never moves the bar back; the other phrases may.
-  if (installProgress <= 0.94) installProgress.set(0.94, kMarkerAnimation);
+  if (installProgress <= kFinishMarker.progress)
+    installProgress.set(kFinishMarker.progress, kMarkerAnimation);
   appendUILog("开始注册并激活输入法...\n");
   postInstallActivation();
 }

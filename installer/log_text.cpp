@@ -2,30 +2,30 @@
 
 #include <utf8.h>
 
-namespace {
-constexpr std::size_t kSegmentSize = 256UL * 1024;
-}
+#include <algorithm>
+#include <utility>
 
-void LogText::append(std::string_view text) {
-  while (!text.empty()) {
-    if (segments_.empty() || segments_.back().size() == kSegmentSize)
-      segments_.emplace_back().reserve(kSegmentSize);
-    std::string& last = segments_.back();
-    const std::string_view part = text.substr(0, kSegmentSize - last.size());
-    last.append(part);
-    text.remove_prefix(part.size());
+std::string_view LogText::append(std::string text) {
+  // A text of this size is a segment of its own, so it is not copied. Smaller ones
+  // share a segment.
+  constexpr std::size_t kSegmentSize = 16UL * 1024;
+  const std::size_t size = text.size();
+  size_ += size;
+  if (segments_.empty() || segments_.back().capacity() - segments_.back().size() < size) {
+    if (size >= kSegmentSize) return segments_.emplace_back(std::move(text));
+    segments_.emplace_back().reserve(kSegmentSize);
   }
-}
-
-std::size_t LogText::size() const {
-  return segments_.empty() ? 0 : (segments_.size() - 1) * kSegmentSize + segments_.back().size();
+  segments_.back().append(text);
+  return std::string_view(segments_.back()).substr(segments_.back().size() - size);
 }
 
 std::string LogText::from(std::size_t offset) const {
   std::string text;
-  text.reserve(size() - offset);
-  for (std::size_t i = offset / kSegmentSize; i < segments_.size(); ++i)
-    text.append(segments_[i], text.empty() ? offset % kSegmentSize : 0);
+  text.reserve(size_ - offset);
+  for (const std::string& segment : segments_) {
+    text.append(segment, std::min(offset, segment.size()));
+    offset -= std::min(offset, segment.size());
+  }
   return text;
 }
 

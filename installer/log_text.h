@@ -3,22 +3,23 @@
 #pragma once
 
 #include <cstddef>
+#include <deque>
 #include <string>
 #include <string_view>
-#include <vector>
 
 /// A text that only grows. It lies in segments, so that no length of it makes an
 /// append move what is there already.
 class LogText {
  public:
-  void append(std::string_view text);
-  std::size_t size() const;
+  /// Returns the text where it lies from now on; it is there as long as the log.
+  std::string_view append(std::string text);
+  std::size_t size() const { return size_; }
   /// A copy of the text from this offset on, which is at most its size.
   std::string from(std::size_t offset) const;
 
  private:
-  /// All but the last one are full.
-  std::vector<std::string> segments_;
+  std::deque<std::string> segments_;
+  std::size_t size_ = 0;
 };
 
 /// Whether the bytes are UTF-8.

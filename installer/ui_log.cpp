@@ -3,9 +3,10 @@
 #include "platform/file_root.h"
 #include "platform/log_file.h"
 
-void ContentView::appendUILog(std::string_view text) {
-  logText.update([&](LogText& log) { log.append(text); });
-  if (!isUtf8(text)) return;
+void ContentView::appendUILog(std::string text) {
+  std::string_view entry;
+  logText.update([&](LogText& log) { entry = log.append(std::move(text)); });
+  if (!isUtf8(entry)) return;
 
-  platform::appendToLogFile(platform::onDisk(kUILogPath), text);
+  platform::appendToLogFile(platform::onDisk(kUILogPath), entry);
 }

@@ -57,6 +57,32 @@ TEST_F(InstallationTest, UILogKeepsTextUnchangedAndMemoryKeepsEverything) {
   EXPECT_TRUE(logText().ends_with("kept"));
 }
 
+TEST_F(InstallationTest, LongLogIsWholeWhateverItsPieces) {
+  LogText log;
+  std::string all;
+  const std::string_view first = log.append("first");
+  for (const std::size_t size : {1, 20000, 9000, 7000, 500, 16384, 3, 70000, 16000}) {
+    const std::string piece(size, char('a' + all.size() % 26));
+    all += piece;
+    view->appendUILog(piece);
+    EXPECT_EQ(view->logText->from(all.size() - size), piece);
+    log.append(piece);
+  }
+  EXPECT_EQ(first, "first");  // nothing moves
+  EXPECT_EQ(view->logText->size(), all.size());
+  EXPECT_EQ(logText(), all);
+  EXPECT_EQ(uiLog(), all);
+}
+
+TEST_F(InstallationTest, LongTextIsCheckedToItsEnd) {
+  for (const std::size_t before : {0, 510, 511, 512, 1023}) {
+    const std::string lead = std::string(before, 'x');
+    EXPECT_TRUE(isUtf8(lead + "安" + lead + "\n安"));
+    EXPECT_FALSE(isUtf8(lead + "\xe5\xae"));
+    EXPECT_FALSE(isUtf8("安\n" + lead + "\x89" + lead));
+  }
+}
+
 TEST_F(InstallationTest, LogsAreNoWayToAnotherFile) {
   // What somebody may have put in a log's place, beside the user's own file.
   namespace fs = std::filesystem;
