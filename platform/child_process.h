@@ -68,8 +68,9 @@ class ChildProcess {
   std::unique_ptr<Impl> impl_;
 };
 
-/// Runs a program with the standard streams of this process and waits for it.
-/// A failure to launch and the exit status are dropped. Any thread.
+/// Runs a program with the standard streams of this process and waits for it, for
+/// two seconds at most: then it is killed. A failure to launch and the exit status
+/// are dropped. Any thread.
 void runAndWait(const std::string& launchPath, const std::vector<std::string>& arguments);
 
 }  // namespace platform

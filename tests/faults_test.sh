@@ -50,8 +50,15 @@ hide() {
 }
 hiding() {
   $namespace sh -c 'mkdir -p "$1" && mount --rbind /usr/bin "$1" && mount -t tmpfs tmpfs /usr/bin &&
-    "$1/cp" -as "$1/." /usr/bin/ && cd /usr/bin && for name in $2; do rm -f "$name"; done
-    cd / && shift 2 && exec "$@"' - "$work/bin" "$hidden" "$@"
+    "$1/cp" -as "$1/." /usr/bin/ && cd /usr/bin &&
+    for name in $2; do rm -f "$name"; [ ! -e "$3" ] || cp "$3" "$name"; done
+    cd / && shift 3 && exec "$@"' - "$work/bin" "$hidden" "$work/replacement" "$@"
+}
+# It finds another program in the place of this one.
+replace() {
+  hide "$1"
+  printf '#!/bin/sh\n%s\n' "$2" >"$work/replacement"
+  chmod 755 "$work/replacement"
 }
 # What the installer is started by.
 by() { runner=$1; }
@@ -108,7 +115,7 @@ row() { # NAME SETUP STATUS ERROR LOG
   bundle=$app root=$work/$(echo "$1" | tr ' ' -) askpass=/bin/true options=--no-wait
   event='' action='' runner='env' signalled='' limit='' keys='' hidden='' skipped=''
   ui_log=$root/tmp/tessal_installer_ui.log
-  rm -rf "$work/copy.app" "$work/prompt"
+  rm -rf "$work/copy.app" "$work/prompt" "$work/replacement"
   eval "$2"
   [ -z "$skipped" ] || { echo "$1: not run, $skipped"; return; }
   export SUDO_ASKPASS="$askpass"
@@ -153,6 +160,7 @@ sed 's/^ *#.*//; /^ *$/d' <<'ROWS' >"$work/rows"
 tail missing            | script "tail() { $work/bin/tail \"\$@\"; }"; hide tail   | 3   | - | 无法启动日志跟踪: /usr/bin/tail: No such file
 unzip missing           | hide unzip bsdtar                                    | 1   | 安装失败 | unzip: not found
 killall missing         | installed; hide killall; options=                    | 0   | - | 启用路径：覆盖安装
+killall hangs           | installed; replace killall "exec sleep 60"; options=  | 0   | - | 启用路径：覆盖安装
 setpriv missing         | hide setpriv                                         | 3   | - | 启用路径：全新安装
 askpass missing         | askpass=$work/none                                   | 1   | 安装失败 | none: No such file or directory
 askpass not executable  | askpass=$work/not-executable                         | 1   | 安装失败 | not-executable: Permission denied

@@ -25,6 +25,8 @@ using namespace std::chrono_literals;
 
 // How long a child that is no longer wanted gets to end by itself.
 constexpr auto kPatience = 500ms;
+// As long as runAndWait() waits.
+constexpr auto kLongestRun = 2000ms;
 
 int exitStatus(int status) {
   return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
@@ -211,8 +213,13 @@ bool ChildProcess::end(std::chrono::milliseconds patience) {
 void runAndWait(const std::string& launchPath, const std::vector<std::string>& arguments) {
   pid_t child = 0;
   if (spawn(child, launchPath, arguments, {}) != 0) return;
-  while (::waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
+  constexpr auto kStep = 1ms;
+  for (auto waited = 0ms; waited < kLongestRun; waited += kStep) {
+    if (::waitpid(child, nullptr, WNOHANG) != 0) return;
+    std::this_thread::sleep_for(kStep);
   }
+  ::kill(child, SIGKILL);
+  ::waitpid(child, nullptr, WNOHANG);
 }
 
 }  // namespace platform
