@@ -13,7 +13,7 @@ case "${1:-}" in
     ;;
 esac
 
-app=$2
+app=$(realpath "$2")
 work=$(mktemp -d)
 root=$work/root
 installer='' manager=''
@@ -118,16 +118,16 @@ sleep 0.5
 expect "size after resizing" "$(size)" 1000x900
 expect "centre" "$(content_centre)" "$centre"
 xprop -id "$window" WM_STATE | grep -q Normal || fail "the window was minimised"
-xdotool windowfocus --sync "$window" key alt+F4
+xdotool windowactivate --sync "$window" key alt+F4
 ended close
 
 echo "closing while waiting"
 open_installer
-xdotool windowfocus --sync "$window" key Tab space
+xdotool windowactivate --sync "$window" key Tab space
 await "the waiting phase" ui_log_has trigger=enter-waiting
 sleep 1
 for press in 1 2; do
-  xdotool windowfocus --sync "$window" key alt+F4
+  xdotool windowactivate --sync "$window" key alt+F4
   sleep 0.5
   kill -0 $installer || fail "close $press ended the installer"
 done
@@ -144,12 +144,12 @@ ended "退出安装"
 echo "allowed elsewhere"
 end_agents
 open_installer
-xdotool windowfocus --sync "$window" key Tab Return
+xdotool windowactivate --sync "$window" key Tab Return
 await "the waiting phase" ui_log_has trigger=enter-waiting
 "$app/Contents/Helpers/input-sources" --root "$root" allow com.tessal.inputmethod.Orvane
 await "success" ui_log_has 'kTISNotifyEnabledKeyboardInputSourcesChanged，ok=true）'
 sleep 1
-xdotool windowfocus --sync "$window" key Tab space
+xdotool windowactivate --sync "$window" key Tab space
 ended "安装成功"
 expect "current source" "$("$app/Contents/Helpers/input-sources" --root "$root" current)" \
   com.tessal.inputmethod.Orvane.pinyin

@@ -173,7 +173,7 @@ picture progress
 await "consent window" visible name "$consent"
 shot waiting
 picture waiting
-xdotool windowfocus --sync "$window" key alt+F4
+xdotool windowactivate --sync "$window" key alt+F4
 shot exit-confirmation
 picture exit-confirmation
 click "$window" 650 720
@@ -202,7 +202,7 @@ install_button
 password Escape
 shot refused
 [ ! -s "$root/tmp/tessal_installer_ui.log" ] || die "a refusal was logged"
-xdotool windowfocus --sync "$window" key alt+F4
+xdotool windowactivate --sync "$window" key alt+F4
 await_end
 
 echo 'echo "磁盘已满" >&2; exit 3' >"$slow_app/Contents/Resources/install.sh"
@@ -211,7 +211,7 @@ install_button
 password Return
 await "failure" ui_log_has '管理员授权失败: 磁盘已满'
 shot failed
-xdotool windowfocus --sync "$window" key alt+F4
+xdotool windowactivate --sync "$window" key alt+F4
 await_end
 
 rm "$slow_app/Contents/Resources/install.sh"
@@ -219,7 +219,7 @@ start no-script "$slow_app"
 install_button
 await "missing script" ui_log_has '未找到 install.sh'
 shot failure-notice
-xdotool windowfocus --sync "$window" key alt+F4
+xdotool windowactivate --sync "$window" key alt+F4
 await_end
 
 montage -label '%t' "$out"/[0-9]*.png -tile 3x -geometry 640x360+6+6 "$out/contact-sheet.png"
