@@ -33,18 +33,23 @@ bool isRegistered(const TessalInstaller& installer) {
   return false;
 }
 
-/// Whether the log tells of a request to enable.
-bool wasAsked() {
-  for (const std::string& line : lastLines(platform::onDisk(kUILogPath), 200))
-    if (line.find("fresh:enableBase=") != std::string::npos) return true;
-  return false;
+/// Why it may not be enabled, by the last that the log tells of it.
+std::string whyNotEnabled() {
+  std::string why;
+  for (const std::string& line : lastLines(platform::onDisk(kUILogPath), 200)) {
+    const auto tells = [&line](const char* words) { return line.find(words) != line.npos; };
+    if (tells("fresh:enableBase="))
+      why = "：已经请求过，但还没有允许，或被拒绝了";
+    else if (tells("启用路径：覆盖安装") || (tells("TISSelectInputSource") && tells("ok=true")))
+      why = "：曾经启用过，后来被拒绝或停用了";
+  }
+  return why;
 }
 
 void checkEnabled(Findings& findings, const TessalInstaller& installer) {
   const bool isBaseEnabled = installer.isBaseEnabledBestEffort();
   add(findings, isBaseEnabled, "enabled", "当前用户已启用输入法",
-      wasAsked() ? "当前用户没有启用输入法：已经请求过，但还没有允许，或被拒绝了"
-                 : "当前用户没有启用输入法",
+      "当前用户没有启用输入法" + whyNotEnabled(),
       std::string(kActivate) +
           "，在系统询问时允许；或在「系统设置 → 键盘 → 输入法」中添加「澄枫输入法」");
   if (!isBaseEnabled) return;
@@ -116,7 +121,11 @@ void checkPreferences(Findings& findings) {
       finding.level = Level::fail;
       finding.text =
           list + "：有一条拼音模式的条目属于别的程序包「" + entries.foreign.front() + "」";
-      finding.next = "在「系统设置 → 键盘 → 输入法」中移除那一项，再重新添加「澄枫输入法」";
+      finding.next =
+          "在「系统设置 → 键盘 → "
+          "输入法」中移除那一项，再重新添加「澄枫输入法」；看不到那一项时，运行 "
+          "defaults -currentHost delete com.apple.HIToolbox " +
+          entries.list + "，重新登录后再添加需要的输入法";
     } else if (entries.isDamaged) {
       finding.level = Level::fail;
       finding.text = list + "：有不是输入法条目的内容";

@@ -124,6 +124,7 @@ class Uninstallation {
     ContentView::restartTextInputAgents();
     std::error_code error;
     fs::remove(activationStamp(), error);
+    fs::remove(activationStamp().parent_path(), error);  // if that was all
     if (!purgeOrName()) return fail("有文件没有删除");
     output_.progress(1.0);
     output_.say("移除完成");

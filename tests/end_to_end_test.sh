@@ -64,7 +64,7 @@ expect_lines "UI log" "$ui_log" '开始注册并激活输入法...' '启用路�
   '已调用 TISEnableInputSource（fresh:enableBase=0，trigger=enter-waiting）' \
   '收到输入源启用状态更新（kTISNotifyEnabledKeyboardInputSourcesChanged）' \
   'kTISNotifyEnabledKeyboardInputSourcesChanged，ok=true）' '已拉起设置应用（首装 bootstrap）'
-wait_for "$root/tmp/orvane_settings_opened.log" opened
+wait_for "$root/user/Library/Application Support/Orvane/opened.log" opened
 no_child_left
 
 echo overwrite
@@ -74,7 +74,7 @@ install /bin/true
 unset TESSAL_INSTALLER_WRITE_HITOOLBOX_DEFAULTS
 expect status $status 0
 expect_lines "UI log" "$ui_log" '启用路径：覆盖安装（跳过 enable，仅 select）' '（ok=true）'
-expect "settings opened" "$(cat "$root/tmp/orvane_settings_opened.log")" opened
+expect "settings opened" "$(cat "$root/user/Library/Application Support/Orvane/opened.log")" opened
 for key in AppleEnabledInputSources AppleSelectedInputSources AppleInputSourceHistory; do
   find "$root" -path '*ByHost*com.apple.HIToolbox*' -exec plistutil -f xml -i {} \; |
     awk -v key="$key" 'index($0, "<key>" key "<") { on = 1 } on' | sed '/<\/array>/q' |
