@@ -163,26 +163,40 @@ expect "current source" "$(sources current)" com.tessal.inputmethod.Orvane.pinyi
 grep -q finish "$machine/tmp/tessal_installer.log" || fail "no finish in the install log"
 grep -q 'Orvane Installer 想要进行更改' "$machine/tmp/prompts" || fail "another prompt"
 
+# Through the same prompt it goes again.
+removed() { # removed WHAT ENVIRONMENT EXPECTED_STATUS
+  as_user "cd /tmp; env $2 timeout 100 '$app/Contents/MacOS/orvane-install' uninstall --yes" >"$machine/out" 2>&1
+  expect "uninstall, $1" $? "$3"
+}
+for refused in closed mistyped-then-closed; do
+  rm -f "$machine/tmp/mistyped"
+  removed $refused SUDO_ASKPASS=/app/askpass-$refused 2
+done
+removed wrong SUDO_ASKPASS=/app/askpass-wrong 1
+[ -d "$machine/Library/Input Methods/Orvane.app" ] || fail "removed without a password"
+expect "current source after refusals" "$(sources current)" com.tessal.inputmethod.Orvane.pinyin
+removed right SUDO_ASKPASS=/app/askpass-right 0
+for bundle in "$machine/Library/Input Methods"/*.app "$machine/Applications"/*.app; do
+  [ ! -e "$bundle" ] || fail "left: $bundle"
+done
+expect "current source after removal" "$(sources current)" com.apple.keylayout.ABC
+expect "owner of the log" "$(inside stat -c %U /tmp/tessal_uninstaller_ui.log)" installer-tester
+
 # A script with root's rights is asked to stop, and cannot be killed, but the installer
-# ends.
-echo 'trap "echo stopped >&2; exit 9" TERM; echo holding >>/tmp/tessal_installer.log; sleep 30 & wait' \
-  >"$machine$app/Contents/Resources/install.sh"
-rm -f "$ui_log"
-as_user "SUDO_ASKPASS=/app/askpass-right exec '$app/Contents/MacOS/orvane-install'" >"$machine/out" 2>&1 & front=$!
-await "the script" grep -q holding "$ui_log"
-pkill -TERM -x orvane-install
-wait_for_end $front
-expect "SIGTERM while root's script runs" $? 1
-grep -q '管理员授权失败: stopped' "$ui_log" || fail "the script was not asked: $(cat "$ui_log")"
-echo 'trap "" TERM INT HUP; echo holding >>/tmp/tessal_installer.log; sleep 5' \
-  >"$machine$app/Contents/Resources/install.sh"
-rm -f "$ui_log"
-as_user "SUDO_ASKPASS=/app/askpass-right exec '$app/Contents/MacOS/orvane-install'" >"$machine/out" 2>&1 & front=$!
-await "the script" grep -q holding "$ui_log"
-pkill -TERM -x orvane-install
-wait_for_end $front
-expect "SIGTERM while a script runs that ignores it" $? 1
-grep -q 无法中止 "$machine/out" || fail "it does not say that the script goes on"
+# ends.  told_to_end WHAT SCRIPT FILE TEXT: FILE then tells the text.
+told_to_end() {
+  echo "$2" >"$machine$app/Contents/Resources/install.sh"
+  rm -f "$ui_log"
+  as_user "SUDO_ASKPASS=/app/askpass-right exec '$app/Contents/MacOS/orvane-install'" >"$machine/out" 2>&1 & front=$!
+  await "the script" grep -q holding "$ui_log"
+  pkill -TERM -x orvane-install
+  wait_for_end $front
+  expect "SIGTERM while $1" $? 1
+  grep -q "$4" "$3" || fail "SIGTERM while $1: $(cat "$3")"
+}
+readonly hold='echo holding >>/tmp/tessal_installer.log; sleep'
+told_to_end "root's script runs" "trap 'echo stopped >&2; exit 9' TERM; $hold 30 & wait" "$ui_log" '管理员授权失败: stopped'
+told_to_end "a script runs that ignores it" "trap '' TERM INT HUP; $hold 5" "$machine/out" 无法中止
 await "the script's end" sh -c '! pgrep -x sudo'
 
 rm -f "$machine/app/password" "$machine"/app/askpass-*
