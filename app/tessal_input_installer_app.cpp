@@ -27,6 +27,7 @@ TessalInputInstallerApp::TessalInputInstallerApp(QGuiApplication& application) {
   window_.setGeometry(frame);
   window_.create();
 
+  setIconOnceShown(window_);
   // Its parent item owns it.
   new WindowAccessor(window_.rootObject(),
                      [this](platform::HostWindow* host) { contentView_->configureWindow(host); });

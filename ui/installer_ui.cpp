@@ -4,7 +4,6 @@
 #include <QGuiApplication>
 #include <QIcon>
 #include <QPixmap>
-#include <QQuickWindow>
 #include <QtGlobal>
 #include <string>
 
@@ -34,13 +33,23 @@ void setApplicationLook() {
   QFont font = QGuiApplication::font();
 #ifdef Q_OS_LINUX
   font.setFamily(QStringLiteral("Noto Sans CJK SC"));
-  QIcon icon;  // on macOS the bundle's own
-  for (const int side : {16, 32, 64, 128, 256})
-    icon.addPixmap(QPixmap::fromImage(toQImage(platform::applicationIcon(side))));
-  QGuiApplication::setWindowIcon(icon);
 #endif
   font.setPixelSize(kFontSize);
   QGuiApplication::setFont(font);
+}
+
+void setIconOnceShown([[maybe_unused]] QQuickWindow& window) {
+#ifdef Q_OS_LINUX  // on macOS the bundle's own
+  const auto setIcon = [] {
+    QIcon icon;
+    for (const int side : {16, 32, 64, 128, 256})
+      icon.addPixmap(QPixmap::fromImage(toQImage(platform::applicationIcon(side))));
+    QGuiApplication::setWindowIcon(icon);
+  };
+  QObject::connect(
+      &window, &QQuickWindow::frameSwapped, &window, setIcon,
+      static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
+#endif
 }
 
 QString appDisplayName() {

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <QQuickWindow>
 #include <QString>
 #include <QUrl>
 
@@ -11,6 +12,10 @@ void prepareToolkit();
 /// Sets the font that every text starts from. Call it once there is an
 /// application.
 void setApplicationLook();
+
+/// Gives the application's windows their icon once this one has been drawn: no
+/// window shows it itself, so none has to wait for it.
+void setIconOnceShown(QQuickWindow& window);
 
 /// The product's name as the user sees it: the bundle's display name, or else its
 /// name, or else a fixed one.

@@ -112,6 +112,7 @@ void HelperProgram::open(const QString& screen, const QVariantMap& properties, c
   view_.setTitle(title);
   view_.installEventFilter(new FreshWindowGuard(&view_));
   platform::HostWindow(view_).setShouldClose(std::move(shouldClose));
+  setIconOnceShown(view_);
   view_.show();
   view_.requestActivate();
 }

@@ -42,7 +42,7 @@ QImage drawn(const std::string& name, int side) {
 
 Image applicationIcon(int side) {
   assertMainThread();
-  QImage icon = drawn("AppIcon-" + std::to_string(side), side);  // small ones have their own
+  QImage icon = drawn("AppIcon-" + std::to_string(side), side);  // usual ones are there
   if (icon.isNull()) icon = drawn("AppIcon", side);
   if (icon.isNull()) {
     icon = QImage(side, side, QImage::Format_RGBA8888_Premultiplied);
