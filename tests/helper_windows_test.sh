@@ -8,7 +8,7 @@ if [ "${1:-}" != --inside ]; then
   on_display 1000x800 "$0" --inside "$1"
 fi
 
-app=$2
+app=$(realpath "$2")
 helpers=$app/Contents/Helpers
 work=$(mktemp -d)
 base=com.tessal.inputmethod.Orvane
@@ -21,7 +21,7 @@ start() { # start TITLE PROGRAM [ARGUMENT...]: until its window has the focus
   title=$1 program=$helpers/$2
   shift 2
   "$program" "$@" >"$work/out" 2>"$work/err" & running=$!
-  window=$(xdotool search --sync --onlyvisible --name "^$title\$") &&
+  window=$(window_of --name "^$title\$") &&
     xdotool windowactivate --sync "$window" || fail "no window $title"
 }
 click() { xdotool mousemove --window "$window" "$1" "$2" sleep 0.5 click 1; }
@@ -41,7 +41,7 @@ unset QT_LOGGING_RULES
 # late with that.
 is_pressed_at_once() {
   "$helpers/askpass" x >/dev/null 2>&1 & running=$!
-  until window=$(xdotool search --onlyvisible --name "^$(basename "$app" .app)\$"); do :; done
+  window=$(window_of --name "^$(basename "$app" .app)\$") || fail "no window"
   xdotool mousemove --window "$window" 80 290 click 1 sleep 0.5
   ! kill "$running" 2>/dev/null
 }

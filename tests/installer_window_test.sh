@@ -31,8 +31,7 @@ open_installer() { # the window goes to $window
   rm -f "$root/tmp/tessal_installer_ui.log" # it tells of the run before
   SUDO_ASKPASS=${1:-/bin/true} "$app/Contents/MacOS/Orvane Installer" --root "$root" 2>"$work/messages" &
   installer=$!
-  await "a window" xdotool search --onlyvisible --pid $installer || finish
-  window=$(xdotool search --onlyvisible --pid $installer | tail -n 1)
+  window=$(window_of --pid $installer) || { fail "no window"; finish; }
   sleep 0.5
 }
 size() { xwininfo -id "$window" | awk '/Width:/ { w = $2 } /Height:/ { print w "x" $2 }'; }

@@ -45,7 +45,7 @@ skip() { echo "skipped: $*"; exit 77; }
 # on_display SIZE SCRIPT ARGUMENT...: the script again, on a display of its own.
 on_display() {
   for tool in xvfb-run xauth xdotool xprop xwininfo openbox import; do
-    (unset -f xdotool; command -v $tool) >/dev/null || skip "no $tool here"
+    (unset -f xdotool import; command -v $tool) >/dev/null || skip "no $tool here"
   done
   size=$1
   shift
@@ -54,8 +54,21 @@ on_display() {
   exec xvfb-run -a -s "-noreset -screen 0 ${size}x24" sh "$@"
 }
 
-# It may wait for an event that never comes.
+# They may wait for an event that never comes, or for a click.
 xdotool() { timeout 30 xdotool "$@"; }
+import() { timeout 30 import "$@"; }
+
+# window_of SEARCH...: prints the window, for which it waits. A search fails when another
+# window goes just then.
+window_of() {
+  tries=0
+  until found=$(xdotool search --onlyvisible "$@" 2>/dev/null | tail -n 1) && [ -n "$found" ]; do
+    tries=$((tries + 1))
+    [ $tries -le 300 ] || return 1
+    sleep 0.1
+  done
+  echo "$found"
+}
 
 # Starts a window manager, as $manager.
 start_window_manager() {

@@ -67,6 +67,12 @@ need_application() {
   [ -f "$1/Contents/Info.plist" ] || fail "no application at $1: build it first"
 }
 
+# Whether rcodesign (of the crate apple-codesign) signs, as it does where there is no
+# macOS.
+with_rcodesign() {
+  [ "$(uname -s)" != Darwin ] && command -v rcodesign >/dev/null 2>&1
+}
+
 # The name of an application's program.
 executable_of() {
   sed -n '/<key>CFBundleExecutable</{n;s/.*<string>\(.*\)<.*/\1/p;}' "$1/Contents/Info.plist"
@@ -76,6 +82,11 @@ executable_of() {
 need_identity() {
   [ -n "$1" ] || fail "no signing identity: set SIGN_IDENTITY, for example to 'Developer ID Application: NAME (TEAM)', or to - for an ad-hoc signature"
   [ "$1" = - ] && return
+  if with_rcodesign; then
+    [ -f "$1" ] || fail "no file $1: on this system SIGN_IDENTITY is a file with the certificate and its key (.p12)"
+    [ -f "${SIGN_PASSWORD_FILE:-}" ] || fail "set SIGN_PASSWORD_FILE to a file with the password of $1"
+    return
+  fi
   $dry_run || security find-identity -v -p codesigning | grep -qF -- "$1" ||
     fail "the keychain holds no valid signing identity '$1': see security find-identity -v -p codesigning"
 }

@@ -4,7 +4,9 @@
 #
 # usage: notarize.sh [--dry-run] APPLICATION | DISK-IMAGE
 #   NOTARY_PROFILE   name of the keychain item that holds the credentials, made by
-#                    xcrun notarytool store-credentials NAME
+#                    xcrun notarytool store-credentials NAME; on Linux, with
+#                    rcodesign, a file made by
+#                    rcodesign encode-app-store-connect-api-key -o FILE …
 
 set -eu
 # shellcheck source-path=SCRIPTDIR source=common.sh
@@ -14,9 +16,14 @@ take_arguments 1 "$@"
 target=$operand
 profile=${NOTARY_PROFILE:-}
 
+[ -n "$profile" ] || fail "no credentials: set NOTARY_PROFILE, see --help"
+if with_rcodesign; then
+  # It prints the log of the service, fails if that has refused, and staples the ticket.
+  run rcodesign notary-submit --api-key-file "$profile" --staple "$target"
+  exit
+fi
 need_xcrun notarytool
 need_xcrun stapler
-[ -n "$profile" ] || fail "no credentials: set NOTARY_PROFILE to the name given to xcrun notarytool store-credentials"
 
 case $target in
   *.app)

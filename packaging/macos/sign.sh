@@ -3,6 +3,9 @@
 #
 # usage: sign.sh [--dry-run] APPLICATION
 #   SIGN_IDENTITY   name or hash of the certificate, or - to sign ad hoc
+# On Linux, with rcodesign:
+#   SIGN_IDENTITY        file with the certificate and its key (.p12), or -
+#   SIGN_PASSWORD_FILE   file with the password of that file
 
 set -eu
 # shellcheck source-path=SCRIPTDIR source=common.sh
@@ -14,8 +17,17 @@ identity=${SIGN_IDENTITY:-}
 entitlements=$(cd "$(dirname "$0")" && pwd)/entitlements.plist
 
 need_application "$application"
-need codesign "install the command line tools (xcode-select --install)"
+with_rcodesign || need codesign "install the command line tools (xcode-select --install)"
 need_identity "$identity"
+
+if with_rcodesign; then
+  # It goes from the inside out by itself.
+  set -- --entitlements-xml-file "$entitlements"
+  [ "$identity" = - ] ||
+    set -- "$@" --for-notarization --p12-file "$identity" --p12-password-file "$SIGN_PASSWORD_FILE"
+  run rcodesign sign "$@" "$application"
+  exit
+fi
 
 # Under the hardened runtime a program loads only code of its own team, and an
 # ad-hoc signature has none.
