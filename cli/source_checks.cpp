@@ -33,15 +33,16 @@ bool isRegistered(const TessalInstaller& installer) {
   return false;
 }
 
-/// Why it may not be enabled, by the last that the log tells of it.
+/// Why it may not be enabled, by the last that the log tells of it. The log of a later
+/// run may tell nothing.
 std::string whyNotEnabled() {
-  std::string why;
+  std::string why = "：还没有允许，或后来被拒绝、停用了";
   for (const std::string& line : lastLines(platform::onDisk(kUILogPath), 200)) {
     const auto tells = [&line](const char* words) { return line.find(words) != line.npos; };
     if (tells("fresh:enableBase="))
       why = "：已经请求过，但还没有允许，或被拒绝了";
     else if (tells("启用路径：覆盖安装") || (tells("TISSelectInputSource") && tells("ok=true")))
-      why = "：曾经启用过，后来被拒绝或停用了";
+      why = "：曾经启用过，后来被拒绝或停用了，或启用它的是另一位用户";
   }
   return why;
 }

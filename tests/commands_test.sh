@@ -144,6 +144,9 @@ says "the mode source is missing" '找不到拼音模式的输入源'
 start_from sound
 sources deny $base
 broken enabled 曾经启用过，后来被拒绝或停用了
+sources deny $base
+rm "$root/tmp/tessal_installer_ui.log"
+broken enabled 或后来被拒绝、停用了
 rm -r "$root/Library/Input Methods/Orvane.app"
 broken bundle 没有安装
 sed -i "s|<string>$base</string>|<string>com.example.foreign</string>|" "$(preferences)"
