@@ -155,8 +155,6 @@ says "a foreign entry" 'AppleEnabledInputSources：有一条拼音模式的条�
 start_from sound
 mkdir "$root/Library/Input Methods/.Orvane.app.staging"
 broken leftovers .Orvane.app.staging
-chmod -R o-r "$root/Library/Input Methods/Orvane.app"
-broken access 其他用户不能读取
 sed -i 's|<string>com.tessal.inputmethod.Orvane</string>|<string>com.tessal.Orvane</string>|' "$installed_plist"
 status_of 1 doctor
 says "an identifier without the component" '缺少 inputmethod 一段'
