@@ -94,9 +94,14 @@ row "another command allowed" SUDO_ASKPASS=/app/askpass-right 2 ''
 mv -f "$machine/rule" "$rule"
 mv "$machine/app/password" "$machine/password"
 
+begin() { # begin ASKPASS [COMMANDS]: the installer, as $front
+  rm -f "$ui_log"
+  as_user "${2:-} SUDO_ASKPASS=/app/askpass-$1 exec '$app/Contents/MacOS/orvane-install'" >"$machine/out" 2>&1 & front=$!
+}
+
 # A prompt that is open when the installer is told to end. The names below are those
 # of this test's own processes: it sees no others.
-as_user "SUDO_ASKPASS=/app/askpass-asleep exec '$app/Contents/MacOS/orvane-install'" >/dev/null 2>&1 & front=$!
+begin asleep
 await "the prompt" test -e "$machine/tmp/asleep"
 pkill -TERM -x orvane-install
 wait_for_end $front
@@ -106,7 +111,7 @@ await "the end of the prompt" sh -c '! pgrep -x sudo && ! pgrep -f "[a]skpass-as
 mv "$machine/password" "$machine/app/password"
 
 # A password for an installer that is gone installs nothing.
-as_user "SUDO_ASKPASS=/app/askpass-late exec '$app/Contents/MacOS/orvane-install'" >/dev/null 2>&1 & front=$!
+begin late
 await "the prompt" test -e "$machine/tmp/late"
 pkill -KILL -x orvane-install
 : >"$machine/tmp/answer"
@@ -141,17 +146,14 @@ in_terminal "$password\n" 3
 in_terminal "das\003" 2
 
 # What a core file of the installer holds is looked through at the end.
-rm -f "$ui_log"
-as_user "ulimit -c unlimited; cd /tmp; SUDO_ASKPASS=/app/askpass-right exec '$app/Contents/MacOS/orvane-install'" \
-  >/dev/null 2>&1 & front=$!
+begin right "ulimit -c unlimited; cd /tmp;"
 await "the waiting phase" grep -q trigger=enter-waiting "$ui_log"
 pkill -ABRT -x orvane-install
 wait_for_end $front
 [ "$(cat /proc/sys/kernel/core_pattern)" != core ] || [ -s "$machine/tmp/core" ] || fail "no core file"
 
-rm -f "$ui_log"
 echo "right, and allowed"
-as_user "SUDO_ASKPASS=/app/askpass-right timeout 100 '$app/Contents/MacOS/orvane-install'" >/dev/null 2>&1 & front=$!
+begin right
 await "the waiting phase" grep -q trigger=enter-waiting "$ui_log"
 sources() { as_user "'$app/Contents/Helpers/input-sources' $*"; }
 sources allow com.tessal.inputmethod.Orvane
@@ -164,18 +166,18 @@ grep -q finish "$machine/tmp/tessal_installer.log" || fail "no finish in the ins
 grep -q 'Orvane Installer 想要进行更改' "$machine/tmp/prompts" || fail "another prompt"
 
 # Through the same prompt it goes again.
-removed() { # removed WHAT ENVIRONMENT EXPECTED_STATUS
-  as_user "cd /tmp; env $2 timeout 100 '$app/Contents/MacOS/orvane-install' uninstall --yes" >"$machine/out" 2>&1
-  expect "uninstall, $1" $? "$3"
-}
-for refused in closed mistyped-then-closed; do
+removed() { # removed ASKPASS EXPECTED_STATUS
   rm -f "$machine/tmp/mistyped"
-  removed $refused SUDO_ASKPASS=/app/askpass-$refused 2
-done
-removed wrong SUDO_ASKPASS=/app/askpass-wrong 1
+  as_user "cd /tmp; SUDO_ASKPASS=/app/askpass-$1 timeout 100 '$app/Contents/MacOS/orvane-install' uninstall --yes" \
+    >"$machine/out" 2>&1
+  expect "uninstall, $1" $? "$2"
+}
+removed closed 2
+removed mistyped-then-closed 2
+removed wrong 1
 [ -d "$machine/Library/Input Methods/Orvane.app" ] || fail "removed without a password"
 expect "current source after refusals" "$(sources current)" com.tessal.inputmethod.Orvane.pinyin
-removed right SUDO_ASKPASS=/app/askpass-right 0
+removed right 0
 for bundle in "$machine/Library/Input Methods"/*.app "$machine/Applications"/*.app; do
   [ ! -e "$bundle" ] || fail "left: $bundle"
 done
@@ -186,8 +188,7 @@ expect "owner of the log" "$(inside stat -c %U /tmp/tessal_uninstaller_ui.log)" 
 # ends.  told_to_end WHAT SCRIPT FILE TEXT: FILE then tells the text.
 told_to_end() {
   echo "$2" >"$machine$app/Contents/Resources/install.sh"
-  rm -f "$ui_log"
-  as_user "SUDO_ASKPASS=/app/askpass-right exec '$app/Contents/MacOS/orvane-install'" >"$machine/out" 2>&1 & front=$!
+  begin right
   await "the script" grep -q holding "$ui_log"
   pkill -TERM -x orvane-install
   wait_for_end $front
