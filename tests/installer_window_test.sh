@@ -31,7 +31,7 @@ open_installer() { # the window goes to $window
   rm -f "$root/tmp/tessal_installer_ui.log" # it tells of the run before
   SUDO_ASKPASS=${1:-/bin/true} "$app/Contents/MacOS/Orvane Installer" --root "$root" 2>"$work/messages" &
   installer=$!
-  window=$(window_of --pid $installer) || { fail "no window"; finish; }
+  window=$(window_of --pid $installer) || { fail "no window: $(kill -0 $installer 2>&1) $(cat "$work/messages")"; finish; }
   sleep 0.5
 }
 size() { xwininfo -id "$window" | awk '/Width:/ { w = $2 } /Height:/ { print w "x" $2 }'; }
