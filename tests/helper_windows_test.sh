@@ -40,7 +40,7 @@ unset QT_LOGGING_RULES
 # The window appears below the second click of a double click, which comes within 400
 # milliseconds. On a busy machine xdotool may be later than that.
 milliseconds() { date +%s%3N; }
-for try in 1 2 3 4 5 6; do
+for _ in 1 2 3 4 5 6; do
   "$helpers/askpass" x >/dev/null 2>&1 & running=$!
   since=$(milliseconds) window=
   until [ -n "$window" ] || [ $(($(milliseconds) - since)) -gt 5000 ]; do
@@ -58,6 +58,7 @@ for keys in Escape alt+F4 "Tab space"; do
   [ ! -s "$work/out" ] || fail "$keys gives the password away"
 done
 ask; kill "$running"; ended SIGTERM 143
+# shellcheck disable=SC3045 # the shells that run this have it
 ulimit -c unlimited
 cd "$work" || exit 1
 ask; xdotool type --delay 30 abc; kill -ABRT "$running"; ended SIGABRT 134

@@ -110,7 +110,8 @@ void HelperProgram::open(const QString& screen, const QVariantMap& properties, c
   flags.setFlag(Qt::WindowCloseButtonHint, isClosable);
   view_.setFlags(flags);
   view_.setTitle(title);
-  view_.installEventFilter(new FreshWindowGuard(&view_));
+  guard_ = std::make_unique<FreshWindowGuard>();
+  view_.installEventFilter(guard_.get());
   platform::HostWindow(view_).setShouldClose(std::move(shouldClose));
   setIconOnceShown(view_);
   view_.show();

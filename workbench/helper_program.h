@@ -8,6 +8,7 @@
 #include <QVariantMap>
 #include <array>
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "ui/window_placement.h"
@@ -44,6 +45,7 @@ class HelperProgram {
   std::array<char*, 2> arguments_{name_.data(), nullptr};
   QGuiApplication application_;
   QQuickView view_;
+  std::unique_ptr<QObject> guard_;  // against what is not meant for the window
   QRect neighbour_;
   Side side_ = Side::right;
 };
