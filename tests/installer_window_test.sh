@@ -117,7 +117,12 @@ sleep 0.5
 expect "size after resizing" "$(size)" 1000x900
 expect "centre" "$(content_centre)" "$centre"
 xprop -id "$window" WM_STATE | grep -q Normal || fail "the window was minimised"
-xdotool windowactivate --sync "$window" key alt+F4
+# The window that comes back from being minimised may be without the focus just then.
+for press in 1 2 3 4 5; do
+  xdotool windowactivate --sync "$window" key alt+F4
+  sleep 1
+  xwininfo -id "$window" >/dev/null 2>&1 || break
+done
 ended close
 
 echo "closing while waiting"
