@@ -3,6 +3,10 @@
 #include <QCoreApplication>
 #include <QImage>
 #include <QThread>
+#include <cstdint>
+#include <fstream>
+#include <utility>
+#include <vector>
 
 #include "platform/bundle.h"
 
@@ -29,6 +33,17 @@ Image toImage(const QImage& picture) {
   return image;
 }
 
+/// A picture of the bundle whose pixels are there in this size; absent if they are not.
+std::optional<Image> stored(const std::string& name, int side) {
+  const auto file = bundleResource(name + "-" + std::to_string(side), "rgba");
+  if (!file) return std::nullopt;
+  std::ifstream stream(*file, std::ios::binary);
+  Image image{side, side, std::vector<std::uint8_t>(std::size_t(side) * side * 4)};
+  const auto size = static_cast<std::streamsize>(image.pixels.size());
+  stream.read(reinterpret_cast<char*>(image.pixels.data()), size);
+  return stream.gcount() == size ? std::optional(std::move(image)) : std::nullopt;
+}
+
 /// A square picture of the bundle, in this size; null if there is none.
 QImage drawn(const std::string& name, int side) {
   const auto file = bundleResource(name, "png");
@@ -42,8 +57,8 @@ QImage drawn(const std::string& name, int side) {
 
 Image applicationIcon(int side) {
   assertMainThread();
-  QImage icon = drawn("AppIcon-" + std::to_string(side), side);  // usual ones are there
-  if (icon.isNull()) icon = drawn("AppIcon", side);
+  if (auto icon = stored("AppIcon", side)) return *icon;
+  QImage icon = drawn("AppIcon", side);
   if (icon.isNull()) {
     icon = QImage(side, side, QImage::Format_RGBA8888_Premultiplied);
     icon.fill(Qt::transparent);
