@@ -2,7 +2,7 @@
 # make test   runs every test
 # make check  format, clang-tidy, shellcheck, qmllint, sanitized unit tests
 # make demo   the whole installation with real clicks, a screenshot a step
-# make bench  what things cost
+# make bench  what things cost, as a table and in build/bench.json; five minutes
 # make fuzz   every fuzz target for a minute
 # make macos-app    the whole application for macOS, made on Linux
 # make macos-check  the macOS side and its tests, compiled and analysed on Linux
@@ -43,10 +43,7 @@ reference:
 	@cmake --build --preset $(PRESET) --target reference
 
 bench:
-	@build/release/bench/log_follow
-	@if [ -n "$$DISPLAY" ]; then build/release/bench/first_frame build/release/bench/bare_window "$(APP)/Contents/MacOS/Orvane Installer"; \
-	else xvfb-run -a -s '-noreset -screen 0 1280x1024x24' \
-	  build/release/bench/first_frame build/release/bench/bare_window "$(APP)/Contents/MacOS/Orvane Installer"; fi
+	@bench/bench.py
 
 # SEED and SCHEDULES choose others.
 soak: all

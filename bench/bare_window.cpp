@@ -1,5 +1,5 @@
 // The least that the toolkit can put on the screen: an empty window of the
-// installer's size.
+// installer's size, or with an argument one that shows this text.
 
 #include <QGuiApplication>
 #include <QQmlComponent>
@@ -12,7 +12,13 @@ int main(int argc, char** argv) {
   QGuiApplication application(argc, argv);
   QQuickView window;
   QQmlComponent content(window.engine());
-  content.setData("import QtQuick\nRectangle {}", QUrl());
+  if (argc > 1)
+    content.setData(
+        "import QtQuick\nText { font { family: 'Noto Sans CJK SC'; pixelSize: 20 } text: '" +
+            QByteArray(argv[1]) + "' }",
+        QUrl());
+  else
+    content.setData("import QtQuick\nRectangle {}", QUrl());
   window.setContent(QUrl(), &content, content.create());
   window.resize(QSize(1000, 900) / window.devicePixelRatio());
   window.show();

@@ -5,7 +5,6 @@ Prints one table and writes build/bench.json. A figure is the median of its runs
 compared runs in turn. A program that is not there is reported as absent. --only NAME runs one group.
 """
 import argparse
-import contextlib
 import json
 import os
 import pathlib
@@ -14,10 +13,10 @@ import shutil
 import statistics
 import subprocess
 import sys
-import tempfile
 import time
 import zipfile
 
+from figures import column, figure, folder, in_turn, rows, timed
 from screen import Screen
 
 ROOT = pathlib.Path(__file__).resolve().parents[1]
@@ -25,58 +24,6 @@ PROGRAMS = ROOT / "build/release/bench"
 BUNDLE = ROOT / "build/Orvane Installer.app/Contents"
 WINDOW, COMMAND = BUNDLE / "MacOS/Orvane Installer", BUNDLE / "MacOS/orvane-install"
 BASE = "com.tessal.inputmethod.Orvane"
-rows = []
-
-
-def figure(name, unit, ours, than, theirs, aim=None, pick=statistics.median):
-    """A row: ours against theirs; aim is the most that the ratio should be. theirs is None if there is no such program."""
-    def of(values):
-        return {"median": pick(values), "min": min(values), "max": max(values), "runs": len(values)}
-    row = {"figure": name, "unit": unit, **of(ours), "than": than, "aim": aim}
-    if theirs is not None:
-        row["other"] = of(theirs)
-        row["ratio"] = row["median"] / row["other"]["median"] if row["other"]["median"] else None
-    rows.append(row)
-
-    def text(values):
-        return f"{values['median']:.4g} ({values['min']:.4g}–{values['max']:.4g})"
-    ratio = f"{row['ratio']:8.2f}" if row.get("ratio") is not None else " " * 8
-    missed = " missed" if aim and row.get("ratio", 0) and row["ratio"] > aim else ""
-    print(f"{name:36} {unit:4} {text(row):28} {than:26} {text(row['other']) if theirs else 'absent':28} {ratio}"
-          f"{f'  ≤ {aim}{missed}' if aim else ''}", flush=True)
-
-
-def in_turn(runs, warm_up=1, **cases):
-    """What each case returns, of so many runs of all of them in turn, after some that warm them up."""
-    results = {name: [] for name in cases}
-    for run in range(-warm_up, runs):
-        for name, case in cases.items():
-            result = case()
-            if run >= 0:
-                results[name].append(result)
-    return results
-
-
-def timed(command, **options):
-    """Seconds that passed, and seconds of processor time of the command and its children."""
-    begin, before = time.perf_counter(), os.times()
-    subprocess.run(command, check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, **options)
-    after = os.times()
-    return (time.perf_counter() - begin,
-            after.children_user + after.children_system - before.children_user - before.children_system)
-
-
-def column(values, index):
-    return [value[index] for value in values]
-
-
-@contextlib.contextmanager
-def folder():
-    path = pathlib.Path(tempfile.mkdtemp(prefix="orvane-bench-"))
-    try:
-        yield path
-    finally:
-        shutil.rmtree(path, ignore_errors=True)
 
 
 # ---- the window
@@ -103,24 +50,31 @@ def proportional_memory(process):
 
 def start():
     commands = {"installer": [WINDOW, "--root"], "an empty window": [PROGRAMS / "bare_window"],
+                "a window with a word": [PROGRAMS / "bare_window", "安装"],
                 "zenity": ["zenity", "--info", "--text=安装"], "yad": ["yad", "--text=安装"]}
     with Screen() as screen, folder() as root:
         commands["installer"].append(root)
 
-        def run(command):
+        def first_frame(command):
             process, seconds = screen.start(command)
-            processor = processor_time(process)
-            time.sleep(0.3)  # what comes after the first frame belongs to the memory, too
-            memory = proportional_memory(process)
+            return seconds * 1e3, screen.stop(process) * 1e3
+
+        def memory(command):
+            process, _ = screen.start(command)
+            time.sleep(0.3)  # what comes after the first frame counts, too
+            megabytes = proportional_memory(process)
             screen.stop(process)
-            return seconds * 1e3, processor * 1e3, memory
-        present = {name: command for name, command in commands.items() if shutil.which(command[0])}
-        results = in_turn(15, **{name: lambda c=command: run(c) for name, command in present.items()})
-    for index, (what, unit) in enumerate([("first frame", "ms"), ("first frame, processor", "ms"), ("memory", "MB")]):
-        for name, aim in [("an empty window", 1.15), ("zenity", 1.0), ("yad", 1.0)]:
+            return [megabytes]
+
+        def of_all(measure, runs):
+            present = {name: command for name, command in commands.items() if shutil.which(command[0])}
+            return in_turn(runs, **{name: lambda c=command: measure(c) for name, command in present.items()})
+        times, sizes = of_all(first_frame, 21), of_all(memory, 5)
+    for what, unit, results, index in [("first frame", "ms", times, 0), ("first frame, processor", "ms", times, 1),
+                                       ("memory", "MB", sizes, 0)]:
+        for name, aim in [("an empty window", 1.15), ("a window with a word", None), ("zenity", None), ("yad", 1.0 if what == "first frame" else None)]:
             figure(what, unit, column(results["installer"], index), name,
-                   column(results[name], index) if name in results else None,
-                   aim if index == 0 or name == "an empty window" else None)
+                   column(results[name], index) if name in results else None, aim)
 
 
 def waiting():
@@ -219,9 +173,15 @@ def payload_archive(files, megabytes):
     return archive
 
 
+def memory_if_it_fits(size):
+    """A folder in memory with that much room, or else None. On a disk its file system takes most of the time."""
+    memory = pathlib.Path("/dev/shm")
+    return memory if memory.is_dir() and shutil.disk_usage(memory).free > size else None
+
+
 def payload():
     for what, files, megabytes, runs in [("30 MB", 400, 30, 5), ("300 MB", 4000, 300, 3), ("20,000 files", 20000, 40, 3)]:
-        with folder() as place:
+        with folder(memory_if_it_fits(10**6 * megabytes * 4)) as place:
             script, root, out = place / "script", place / "root", place / "out"
             script.mkdir()
             for name in ("install.sh", "install_common.sh"):

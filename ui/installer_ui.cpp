@@ -1,6 +1,7 @@
 #include "ui/installer_ui.h"
 
 #include <QFont>
+#include <QFontDatabase>
 #include <QGuiApplication>
 #include <QIcon>
 #include <QPixmap>
@@ -36,6 +37,12 @@ void setApplicationLook() {
 #endif
   font.setPixelSize(kFontSize);
   QGuiApplication::setFont(font);
+}
+
+std::future<void> readFonts() {
+  return std::async(std::launch::async, [family = QGuiApplication::font().family()] {
+    [[maybe_unused]] const bool isThere = QFontDatabase::hasFamily(family);
+  });
 }
 
 void setIconOnceShown([[maybe_unused]] QQuickWindow& window) {

@@ -11,7 +11,6 @@
 #include <utility>
 
 #include "platform/host_window.h"
-#include "ui/installer_ui.h"
 #include "workbench/password_field.h"
 #include "workbench/switch_item.h"
 

@@ -8,9 +8,11 @@
 #include <QVariantMap>
 #include <array>
 #include <functional>
+#include <future>
 #include <memory>
 #include <string>
 
+#include "ui/installer_ui.h"
 #include "ui/window_placement.h"
 
 /// The toolkit and the window of a helper program; one a process.
@@ -44,6 +46,7 @@ class HelperProgram {
   int argumentCount_ = 1;
   std::array<char*, 2> arguments_{name_.data(), nullptr};
   QGuiApplication application_;
+  std::future<void> fonts_ = readFonts();
   QQuickView view_;
   std::unique_ptr<QObject> guard_;  // against what is not meant for the window
   QRect neighbour_;
