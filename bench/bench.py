@@ -209,19 +209,39 @@ def payload():
                        column(results[other], index) if other in results else None, aim)
 
 
+# Beside the real script in a copy of the bundle, it notes when that begins and ends.
+NOTING_SCRIPT = """date +%s%N >"$INSTALL_ROOT/times"
+sh "$(dirname "$0")/script.sh" || exit
+date +%s%N >>"$INSTALL_ROOT/times"
+"""
+
+
 def whole_run():
     environment = {**os.environ, "SUDO_ASKPASS": "/bin/true"}
     environment.pop("DISPLAY", None)
-    with folder() as root:
-        subprocess.run([COMMAND, "--root", root, "--no-wait"], env=environment, capture_output=True, check=False)
+    with folder() as place:
+        root, copy = place / "root", place / "Copy.app/Contents"
+        shutil.copytree(BUNDLE, copy)
+        (copy / "Resources/install.sh").rename(copy / "Resources/script.sh")
+        (copy / "Resources/install.sh").write_text(NOTING_SCRIPT)
+        command = [copy / "MacOS/orvane-install", "--root", root]
+
+        def run(*arguments, status=0):
+            begin = time.perf_counter()
+            done = subprocess.run([*command, *arguments], env=environment, capture_output=True, check=False)
+            seconds = time.perf_counter() - begin
+            if done.returncode != status:
+                raise SystemExit(done.stderr.decode())
+            begin, end = map(int, (root / "times").read_text().split())
+            return seconds * 1e3, (end - begin) / 1e6
+        still_waiting = 3
+        run("--no-wait", status=still_waiting)
         subprocess.run([BUNDLE / "Helpers/input-sources", "--root", root, "allow", BASE], check=True)
-        subprocess.run([COMMAND, "--root", root, "activate"], env=environment, capture_output=True, check=True)
-        script = BUNDLE / "Resources/install.sh"
-        results = in_turn(9, whole=lambda: timed([COMMAND, "--root", root], env=environment)[0] * 1e3,
-                          script=lambda: timed(["sh", script], env={**environment, "INSTALL_ROOT": str(root)})[0] * 1e3)
-    figure("overwriting installation", "ms", results["whole"], "its script", results["script"])
-    figure("of this, beyond the script", "ms", [whole - script for whole, script in zip(*results.values())],
-           "its script", results["script"])
+        run("activate")
+        results = in_turn(9, run=run)["run"]
+    figure("overwriting installation", "ms", column(results, 0), "its script", column(results, 1))
+    figure("of this, beyond the script", "ms", [whole - script for whole, script in results], "its script",
+           column(results, 1))
 
 
 # ---- size and build
