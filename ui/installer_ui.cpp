@@ -7,6 +7,7 @@
 #include <QPixmap>
 #include <QtGlobal>
 #include <string>
+#include <system_error>
 
 #include "platform/bundle.h"
 #include "platform/pictures.h"
@@ -40,9 +41,16 @@ void setApplicationLook() {
 }
 
 std::future<void> readFonts() {
-  return std::async(std::launch::async, [family = QGuiApplication::font().family()] {
-    [[maybe_unused]] const bool isThere = QFontDatabase::hasFamily(family);
-  });
+#ifdef Q_OS_LINUX  // on macOS there is no list to read
+  try {
+    return std::async(std::launch::async, [family = QGuiApplication::font().family()] {
+      [[maybe_unused]] const bool isThere = QFontDatabase::hasFamily(family);
+    });
+  } catch (const std::system_error&) {
+    // Without a thread to be had the list is read when a text needs it.
+  }
+#endif
+  return {};
 }
 
 void setIconOnceShown([[maybe_unused]] QQuickWindow& window) {
