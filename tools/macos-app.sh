@@ -23,6 +23,14 @@ for program in "$app"/Contents/MacOS/*; do
   "$lipo" -create build/macos/{arm64,x86_64}/"${program#build/macos/}" -output "$program"
 done
 python3 tools/macos/bundle.py "$app" "$qt" ui "$scanner"
+if command -v rcodesign >/dev/null; then
+  SIGN_IDENTITY=- sh packaging/macos/sign.sh "$app" >build/macos/sign.log 2>&1 || {
+    tail -n 5 build/macos/sign.log >&2
+    exit 1
+  }
+else
+  echo "rcodesign is not here, so the application is not signed as a whole; docs/macos.md says how to get it"
+fi
 sh packaging/make_zip.sh "$app" "$PWD/$archive"
 python3 tools/macos/verify.py "$app" "$tools/ziglang/lib/libc/darwin/libSystem.tbd" "$archive"
 echo "result: $app ($(du -sh "$app" | cut -f 1)), $archive ($(du -h "$archive" | cut -f 1))," \

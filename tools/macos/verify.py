@@ -16,6 +16,7 @@ import tempfile
 
 import lief
 import macho
+import signature
 
 MINIMUM = (11, 5)
 BUILT_FOR = (13, 0)  # in our own programs; see install_tools in get.sh
@@ -175,6 +176,7 @@ def main():
     for path in sorted(application.rglob("*")):
         if macho.is_macho(path):
             check_code(path, application, program, stubs)
+    signature.check(application, program, problem)
     if len(sys.argv) > 3:
         check_archive(application, sys.argv[3])
     for text in problems:
