@@ -20,12 +20,6 @@ installer='' manager=''
 trap 'kill $installer $manager 2>/dev/null; end_agents; rm -rf "$work"' EXIT
 trap 'exit 1' HUP INT TERM
 
-end_agents() {
-  for process in /proc/[0-9]*; do
-    { tr '\0' ' ' <"$process/cmdline"; } 2>/dev/null |
-      grep -q "input-source-agent --root $work/" && kill "${process#/proc/}" 2>/dev/null
-  done
-}
 # shellcheck disable=SC2120 # the argument is optional
 open_installer() { # the window goes to $window
   rm -f "$root/tmp/tessal_installer_ui.log" # it tells of the run before

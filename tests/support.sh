@@ -70,6 +70,16 @@ window_of() {
   echo "$found"
 }
 
+# The agent stays when the installer ends, as the system's does. Those of roots below $work
+# end here.
+# shellcheck disable=SC2154 # each script has its own $work
+end_agents() {
+  for process in /proc/[0-9]*; do
+    { tr '\0' ' ' <"$process/cmdline"; } 2>/dev/null |
+      grep -q "input-source-agent --root $work/" && kill "${process#/proc/}" 2>/dev/null
+  done
+}
+
 # Starts a window manager, as $manager.
 start_window_manager() {
   openbox >/dev/null 2>&1 & manager=$!

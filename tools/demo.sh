@@ -3,43 +3,34 @@
 # takes a screenshot a step; fails if a step is not reached. What the README shows
 # goes to OUTPUT_FOLDER/readme.  usage: demo.sh APP_BUNDLE OUTPUT_FOLDER
 set -u
-export LC_ALL=C.UTF-8 # the windows' titles are Chinese
+# shellcheck source-path=SCRIPTDIR source=../tests/support.sh
+. "$(dirname "$0")/../tests/support.sh"
 
 app=$1
 out=$2
 rm -rf "$out"
 mkdir -p "$out/readme"
 work=$(mktemp -d)
-display_file=$work/display
 children=()
 step=0
 
 clean_up() {
   for child in "${children[@]}"; do kill "$child" 2>/dev/null; done
-  for lock in "$work"/*/user; do
-    [ -d "$lock" ] && end_agents
-  done
+  end_agents
   rm -rf "$work"
-}
-# The agent stays when the installer ends, as the system's does; here it must not.
-end_agents() {
-  for process in /proc/[0-9]*; do
-    { tr '\0' ' ' <"$process/cmdline"; } 2>/dev/null | grep -q "input-source-agent --root $work/" &&
-      kill "${process#/proc/}" 2>/dev/null
-  done
 }
 trap clean_up EXIT
 trap 'exit 1' HUP INT TERM
-die() {
+fail() {
   echo "demo: $*" >&2
   import -silent -window root "$out/not-reached.png" 2>/dev/null
   exit 1
 }
 
-Xvfb -displayfd 3 -noreset -screen 0 3000x1900x24 -nolisten tcp 3>"$display_file" 2>/dev/null &
+Xvfb -displayfd 3 -noreset -screen 0 3000x1900x24 -nolisten tcp 3>"$work/display" 2>/dev/null &
 children+=($!)
-for ((i = 0; i < 100; ++i)); do [ -s "$display_file" ] && break; sleep 0.1; done
-DISPLAY=:$(cat "$display_file")
+await "a display" test -s "$work/display"
+DISPLAY=:$(cat "$work/display")
 export DISPLAY
 unset WAYLAND_DISPLAY SUDO_ASKPASS
 display -size 3000x1900 -window root 'xc:#d5dded'
@@ -54,27 +45,17 @@ END
 openbox --config-file "$work/openbox.xml" >/dev/null 2>&1 &
 children+=($!)
 
-# await WHAT COMMAND...: until the command succeeds.
-await() {
-  local what=$1
-  shift
-  for ((i = 0; i < 200; ++i)); do
-    "$@" >/dev/null 2>&1 && return
-    sleep 0.1
-  done
-  die "not reached: $what"
-}
 shot() {
   sleep 0.5
   step=$((step + 1))
-  import -silent -window root "$out/$(printf %02d $step)-$1.png" || die "no screenshot of $1"
+  import -silent -window root "$out/$(printf %02d $step)-$1.png" || fail "no screenshot of $1"
   echo "$(printf %02d $step) $1"
 }
 # The installer and what lies over it, for the README.
 picture() {
   sleep 0.5
   import -silent -window root -crop "$(place_of "$window")" +repage "$out/readme/$1.png" ||
-    die "no picture of $1"
+    fail "no picture of $1"
 }
 place_of() { # place_of WINDOW: as WIDTHxHEIGHT+X+Y
   xwininfo -id "$1" | awk '/Absolute upper-left X/ { x = $4 } /Absolute upper-left Y/ { y = $4 }
@@ -105,7 +86,7 @@ end_recording() { # end_recording FILE
   done
   for frame in "$work"/frames/*; do convert "ppm:$frame" -resize 50% "$frame.png"; done
   img2webp -loop 0 -lossy -q 80 -m 6 "${arguments[@]}" -d 3000 "$previous.png" -o "$1" >/dev/null ||
-    die "no animation"
+    fail "no animation"
 }
 visible() { xdotool search --onlyvisible --"$1" "$2" | tail -n 1 | grep .; }
 gone() { ! visible "$@"; }
@@ -180,7 +161,7 @@ click "$window" 650 720
 await "go-enable" ui_log_has 'openKeyboardSettings(): opened'
 await "settings window" visible name "$settings"
 shot settings-and-consent
-kill -0 "$installer" || die "the installer was closed"
+kill -0 "$installer" || fail "the installer was closed"
 answer_consent
 await "success" ui_log_has '已拉起设置应用'
 end_agents
@@ -201,7 +182,7 @@ start refused "$app"
 install_button
 password Escape
 shot refused
-[ ! -s "$root/tmp/tessal_installer_ui.log" ] || die "a refusal was logged"
+[ ! -s "$root/tmp/tessal_installer_ui.log" ] || fail "a refusal was logged"
 xdotool windowactivate --sync "$window" key alt+F4
 await_end
 
