@@ -6,6 +6,7 @@
 #include "cli/diagnosis.h"
 #include "inputsource/tessal_installer.h"
 #include "platform/bundle.h"
+#include "platform/common/property_list_lookups.h"
 #include "platform/file_owner.h"
 #include "platform/file_root.h"
 
@@ -14,20 +15,11 @@ namespace {
 namespace fs = std::filesystem;
 using Level = Finding::Level;
 using Scope = Finding::Scope;
+using platform::dictionaryIn;
 using platform::PropertyListDictionary;
+using platform::textIn;
 
 constexpr const char* kReinstall = "运行 orvane-install install 重新安装";
-
-const PropertyListDictionary* dictionaryIn(const PropertyListDictionary* outer, const char* key) {
-  const auto found = outer ? outer->find(key) : PropertyListDictionary::const_iterator();
-  return outer && found != outer->end() ? found->second.as<PropertyListDictionary>() : nullptr;
-}
-
-std::optional<std::string> textIn(const PropertyListDictionary& dictionary, const char* key) {
-  const auto found = dictionary.find(key);
-  const auto* text = found != dictionary.end() ? found->second.as<std::string>() : nullptr;
-  return text ? std::optional(*text) : std::nullopt;
-}
 
 void checkIdentifier(Findings& findings, const PropertyListDictionary& info) {
   const std::string identifier = textIn(info, "CFBundleIdentifier").value_or("");
@@ -71,7 +63,7 @@ void checkMode(Findings& findings, const PropertyListDictionary& info) {
   const auto* modes =
       dictionaryIn(dictionaryIn(&info, "ComponentInputModeDict"), "tsInputModeListKey");
   const std::string mode = TessalInstaller::rawValue(TessalInstaller::InputMode::pinyin);
-  if (dictionaryIn(modes, mode.c_str()))
+  if (dictionaryIn(modes, mode))
     findings.push_back({Level::pass, Scope::machine, "mode", "Info.plist 里有拼音模式",
                         Finding::kNothingToDo, mode});
   else
@@ -105,10 +97,10 @@ std::string accessProblem(const fs::path& path, bool isSystemPlace) {
   if (has(fs::perms::others_write) || has(fs::perms::group_write)) return "其他用户可以修改";
   if (!has(fs::perms::others_read) || (fs::is_directory(status) && !has(fs::perms::others_exec)))
     return "其他用户不能读取";
-  const auto owner = platform::fileOwner(path);
   // Below a root of its own everything belongs to the user.
-  if (isSystemPlace && owner && !owner->isSuperuser) return "属于 " + owner->user + "，应属于 root";
-  return "";
+  if (!isSystemPlace) return "";
+  const auto owner = platform::fileOwner(path);
+  return owner && !owner->isSuperuser ? "属于 " + owner->user + "，应属于 root" : "";
 }
 
 void checkAccess(Findings& findings, const fs::path& bundle) {

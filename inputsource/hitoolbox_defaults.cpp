@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "inputsource/tessal_installer.h"
+#include "platform/common/property_list_lookups.h"
 
 using platform::ForeignKeyDictionary;
 using platform::PreferencesHost;
@@ -27,10 +28,7 @@ constexpr const char* kInputSourceKindKey = "InputSourceKind";
 constexpr const char* kInputModeKind = "Input Mode";
 
 bool holdsText(const PropertyListDictionary& entry, const char* key, const std::string& text) {
-  const auto found = entry.find(key);
-  if (found == entry.end()) return false;
-  const auto* value = found->second.as<std::string>();
-  return value && *value == text;
+  return platform::textIn(entry, key) == text;
 }
 
 }  // namespace
@@ -102,12 +100,11 @@ std::vector<TessalInstaller::ListedEntries> TessalInstaller::listedEntries(Input
       if (!entry) {
         entries.isDamaged = true;
       } else if (holdsText(*entry, kInputModeKey, rawValue(mode))) {
-        const auto named = entry->find(kBundleIDKey);
-        const auto* name = named != entry->end() ? named->second.as<std::string>() : nullptr;
-        if (name && *name == bundleID)
+        const auto name = platform::textIn(*entry, kBundleIDKey);
+        if (name == bundleID)
           ++entries.own;
         else
-          entries.foreign.push_back(name ? *name : "");
+          entries.foreign.push_back(name.value_or(""));
       }
     }
   }

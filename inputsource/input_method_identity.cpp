@@ -1,5 +1,6 @@
 #include "inputsource/tessal_installer.h"
 #include "platform/bundle.h"
+#include "platform/common/property_list_lookups.h"
 #include "platform/file_root.h"
 #include "platform/workspace.h"
 
@@ -44,9 +45,5 @@ std::optional<std::filesystem::path> TessalInstaller::otherSettingsApplication()
 
 std::optional<std::string> TessalInstaller::readInstalledBundleIdentifier() const {
   const auto info = installedInfo();
-  if (!info) return std::nullopt;
-  const auto entry = info->find("CFBundleIdentifier");
-  if (entry == info->end()) return std::nullopt;
-  const auto* identifier = entry->second.as<std::string>();
-  return identifier ? std::optional(*identifier) : std::nullopt;
+  return info ? platform::textIn(*info, "CFBundleIdentifier") : std::nullopt;
 }

@@ -2,7 +2,7 @@
 
 #include <system_error>
 
-#include "platform/linux/property_list_lookups.h"
+#include "platform/common/property_list_lookups.h"
 
 namespace platform {
 
@@ -39,7 +39,7 @@ fs::path bundleLocation() {
 std::optional<PropertyListValue> bundleInfoValue(const std::string& key) {
   const auto contents = contentsFolder();
   const auto info = contents ? readPropertyListDictionary(*contents / "Info.plist") : std::nullopt;
-  const auto* value = info ? linux_::valueIn(*info, key) : nullptr;
+  const auto* value = info ? valueIn(*info, key) : nullptr;
   return value ? std::optional(*value) : std::nullopt;
 }
 

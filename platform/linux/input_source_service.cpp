@@ -6,11 +6,11 @@
 #include <utility>
 
 #include "platform/bundle.h"
+#include "platform/common/property_list_lookups.h"
 #include "platform/linux/detached_process.h"
 #include "platform/linux/environment.h"
 #include "platform/linux/file_root_linux.h"
 #include "platform/linux/input_source_state.h"
-#include "platform/linux/property_list_lookups.h"
 #include "platform/linux/status.h"
 
 namespace platform::linux_ {
@@ -34,12 +34,8 @@ std::vector<InputSourceInfo> declaredSources(const PropertyListDictionary& info)
                   .value_or(textIn(info, "CFBundleName").value_or(*bundleId));
 
   std::vector<InputSourceInfo> sources{base};
-  const auto dictionaryIn = [](const PropertyListDictionary& outer, const char* key) {
-    const auto* value = valueIn(outer, key);
-    return value ? value->as<PropertyListDictionary>() : nullptr;
-  };
-  const auto* component = dictionaryIn(info, "ComponentInputModeDict");
-  const auto* modes = component ? dictionaryIn(*component, "tsInputModeListKey") : nullptr;
+  const auto* modes =
+      dictionaryIn(dictionaryIn(&info, "ComponentInputModeDict"), "tsInputModeListKey");
   for (const auto& [modeId, value] : modes ? *modes : PropertyListDictionary()) {
     const auto* declared = value.as<PropertyListDictionary>();
     if (!declared) continue;

@@ -5,9 +5,9 @@
 #include <memory>
 #include <utility>
 
+#include "platform/common/property_list_lookups.h"
 #include "platform/linux/file_root_linux.h"
 #include "platform/linux/property_list_file.h"
-#include "platform/linux/property_list_lookups.h"
 #include "platform/linux/status.h"
 
 namespace platform::linux_ {

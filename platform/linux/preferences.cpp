@@ -6,9 +6,9 @@
 #include <map>
 
 #include "platform/bundle.h"
+#include "platform/common/property_list_lookups.h"
 #include "platform/linux/file_root_linux.h"
 #include "platform/linux/property_list_file.h"
-#include "platform/linux/property_list_lookups.h"
 
 namespace platform {
 
@@ -43,7 +43,7 @@ std::optional<PropertyListValue> copyPreferencesValue(const std::string& key,
       return found->second;
   }
   const auto stored = readPropertyListDictionary(file);
-  const auto* value = stored ? linux_::valueIn(*stored, key) : nullptr;
+  const auto* value = stored ? valueIn(*stored, key) : nullptr;
   return value ? std::optional(*value) : std::nullopt;
 }
 

@@ -5,11 +5,11 @@
 #include <set>
 
 #include "platform/bundle.h"
+#include "platform/common/property_list_lookups.h"
 #include "platform/linux/detached_process.h"
 #include "platform/linux/file_root_linux.h"
 #include "platform/linux/input_source_service.h"
 #include "platform/linux/property_list_file.h"
-#include "platform/linux/property_list_lookups.h"
 #include "platform/linux/status.h"
 
 namespace platform {
@@ -26,13 +26,12 @@ fs::path registryFile() {
 
 std::optional<std::string> infoText(const fs::path& bundle, const std::string& key) {
   const auto info = readPropertyListDictionary(bundle / "Contents" / "Info.plist");
-  return info ? linux_::textIn(*info, key) : std::nullopt;
+  return info ? textIn(*info, key) : std::nullopt;
 }
 
 std::vector<fs::path> registeredBundles() {
   const auto registry = readPropertyListDictionary(registryFile());
-  const auto paths =
-      registry ? linux_::textsIn(*registry, kRegisteredKey) : std::vector<std::string>();
+  const auto paths = registry ? textsIn(*registry, kRegisteredKey) : std::vector<std::string>();
   return {paths.begin(), paths.end()};
 }
 
@@ -80,7 +79,7 @@ Status registerWithLaunchServices(const fs::path& bundle, bool /*inUpdate*/) {
       linux_::editPropertyListFile(registryFile(), [&](PropertyListDictionary& registry) {
         // Only the place is kept: a look-up reads what the bundle says then, so
         // an update has nothing to add.
-        const auto known = linux_::textsIn(registry, kRegisteredKey);
+        const auto known = textsIn(registry, kRegisteredKey);
         std::set<std::string> paths(known.begin(), known.end());
         paths.insert(bundle.string());
         registry[kRegisteredKey] = PropertyListArray(paths.begin(), paths.end());

@@ -8,7 +8,7 @@
 
 #include "platform/property_list.h"
 
-namespace platform::linux_ {
+namespace platform {
 
 /// The value under `key`; null if there is none. The dictionary owns it.
 inline const PropertyListValue* valueIn(const PropertyListDictionary& dictionary,
@@ -25,6 +25,14 @@ inline std::optional<std::string> textIn(const PropertyListDictionary& dictionar
   return text ? std::optional(*text) : std::nullopt;
 }
 
+/// The dictionary under `key`; null if there is none or it is another kind, and if
+/// `dictionary` is null. The outer one owns it.
+inline const PropertyListDictionary* dictionaryIn(const PropertyListDictionary* dictionary,
+                                                  const std::string& key) {
+  const auto* value = dictionary ? valueIn(*dictionary, key) : nullptr;
+  return value ? value->as<PropertyListDictionary>() : nullptr;
+}
+
 /// The strings of the array under `key`, in its order; other kinds are skipped.
 inline std::vector<std::string> textsIn(const PropertyListDictionary& dictionary,
                                         const std::string& key) {
@@ -38,4 +46,4 @@ inline std::vector<std::string> textsIn(const PropertyListDictionary& dictionary
   return texts;
 }
 
-}  // namespace platform::linux_
+}  // namespace platform
