@@ -1,9 +1,8 @@
 #include "cli/diagnosis.h"
 
 #include <algorithm>
-#include <array>
 
-#include "inputsource/tessal_installer.h"
+#include "cli/installed_bundles.h"
 #include "platform/admin_rights.h"
 #include "platform/file_root.h"
 
@@ -29,12 +28,9 @@ bool isHealthy(const Findings& findings) {
 }
 
 void checkLeftovers(Findings& findings) {
-  const fs::path inputMethods = TessalInstaller::appDir().parent_path();
-  const std::array<fs::path, 3> bundles = {TessalInstaller::appDir(), "/Applications/Sondrel.app",
-                                           "/Applications/Cogwen.app"};
   std::string left;
   std::string damaged;
-  for (const fs::path& bundle : bundles) {
+  for (const fs::path& bundle : installedBundles()) {
     const fs::path folder = platform::onDisk(bundle.parent_path());
     std::error_code error;
     for (fs::directory_iterator entry(folder, error), end; !error && entry != end;

@@ -1,10 +1,10 @@
-#include <array>
 #include <iostream>
 #include <string>
 #include <vector>
 
 #include "cli/activation_stamp.h"
 #include "cli/commands.h"
+#include "cli/installed_bundles.h"
 #include "inputsource/tessal_installer.h"
 #include "installer/authorisation.h"
 #include "installer/content_view.h"
@@ -21,12 +21,6 @@ namespace fs = std::filesystem;
 /// Written by the uninstallation script, and by this program.
 constexpr const char* kScriptLogPath = "/tmp/tessal_uninstaller.log";
 constexpr const char* kUILogPathOfUninstaller = "/tmp/tessal_uninstaller_ui.log";
-
-const std::array<fs::path, 3>& bundles() {
-  static const std::array<fs::path, 3> paths = {
-      TessalInstaller::appDir(), "/Applications/Sondrel.app", "/Applications/Cogwen.app"};
-  return paths;
-}
 
 /// Where the input method keeps the user's dictionary and settings.
 std::vector<fs::path> userFiles() {
@@ -80,7 +74,7 @@ class Uninstallation {
  private:
   /// A bundle, or what a killed run has left of one.
   static bool isAnythingOnDisk() {
-    for (const fs::path& bundle : bundles()) {
+    for (const fs::path& bundle : installedBundles()) {
       const fs::path place = platform::onDisk(bundle);
       const std::string hidden = std::string(".").append(place.filename().string());
       for (const fs::path& path : {place, place.parent_path() / (hidden + ".staging"),
@@ -102,7 +96,7 @@ class Uninstallation {
       return fail("移除失败：" + error->message.value_or(""));
     }
     output_.progress(0.8);
-    for (const fs::path& bundle : bundles())
+    for (const fs::path& bundle : installedBundles())
       if (std::error_code ignored; fs::exists(platform::onDisk(bundle), ignored))
         say("保留了 " + platform::onDisk(bundle).string() + "：它不是这个安装器装的");
     if (TessalInstaller().isInstalled()) return fail("输入法没有移除");
