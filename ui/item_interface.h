@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QAccessibleObject>
+#include <QLatin1String>
 #include <QQuickItem>
 
 /// An item without items of its own. Where it lies; what it is, the class below says.
@@ -28,3 +29,14 @@ class ItemInterface : public QAccessibleObject, public QAccessibleActionInterfac
  protected:
   QQuickItem& item() const { return *static_cast<QQuickItem*>(object()); }
 };
+
+/// Has assistive tools told of each object of this class by this interface.
+template <class Interface, class Object>
+void installInterface() {
+  QAccessible::installFactory(
+      [](const QString& className, QObject* object) -> QAccessibleInterface* {
+        if (className != QLatin1String(Object::staticMetaObject.className())) return nullptr;
+        auto* const described = qobject_cast<Object*>(object);
+        return described ? new Interface(described) : nullptr;  // the toolkit owns it
+      });
+}

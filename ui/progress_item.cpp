@@ -1,7 +1,6 @@
 #include "ui/progress_item.h"
 
 #include <QAccessible>
-#include <QLatin1String>
 #include <QVariant>
 
 #include "ui/item_interface.h"
@@ -42,12 +41,6 @@ class ProgressInterface : public ItemInterface, public QAccessibleValueInterface
   const ProgressItem& progress() const { return *static_cast<const ProgressItem*>(object()); }
 };
 
-QAccessibleInterface* makeInterface(const QString& className, QObject* object) {
-  if (className != QLatin1String("ProgressItem")) return nullptr;
-  auto* const item = qobject_cast<ProgressItem*>(object);
-  return item ? new ProgressInterface(item) : nullptr;  // the toolkit owns it
-}
-
 }  // namespace
 
 void ProgressItem::setValue(double value) {
@@ -60,5 +53,5 @@ void ProgressItem::setValue(double value) {
 }
 
 void ProgressItem::installAccessibility() {
-  QAccessible::installFactory(makeInterface);
+  installInterface<ProgressInterface, ProgressItem>();
 }

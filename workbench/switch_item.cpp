@@ -42,12 +42,6 @@ class SwitchInterface : public ItemInterface {
   SwitchItem& toggle() const { return *static_cast<SwitchItem*>(object()); }
 };
 
-QAccessibleInterface* makeInterface(const QString& className, QObject* object) {
-  if (className != QLatin1String("SwitchItem")) return nullptr;
-  auto* const item = qobject_cast<SwitchItem*>(object);
-  return item ? new SwitchInterface(item) : nullptr;  // the toolkit owns it
-}
-
 }  // namespace
 
 void SwitchItem::setOn(bool on) {
@@ -62,5 +56,5 @@ void SwitchItem::setOn(bool on) {
 }
 
 void SwitchItem::installAccessibility() {
-  QAccessible::installFactory(makeInterface);
+  installInterface<SwitchInterface, SwitchItem>();
 }
