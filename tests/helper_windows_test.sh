@@ -21,7 +21,8 @@ start() { # start TITLE PROGRAM [ARGUMENT...]: until its window has the focus
   title=$1 program=$helpers/$2
   shift 2
   "$program" "$@" >"$work/out" 2>"$work/err" & running=$!
-  window=$(window_of --name "^$title\$") &&
+  # A window of that name may still be there from a program that has just ended.
+  window=$(window_of --all --pid "$running" --name "^$title\$") &&
     xdotool windowactivate --sync "$window" || fail "no window $title"
 }
 click() { xdotool mousemove --window "$window" "$1" "$2" sleep 0.5 click 1; }
@@ -45,12 +46,12 @@ for _ in 1 2 3 4 5 6; do
   since=$(milliseconds) window=
   until [ -n "$window" ] || [ $(($(milliseconds) - since)) -gt 5000 ]; do
     before=$(milliseconds)
-    window=$(xdotool search --onlyvisible --name "^$(basename "$app" .app)\$")
+    window=$(xdotool search --onlyvisible --pid "$running" 2>/dev/null)
   done
   xdotool mousemove --window "$window" 80 290 click 1
   took=$(($(milliseconds) - before))
   sleep 0.5
-  if kill "$running" 2>/dev/null; then break; fi
+  if kill "$running" 2>/dev/null; then wait "$running" 2>/dev/null; break; fi
   [ $took -gt 400 ] || { fail "pressed as it appeared"; break; }
 done
 for keys in Escape alt+F4 "Tab space"; do
