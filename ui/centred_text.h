@@ -1,12 +1,13 @@
 #pragma once
 
+#include <QtQmlIntegration/qqmlintegration.h>
+
 #include <QColor>
 #include <QFont>
 #include <QQuickPaintedItem>
 #include <QString>
 #include <QStringList>
 #include <QTextLayout>
-#include <QtQmlIntegration>
 #include <memory>
 #include <vector>
 

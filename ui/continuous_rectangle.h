@@ -1,9 +1,10 @@
 #pragma once
 
+#include <QtQmlIntegration/qqmlintegration.h>
+
 #include <QColor>
 #include <QPainterPath>
 #include <QQuickPaintedItem>
-#include <QtQmlIntegration>
 
 /// The outline of a rectangle with continuous corners.
 QPainterPath continuousPath(const QRectF& rect, double radius);

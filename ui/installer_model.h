@@ -1,8 +1,9 @@
 #pragma once
 
+#include <QtQmlIntegration/qqmlintegration.h>
+
 #include <QObject>
 #include <QString>
-#include <QtQmlIntegration>
 #include <array>
 #include <memory>
 #include <optional>

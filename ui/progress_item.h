@@ -1,7 +1,8 @@
 #pragma once
 
+#include <QtQmlIntegration/qqmlintegration.h>
+
 #include <QQuickItem>
-#include <QtQmlIntegration>
 
 /// An item that tells assistive tools the progress of something. The toolkit has
 /// no item for that. It draws nothing.

@@ -1,8 +1,9 @@
 #pragma once
 
+#include <QtQmlIntegration/qqmlintegration.h>
+
 #include <QColor>
 #include <QQuickPaintedItem>
-#include <QtQmlIntegration>
 
 /// The blurred shadow of a rectangle with continuous corners that lies `extent`
 /// inside this item on each side.

@@ -1,10 +1,11 @@
 #pragma once
 
+#include <QtQmlIntegration/qqmlintegration.h>
+
 #include <QColor>
 #include <QImage>
 #include <QQuickPaintedItem>
 #include <QString>
-#include <QtQmlIntegration>
 
 #include "platform/pictures.h"
 

@@ -1,8 +1,9 @@
 #pragma once
 
+#include <QtQmlIntegration/qqmlintegration.h>
+
 #include <QObject>
 #include <QString>
-#include <QtQmlIntegration>
 
 /// What the consent window asks, and the user's answer to it.
 class ConsentQuestion : public QObject {

@@ -1,9 +1,10 @@
 #pragma once
 
+#include <QtQmlIntegration/qqmlintegration.h>
+
 #include <QObject>
 #include <QString>
 #include <QVariantList>
-#include <QtQmlIntegration>
 #include <memory>
 
 #include "platform/linux/input_source_service.h"

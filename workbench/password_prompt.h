@@ -1,9 +1,10 @@
 #pragma once
 
+#include <QtQmlIntegration/qqmlintegration.h>
+
 #include <QObject>
 #include <QQuickItem>
 #include <QString>
-#include <QtQmlIntegration>
 
 /// What the password window shows, and the user's answer to it.
 class PasswordPrompt : public QObject {

@@ -1,8 +1,9 @@
 #pragma once
 
+#include <QtQmlIntegration/qqmlintegration.h>
+
 #include <QQuickItem>
 #include <QString>
-#include <QtQmlIntegration>
 
 /// An item that assistive tools know as a switch, and as disabled when it is. Of its
 /// own items the toolkit does not tell them that. It draws nothing.
