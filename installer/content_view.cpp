@@ -2,7 +2,8 @@
 
 ContentView::ContentView() = default;
 ContentView::~ContentView() {
-  if (const auto tail = tail_.lock()) tail->terminate();
+  for (const auto& tail : tails_)
+    if (const auto running = tail.lock()) running->terminate();
 }
 
 std::shared_ptr<ContentView> ContentView::create() {

@@ -130,8 +130,8 @@ class ContentView : public std::enable_shared_from_this<ContentView> {
   void registerForActivationIfNeeded(std::string_view logSuffix);
   void refreshTextInputAgentsOnce();
 
-  /// The follower of the install log; it must not outlive the view.
-  std::weak_ptr<platform::ChildProcess> tail_;
+  /// The followers of the install log, one a run; they must not outlive the view.
+  std::vector<std::weak_ptr<platform::ChildProcess>> tails_;
   platform::Observation waitingEnableWatch_;
   platform::Observation exitConfirmObserver_;
 };

@@ -127,7 +127,7 @@ std::shared_ptr<platform::ChildProcess> ContentView::startFollowingInstallLog() 
   };
   const auto follower = std::make_shared<Follower>(backlog, arguments, handle);
   std::shared_ptr<platform::ChildProcess> tail(follower, &follower->tail);
-  tail_ = tail;
+  tails_.push_back(tail);
   if (const auto problem = tail->launch()) appendUILog("无法启动日志跟踪: " + *problem + "\n");
   return tail;
 }

@@ -304,9 +304,7 @@ void World::closeWindow() {
   const std::weak_ptr<ContentView> gone = view_;
   view_.reset();
   require(gone.expired(), "nothing keeps the view");
-  // The follower of an older run, whose script still goes on, ends with that script.
-  require(platform_.runningChildren < std::max(1, int(platform_.workerBlocks.size())),
-          "the follower ends with the view");
+  require(platform_.runningChildren == 0, "the followers end with the view");
   require(platform_.liveTimers() == 0 && platform_.liveObservers == 0, "nothing watches any more");
   platform_.takeJournal();
   if (platform_.outputHandler) platform_.outputHandler("finish");
