@@ -1,7 +1,5 @@
 // The state, the logs, the privileged run and the progress from its log.
 
-#include <sys/stat.h>
-
 #include <atomic>
 #include <thread>
 
@@ -81,33 +79,6 @@ TEST_F(InstallationTest, LongTextIsCheckedToItsEnd) {
     EXPECT_FALSE(isUtf8(lead + "\xe5\xae"));
     EXPECT_FALSE(isUtf8("安\n" + lead + "\x89" + lead));
   }
-}
-
-TEST_F(InstallationTest, LogsAreNoWayToAnotherFile) {
-  // What somebody may have put in a log's place, beside the user's own file.
-  namespace fs = std::filesystem;
-  const fs::path own = platform.root / "tmp/own";
-  const std::vector<std::pair<const char*, std::function<void(const fs::path&)>>> plants = {
-      {"link", [&](const fs::path& log) { fs::create_symlink(own, log); }},
-      {"link to nothing", [&](const fs::path& log) { fs::create_symlink("nothing", log); }},
-      {"second name", [&](const fs::path& log) { fs::create_hard_link(own, log); }},
-      {"pipe", [](const fs::path& log) { ASSERT_EQ(::mkfifo(log.c_str(), 0600), 0); }},
-      {"folder", [](const fs::path& log) { fs::create_directories(log / "kept"); }},
-  };
-  for (const auto& [name, plant] : plants) {
-    platform.putFile("/tmp/own", "mine");
-    for (const char* log : {"tessal_installer.log", "tessal_installer_ui.log"}) {
-      fs::remove_all(platform.root / "tmp" / log);
-      plant(platform.root / "tmp" / log);
-    }
-    view->userPressedInstall();
-    view->appendUILog("entry\n");
-    EXPECT_EQ(platform.readFile("/tmp/own"), "mine") << name;
-    EXPECT_FALSE(fs::exists(platform.root / "tmp/nothing")) << name;
-    EXPECT_EQ(status(), InstallationStatus::installing) << name;
-    EXPECT_TRUE(logText().ends_with("entry\n")) << name;
-  }
-  EXPECT_TRUE(fs::exists(platform.root / "tmp/tessal_installer_ui.log/kept"));
 }
 
 TEST_F(InstallationTest, FirstMarkerInTableOrderDecides) {

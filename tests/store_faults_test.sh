@@ -132,8 +132,9 @@ row() { # NAME SETUP STATUS ERROR LOG AFTERWARDS
 
 sed 's/^ *#.*//; /^ *$/d' <<'ROWS' >"$work/rows"
 # The logs
-log is a folder      | logs 'mkdir $log'                     | 3 | - | - | usable
+log is a folder      | logs 'mkdir $log; mv $own $log/kept'  | 3 | - | - | usable && [ -s $ui_log/kept ]
 log is a link        | logs 'ln -s $own $log'                | 3 | - | - | usable && mine
+log is a broken link | logs 'ln -s $root/none $log'          | 3 | - | - | usable && [ ! -e $root/none ]
 log is a second name | logs 'ln $own $log'                   | 3 | - | - | usable && mine
 log is a pipe        | logs 'mkfifo $log'                    | 3 | - | - | usable && [ -p $log ]
 no place for logs    | : >$root/tmp                          | 64 | - | - | [ -f $root/tmp ]

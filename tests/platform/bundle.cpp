@@ -13,9 +13,7 @@ std::filesystem::path bundleLocation() {
   return "/Volumes/Orvane/Orvane Installer.app";
 }
 std::optional<PropertyListValue> bundleInfoValue(const std::string& key) {
-  const auto found = test::active->info.find(key);
-  if (found == test::active->info.end()) return std::nullopt;
-  return found->second;
+  return test::valueIn(test::active->info, key);
 }
 
 }  // namespace platform

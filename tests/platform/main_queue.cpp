@@ -75,18 +75,11 @@ std::shared_ptr<Scheduled> schedule(Seconds delay, bool repeats, Block block) {
   return entry;
 }
 
-class VirtualWorkItem : public WorkItem {
+/// A handle of either kind; without it the entry expires.
+class Handle : public WorkItem, public Timer {
  public:
-  explicit VirtualWorkItem(std::shared_ptr<Scheduled> entry) : entry_(std::move(entry)) {}
+  explicit Handle(std::shared_ptr<Scheduled> entry) : entry_(std::move(entry)) {}
   void cancel() override { entry_.reset(); }
-
- private:
-  std::shared_ptr<Scheduled> entry_;
-};
-
-class VirtualTimer : public Timer {
- public:
-  explicit VirtualTimer(std::shared_ptr<Scheduled> entry) : entry_(std::move(entry)) {}
 
  private:
   std::shared_ptr<Scheduled> entry_;
@@ -101,10 +94,10 @@ void asyncOnMainAfter(Seconds delay, Block block) {
   test::active->unowned.push_back(schedule(delay, false, std::move(block)));
 }
 std::unique_ptr<WorkItem> scheduleWorkItem(Seconds delay, Block block) {
-  return std::make_unique<VirtualWorkItem>(schedule(delay, false, std::move(block)));
+  return std::make_unique<Handle>(schedule(delay, false, std::move(block)));
 }
 std::unique_ptr<Timer> scheduleTimer(Seconds interval, Block block) {
-  return std::make_unique<VirtualTimer>(schedule(interval, true, std::move(block)));
+  return std::make_unique<Handle>(schedule(interval, true, std::move(block)));
 }
 WallClock::time_point now() {
   return WallClock::time_point(

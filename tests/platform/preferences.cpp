@@ -17,9 +17,7 @@ std::optional<PropertyListValue> copyPreferencesValue(const std::string& key,
                                                       const std::string& application,
                                                       PreferencesUser user, PreferencesHost host) {
   if (application != "com.apple.HIToolbox" || !isOwn(user, host)) return std::nullopt;
-  const auto found = test::active->preferences.find(key);
-  if (found == test::active->preferences.end()) return std::nullopt;
-  return found->second;
+  return test::valueIn(test::active->preferences, key);
 }
 void setPreferencesValue(const std::string& key, const std::optional<PropertyListValue>& value,
                          const std::string& application, PreferencesUser user,

@@ -6,9 +6,7 @@ namespace platform {
 
 std::optional<PropertyListDictionary> readPropertyListDictionary(
     const std::filesystem::path& file) {
-  const auto found = test::active->propertyLists.find(file);
-  if (found == test::active->propertyLists.end()) return std::nullopt;
-  return found->second;
+  return test::valueIn(test::active->propertyLists, file);
 }
 
 }  // namespace platform

@@ -145,4 +145,12 @@ extern Platform* active;
 /// Adds a line to its journal.
 void note(const std::string& line);
 
+/// A copy of what stands under the key; absent if nothing does.
+template <class Map>
+std::optional<typename Map::mapped_type> valueIn(const Map& map,
+                                                 const typename Map::key_type& key) {
+  const auto found = map.find(key);
+  return found != map.end() ? std::optional(found->second) : std::nullopt;
+}
+
 }  // namespace test

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "inputsource/source_properties.h"
 #include "tests/identifiers.h"
 #include "tests/platform/test_platform.h"
 
@@ -9,43 +10,14 @@ namespace platform {
 
 namespace {
 
-std::string text(const InputSource& source, InputSourceProperty property) {
-  const auto found = source->properties.find(property);
-  const auto* value = found == source->properties.end() ? nullptr : found->second.as<std::string>();
-  return value ? *value : "?";
-}
-
 Status act(const std::string& call, const InputSource& source) {
-  test::note(call + " " + text(source, InputSourceProperty::inputSourceID));
+  test::note(call + " " + getString(source, InputSourceProperty::inputSourceID).value_or("?"));
   auto& answers = test::active->statuses[call];
   if (answers.empty()) return kNoError;
   const Status status = answers.front();
   answers.erase(answers.begin());
   return status;
 }
-
-bool isEnabled(const InputSourceObject& source) {
-  const auto found = source.properties.find(InputSourceProperty::isEnabled);
-  return found != source.properties.end() && found->second == PropertyListValue(true);
-}
-
-/// Its beginning and its end stand in the journal.
-struct NotedObservation {
-  explicit NotedObservation(Block block)
-      : observation(test::active->enabledSourcesObservers.add(std::move(block))) {
-    test::note("observe");
-    ++test::active->liveObservers;
-  }
-  ~NotedObservation() {
-    if (!test::active) return;
-    test::note("stop observing");
-    --test::active->liveObservers;
-  }
-  NotedObservation(const NotedObservation&) = delete;
-  NotedObservation& operator=(const NotedObservation&) = delete;
-
-  Observation observation;
-};
 
 }  // namespace
 
@@ -55,20 +27,16 @@ std::optional<std::vector<InputSource>> createInputSourceList(
   if (test::active->answersNoList) return std::nullopt;
   std::vector<InputSource> list;
   for (const auto& source : test::active->sources) {
-    if (!includeAllInstalled && (test::active->listsNoEnabled || !isEnabled(*source))) continue;
-    if (filter) {
-      const auto found = source->properties.find(filter->property);
-      if (found == source->properties.end() || found->second != filter->value) continue;
-    }
+    const bool isEnabled = getBool(source, InputSourceProperty::isEnabled) == true;
+    if (!includeAllInstalled && (test::active->listsNoEnabled || !isEnabled)) continue;
+    if (filter && test::valueIn(source->properties, filter->property) != filter->value) continue;
     list.push_back(source);
   }
   return list;
 }
 std::optional<PropertyListValue> getInputSourceProperty(const InputSource& source,
                                                         InputSourceProperty property) {
-  const auto found = source->properties.find(property);
-  if (found == source->properties.end()) return std::nullopt;
-  return found->second;
+  return test::valueIn(source->properties, property);
 }
 InputSource copyCurrentKeyboardInputSource() {
   if (test::active->beforeLookup) test::active->beforeLookup(nullptr);
@@ -92,8 +60,16 @@ Status selectInputSource(const InputSource& source) {
 Status deselectInputSource(const InputSource& source) {
   return act("deselect", source);
 }
+// Its beginning and its end stand in the journal.
 Observation observeEnabledInputSourcesChanged(Block block) {
-  return std::make_shared<NotedObservation>(std::move(block));
+  auto inner = test::active->enabledSourcesObservers.add(std::move(block));
+  test::note("observe");
+  ++test::active->liveObservers;
+  return {inner.get(), [inner](void*) {
+            if (!test::active) return;
+            test::note("stop observing");
+            --test::active->liveObservers;
+          }};
 }
 
 }  // namespace platform

@@ -25,9 +25,7 @@ void openApplication(const std::filesystem::path& bundle) {
   test::note("open application " + bundle.lexically_relative(test::active->root).string());
 }
 std::optional<std::filesystem::path> findApplication(const std::string& bundleIdentifier) {
-  const auto found = test::active->applications.find(bundleIdentifier);
-  if (found == test::active->applications.end()) return std::nullopt;
-  return found->second;
+  return test::valueIn(test::active->applications, bundleIdentifier);
 }
 
 }  // namespace platform

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <string_view>
 
+#include "inputsource/source_properties.h"
 #include "tests/identifiers.h"
 
 namespace simulation {
@@ -18,13 +19,10 @@ bool isOver(const Status& status) {
   return status.is(Status::success) || status.is(Status::failed);
 }
 
-bool isMode(const platform::InputSourceObject& source) {
+bool isMode(const platform::InputSource& source) {
   using Property = platform::InputSourceProperty;
-  for (const auto key : {Property::inputModeID, Property::inputSourceID})
-    if (const auto found = source.properties.find(key);
-        found != source.properties.end() && found->second == platform::PropertyListValue(kPinyin))
-      return true;
-  return false;
+  return getString(source, Property::inputModeID) == kPinyin ||
+         getString(source, Property::inputSourceID) == kPinyin;
 }
 
 int count(std::string_view text, std::string_view part) {
@@ -235,7 +233,7 @@ void Invariants::checkStatus() {
     case Status::success: {
       require(isInTable, change);
       require(!isStillInstalling && view_.installProgress == 1.0, change + " ends the run");
-      require(isOverwrite_ || (platform_.current && isMode(*platform_.current)),
+      require(isOverwrite_ || (platform_.current && isMode(platform_.current)),
               change + " needs the mode selected");
       require(run_.menuRestarts == 1 && run_.switcherRestarts == 1, change + " restarts agents");
       require(run_.settings == (run_.paths > 0 && !run_.wasBundleThere ? 1 : 0),

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 
+#include "inputsource/source_properties.h"
 #include "tests/identifiers.h"
 
 namespace simulation {
@@ -31,13 +32,6 @@ constexpr std::array kPhrases = {
     "Finish",
     "宋",
 };
-
-/// Empty if there is none.
-std::string textOf(const platform::InputSourceObject& source, Property key) {
-  const auto found = source.properties.find(key);
-  const auto* text = found == source.properties.end() ? nullptr : found->second.as<std::string>();
-  return text ? *text : "";
-}
 
 }  // namespace
 
@@ -103,11 +97,10 @@ void World::check() {
 }
 
 bool World::isBaseListedAsEnabled() const {
-  return !platform_.answersNoList &&
-         std::any_of(platform_.sources.begin(), platform_.sources.end(), [](const auto& source) {
-           return textOf(*source, Property::inputSourceID) == kBase &&
-                  source->properties.at(Property::isEnabled) == platform::PropertyListValue(true);
-         });
+  return !platform_.answersNoList && std::ranges::any_of(platform_.sources, [](const auto& source) {
+    return getString(source, Property::inputSourceID) == kBase &&
+           getBool(source, Property::isEnabled) == true;
+  });
 }
 
 void World::apply(const Event& event) {
@@ -221,60 +214,38 @@ void World::endScript(int value) {
 }
 
 void World::change(int value) {
+  auto& sources = platform_.sources;
+  const auto enable = [&](bool isEnabled) {
+    for (const auto& source : {base_, mode_}) source->properties[Property::isEnabled] = isEnabled;
+  };
   const auto flip = [](const auto& source, Property key) {
     auto& flag = source->properties[key];
     flag = flag == platform::PropertyListValue(false);
   };
-  auto& sources = platform_.sources;
   const auto toggle = [&](const auto& source) {
     if (std::erase(sources, source) == 0) sources.push_back(source);
   };
-  switch (value) {
-    case 0:
-    case 1:
-      base_->properties[Property::isEnabled] = mode_->properties[Property::isEnabled] = true;
-      break;
-    case 2:
-      base_->properties[Property::isEnabled] = mode_->properties[Property::isEnabled] = false;
-      break;
-    case 3:
-      flip(base_, Property::isEnabled);
-      break;
-    case 4:
-      flip(mode_, Property::isEnabled);
-      break;
-    case 5:
-      flip(mode_, Property::isSelectCapable);
-      break;
-    case 6:
-      platform_.current = mode_;
-      break;
-    case 7:
-      platform_.current = base_;
-      break;
-    case 8:
-      platform_.current = nullptr;
-      break;
-    case 9:
-    case 10:
-      platform_.appliesSelect = !platform_.appliesSelect;
-      break;
-    case 11:
-      platform_.answersNoList = !platform_.answersNoList;
-      break;
-    case 12:
-      toggle(base_);
-      break;
-    case 13:
-      toggle(mode_);
-      break;
-    case 14:
-      std::reverse(sources.begin(), sources.end());
-      break;
-    default:  // found by its mode identifier alone
-      mode_->properties[Property::inputModeID] = kPinyin;
-      mode_->properties[Property::inputSourceID] = kPinyin + ".other";
-  }
+  const std::array<std::function<void()>, 16> changes = {
+      [&] { enable(true); },
+      [&] { enable(true); },
+      [&] { enable(false); },
+      [&] { flip(base_, Property::isEnabled); },
+      [&] { flip(mode_, Property::isEnabled); },
+      [&] { flip(mode_, Property::isSelectCapable); },
+      [&] { platform_.current = mode_; },
+      [&] { platform_.current = base_; },
+      [&] { platform_.current = nullptr; },
+      [&] { platform_.appliesSelect = !platform_.appliesSelect; },
+      [&] { platform_.appliesSelect = !platform_.appliesSelect; },
+      [&] { platform_.answersNoList = !platform_.answersNoList; },
+      [&] { toggle(base_); },
+      [&] { toggle(mode_); },
+      [&] { std::ranges::reverse(sources); },
+      [&] {  // found by its mode identifier alone
+        mode_->properties[Property::inputModeID] = kPinyin;
+        mode_->properties[Property::inputSourceID] = kPinyin + ".other";
+      }};
+  changes.at(std::size_t(value))();
 }
 
 void World::end() {
