@@ -1,14 +1,12 @@
 """What assistive tools are told of every screen, asked as they ask: over AT-SPI.
-usage: accessibility_test.py APP_BUNDLE   On a display, in a D-Bus session, under a
-window manager."""
+usage: accessibility_test.py APP_BUNDLE FOLDER   On a display, in a D-Bus session, under
+a window manager. The caller removes the folder and ends the agents that run below it."""
 
 import contextlib
 import os
 import shutil
-import signal
 import subprocess
 import sys
-import tempfile
 import time
 import warnings
 
@@ -21,8 +19,7 @@ from gi.repository import Atspi, GLib  # noqa: E402
 
 BASE = "com.tessal.inputmethod.Orvane"
 LONGEST_WAIT = 30  # seconds
-bundle = sys.argv[1]
-work = tempfile.mkdtemp()
+bundle, work = sys.argv[1:]
 root = work + "/root"
 failures = 0
 focused = []  # (role, name, description) of what got the focus, as it was announced
@@ -109,31 +106,19 @@ def press(node):
     Atspi.Action.do_action(node, names.index("Press"))
 
 
-def start(*command, **environment):
-    return subprocess.Popen(
+@contextlib.contextmanager
+def running(*command, **environment):
+    process = subprocess.Popen(
         command,
         env={**os.environ, "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1", **environment},
         stdout=subprocess.DEVNULL,
         stderr=subprocess.DEVNULL,
     )
-
-
-@contextlib.contextmanager
-def running(*command, **environment):
-    process = start(*command, **environment)
     try:
         yield process
     finally:
         process.terminate()
         process.wait(LONGEST_WAIT)
-
-
-def end_agents():
-    for pid in filter(str.isdigit, os.listdir("/proc")):
-        with contextlib.suppress(OSError):
-            command = open(f"/proc/{pid}/cmdline", "rb").read().replace(b"\0", b" ").decode()
-            if "input-source-agent" in command and work in command:
-                os.kill(int(pid), signal.SIGTERM)
 
 
 def on_event(event):
@@ -224,12 +209,8 @@ def password_window():
 
 listener = Atspi.EventListener.new(on_event)
 listener.register("object:state-changed:focused")
-try:
-    first_screens()
-    whole_installation()
-    password_window()
-finally:
-    end_agents()
-    shutil.rmtree(work, ignore_errors=True)
+first_screens()
+whole_installation()
+password_window()
 if failures:
     sys.exit(f"{failures} failed")

@@ -10,8 +10,11 @@ if [ "${1:-}" != --inside ]; then
   on_display 1280x1024 "$0" --inside "$1"
 fi
 
+use_bundle "$2"
 manager=
-trap 'kill $manager 2>/dev/null' EXIT
-trap 'exit 1' HUP INT TERM
+clean_up() {
+  kill $manager 2>/dev/null
+  end_agents
+}
 start_window_manager
-timeout 100 dbus-run-session -- /usr/bin/python3 "$(dirname "$0")/accessibility_test.py" "$2"
+timeout 100 dbus-run-session -- /usr/bin/python3 "$(dirname "$0")/accessibility_test.py" "$app" "$work"

@@ -4,18 +4,11 @@
 set -u
 . "$(dirname "$0")/support.sh"
 
-app=$(realpath "$1")
-base=com.tessal.inputmethod.Orvane
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-trap 'exit 1' HUP INT TERM
-unset DISPLAY WAYLAND_DISPLAY TESSAL_INSTALLER_WRITE_HITOOLBOX_DEFAULTS
-SUDO_ASKPASS=/bin/true
-export SUDO_ASKPASS
+use_bundle "$1"
+unset DISPLAY WAYLAND_DISPLAY
+export SUDO_ASKPASS=/bin/true
 
-root=$work/root
 orvane() { timeout 60 "$app/Contents/MacOS/orvane-install" --root "$root" "$@" >"$work/out" 2>"$work/err"; }
-sources() { "$app/Contents/Helpers/input-sources" --root "$root" "$@"; }
 says() { grep -q -- "$2" "$work/out" "$work/err" || fail "$1: nothing said of \"$2\": $(cat "$work/out" "$work/err")"; }
 status_of() { # status_of EXPECTED COMMAND...
   expected=$1
@@ -26,13 +19,15 @@ status_of() { # status_of EXPECTED COMMAND...
 start_from() { rm -rf "$root" && cp -R "$work/$1" "$root"; }
 picture() { (cd "$1" && find . -type d -name tmp -prune -o -printf '%p %m %T@ %s %l\n' | sort); }
 installed_plist="$root/Library/Input Methods/Orvane.app/Contents/Info.plist"
-preferences() { find "${1:-$root/user}" -path '*ByHost/com.apple.HIToolbox*'; }
-# listed KEY [HOME]: what the entries of one list name, in their order.
-listed() {
-  python3 - "$(preferences "${2:-}")" "$1" <<'PYTHON'
+preferences() { find "$root/user" -path '*ByHost/com.apple.HIToolbox*'; }
+# expect_listed TEXT: what the entries of each list name, in their order.
+expect_listed() {
+  python3 - "$(preferences)" "$1" <<'PYTHON' || fail "the lists of the preferences"
 import plistlib, sys
-for entry in plistlib.load(open(sys.argv[1], "rb"))[sys.argv[2]]:
-    print(entry if isinstance(entry, str) else entry.get("Input Mode", entry.get("Bundle ID")), end=" ")
+lists = plistlib.load(open(sys.argv[1], "rb"))
+for key in "AppleEnabledInputSources", "AppleSelectedInputSources", "AppleInputSourceHistory":
+    names = [entry if isinstance(entry, str) else entry.get("Input Mode", entry.get("Bundle ID")) for entry in lists[key]]
+    assert " ".join(names) == sys.argv[2], (key, names)
 PYTHON
 }
 # Puts neighbours around our entries, and one base entry more.
@@ -55,7 +50,8 @@ for command in "" install activate doctor uninstall; do
   # shellcheck disable=SC2086
   orvane $command --help && orvane $command --version || fail "help or version of \"$command\""
 done
-for arguments in "doctor --no-wait" "--no-wait doctor" "uninstall --json" "--json uninstall" "doctor extra" "instal"; do
+for arguments in "doctor --no-wait" "--no-wait doctor" "uninstall --json" "--json uninstall" "doctor extra" "instal" \
+  "--bogus" "--root"; do
   # shellcheck disable=SC2086
   orvane $arguments
   expect "status of $arguments" $? 64
@@ -108,6 +104,7 @@ SUDO_ASKPASS=/bin/true
 echo "a sound installation"
 sources allow $base && sources select $base.pinyin
 TESSAL_INSTALLER_WRITE_HITOOLBOX_DEFAULTS=1 orvane && orvane activate
+expect_listed $base.pinyin
 chmod 600 "$root/tmp/tessal_installer.log" # as another user's may be
 cp -a "$root" "$work/sound"
 picture "$root" >"$work/before"
@@ -120,44 +117,39 @@ SUDO_ASKPASS=/bin/true
 says "no way to ask for a password" '无法取得管理员权限'
 status_of 0 doctor --machine
 
-# broken CHECK TEXT: the only check that fails.
+# broken CHECKS TEXT SET-UP: the checks that fail after it, and what one of them says.
 broken() {
-  status_of 1 doctor --json
-  found=$(python3 -c 'import json, sys
-for line in open(sys.argv[1]):
-    event = json.loads(line)
-    if event.get("level") == "fail": print(event["check"], event["text"], "|", event["next"])' "$work/out")
-  case $found in
-    "$1 "*"$2"*" | "?*) expect "failing checks" "$(printf '%s\n' "$found" | wc -l)" 1 ;;
-    *) fail "expected $1 with \"$2\", got: $found" ;;
-  esac
   start_from sound
+  eval "$3"
+  status_of 1 doctor --json
+  expect "after $3, what fails" "$(python3 - "$work/out" "$work/failing" <<'PYTHON'
+import json, sys
+events = [event for event in map(json.loads, open(sys.argv[1])) if event.get("level") == "fail"]
+print(*(event["check"] for event in events))
+print(*(event["text"] + event["next"] for event in events), sep="\n", file=open(sys.argv[2], "w"))
+PYTHON
+  )" "$1"
+  grep -q -- "$2" "$work/failing" || fail "after $3, nothing said of \"$2\": $(cat "$work/failing")"
 }
-echo "broken installations"
-python3 -c 'import plistlib, sys
+another_mode() {
+  python3 -c 'import plistlib, sys
 info = plistlib.load(open(sys.argv[1], "rb"))
 info["ComponentInputModeDict"]["tsInputModeListKey"] = {"another.mode": {}}
 plistlib.dump(info, open(sys.argv[1], "wb"))' "$installed_plist"
-status_of 1 doctor
-says "the mode is missing" 'Info.plist 里没有拼音模式'
-says "the mode source is missing" '找不到拼音模式的输入源'
-start_from sound
-sources deny $base
-broken enabled 曾经启用过，后来被拒绝或停用了
-sources deny $base
-rm "$root/tmp/tessal_installer_ui.log"
-broken enabled 或后来被拒绝、停用了
-rm -r "$root/Library/Input Methods/Orvane.app"
-broken bundle 没有安装
-sed -i "s|<string>$base</string>|<string>com.example.foreign</string>|" "$(preferences)"
-status_of 1 doctor
-says "a foreign entry" 'AppleEnabledInputSources：有一条拼音模式的条目属于别的程序包「com.example.foreign」'
-start_from sound
-mkdir "$root/Library/Input Methods/.Orvane.app.staging"
-broken leftovers .Orvane.app.staging
-sed -i 's|<string>com.tessal.inputmethod.Orvane</string>|<string>com.tessal.Orvane</string>|' "$installed_plist"
-status_of 1 doctor
-says "an identifier without the component" '缺少 inputmethod 一段'
+}
+replace() { sed -i "s|<string>$1</string>|<string>$2</string>|" "$3"; }
+echo "broken installations"
+mode='mode modeSource modeEnabled selectCapable'
+lists='AppleEnabledInputSources AppleSelectedInputSources AppleInputSourceHistory'
+broken "$mode" 'Info.plist 里没有拼音模式' another_mode
+broken "$mode" '找不到拼音模式的输入源' another_mode
+broken enabled 曾经启用过，后来被拒绝或停用了 'sources deny $base'
+broken enabled 或后来被拒绝、停用了 'sources deny $base; rm "$root/tmp/tessal_installer_ui.log"'
+broken bundle 没有安装 'rm -r "$root/Library/Input Methods/Orvane.app"'
+broken "$lists" 'AppleEnabledInputSources：有一条拼音模式的条目属于别的程序包「com.example.foreign」' \
+  'replace $base com.example.foreign "$(preferences)"'
+broken leftovers .Orvane.app.staging 'mkdir "$root/Library/Input Methods/.Orvane.app.staging"'
+broken "identifier registered $lists" '缺少 inputmethod 一段' 'replace $base com.tessal.Orvane "$installed_plist"'
 start_from sound
 echo 'error: Cogwen.zip is missing' >>"$root/tmp/tessal_installer.log"
 status_of 0 doctor
@@ -185,9 +177,7 @@ if [ -e "$app/Contents/Resources/uninstall.sh" ]; then
   [ ! -e "$root/Library/Input Methods/Orvane.app" ] && [ ! -e "$root/Applications/Sondrel.app" ] &&
     [ -d "$root/Applications/Cogwen.app" ] && [ -d "$root/user/Library/Application Support/Orvane" ] ||
     fail "wrong things were removed: $(find "$root" -name '*.app')"
-  for key in AppleEnabledInputSources AppleSelectedInputSources AppleInputSourceHistory; do
-    expect $key "$(listed $key)" "com.example.first text com.example.other "
-  done
+  expect_listed "com.example.first text com.example.other"
   grep -q 'Orvane removed' "$root/tmp/tessal_uninstaller.log" || fail "no log of the script"
   grep -q 已停用 "$root/tmp/tessal_uninstaller_ui.log" || fail "no log of the uninstaller"
   expect "current source" "$(sources current)" com.apple.keylayout.ABC

@@ -6,6 +6,7 @@
 
 #include "cli/diagnosis.h"
 #include "inputsource/tessal_installer.h"
+#include "tests/identifiers.h"
 #include "tests/platform/test_platform.h"
 
 namespace {
@@ -15,9 +16,6 @@ using platform::InputSourceProperty;
 using platform::PropertyListArray;
 using platform::PropertyListDictionary;
 using Lines = std::vector<std::string>;
-
-const std::string kBase = "com.tessal.inputmethod.Orvane";
-const std::string kPinyin = "com.tessal.inputmethod.Orvane.pinyin";
 
 class DoctorTest : public testing::Test {
  protected:

@@ -2,40 +2,32 @@
 # Faults around the real programs, a row each: what is broken, and how the run must
 # end.  usage: faults_test.sh APP_BUNDLE [NAME...]
 #
-# A row is "name | set-up | exit status | standard error | UI log". The set-up is
-# made of the functions below; the two texts are looked for as they are. Whatever
-# happens, no process of the run may be left, and a signal is answered in time.
-# shellcheck disable=SC2016,SC2034,SC2086,SC2317 # the set-ups are evaluated
+# A set-up is made of the functions below. Whatever happens, no process of the run
+# may be left, and a signal is answered in time.
+# shellcheck disable=SC2016,SC2034,SC2086,SC2154,SC2317 # the set-ups are evaluated
 
 set -u
 . "$(dirname "$0")/support.sh"
+. "$(dirname "$0")/fault_rows.sh"
 
-app=$(cd "$1" && pwd -P) || exit 1
+use_bundle "$1"
 shift
-wanted=" $* "
-work=$(mktemp -d)
 chmod 755 "$work"
-unset DISPLAY WAYLAND_DISPLAY TESSAL_INSTALLER_WRITE_HITOOLBOX_DEFAULTS INSTALL_ROOT
-trap 'rm -rf "$work"' EXIT
-trap 'exit 1' HUP INT TERM
+unset DISPLAY WAYLAND_DISPLAY
 
 readonly slowest_answer=3000 # milliseconds; alone on a machine it takes 600
-namespace='unshare --mount'
-[ "$(id -u)" -eq 0 ] || namespace='unshare --map-root-user --mount'
-$namespace true 2>/dev/null || namespace=
 
 # ---- set-ups
 
 # The script does this first, then what it always does.
 script() {
-  cp -R "$app" "$work/copy.app"
-  bundle=$work/copy.app
+  copy_bundle
   {
     echo 'log=$INSTALL_ROOT/tmp/tessal_installer.log'
     echo 'hold() { echo holding >>"$log"; until [ -e "$INSTALL_ROOT/go" ]; do sleep 0.05; done; }'
     echo "$1"
     cat "$app/Contents/Resources/install.sh"
-  } >"$bundle/Contents/Resources/install.sh"
+  } >"$resources/install.sh"
 }
 # When the UI log or standard error says so, and once only.
 when() { event=$1 action=$2; }
@@ -73,39 +65,23 @@ crowded() { prlimit --nproc="$limit" setpriv --reuid=54321 --clear-groups "$@"; 
 few_processes() {
   [ "$(id -u)" -eq 0 ] || skipped="only root can change the user"
   limit=$1 runner=crowded
-  # The checkout may be where only root gets.
-  cp -R "$app" "$work/copy.app"
-  bundle=$work/copy.app
-  mkdir -p "$root"
+  copy_bundle # the checkout may be where only root gets
   chown 54321 "$root" 2>/dev/null
 }
 without_streams() { "$@" <&- >&- 2>&-; }
 open_mask() { (umask 0; exec "$@"); }
 # In a terminal in which these keys are typed once the prompt is there.
-terminal() { keys=$1 runner=in_terminal; }
-in_terminal() {
+terminal() { keys=$1 runner=typed; }
+typed() {
   command=
   for word; do command="$command '$word'"; done
-  : >"$root.tty"
-  type_at_prompt "$keys" "$root.tty" |
-    script_command -qefc "$command 2>'$root.err'; s=\$?; stty -a | grep -q ' echo ' || s=99; exit \$s" "$root.tty"
+  in_terminal "$keys" "$root.tty" "$command 2>'$root.err'"
 }
-script_command() { command script "$@" >/dev/null; }
 own_askpass() { askpass=; }
-installed() {
-  SUDO_ASKPASS=/bin/true "$app/Contents/MacOS/orvane-install" --root "$root" --no-wait >/dev/null 2>&1
-  "$app/Contents/Helpers/input-sources" --root "$root" allow com.tessal.inputmethod.Orvane
-}
 
 # ---- the run of a row
 
-# The bracket keeps grep from finding itself.
-nothing_left() {
-  grep -lsa -e "[/]${work#/}/" /proc/[0-9]*/cmdline >"$work/left"
-  grep -lsazxF -e "INSTALL_ROOT=$root" -e "ORVANE_INSTALLER_PROCESS=$front" /proc/[0-9]*/environ >>"$work/left"
-  [ ! -s "$work/left" ]
-}
-has() { [ "$2" = - ] || grep -qsF -- "$2" "$1"; }
+untouched() { [ ! -s "$ui_log" ] && [ ! -e "$root/Library" ]; }
 happened() {
   case $event in
     prompt) [ -e "$work/prompt" ] ;;
@@ -114,21 +90,16 @@ happened() {
   esac
 }
 
-row() { # NAME SETUP STATUS ERROR LOG
-  bundle=$app root=$work/$(echo "$1" | tr ' ' -) askpass=/bin/true options=--no-wait
-  event='' action='' runner='env' signalled='' limit='' keys='' hidden='' skipped=''
-  ui_log=$root/tmp/tessal_installer_ui.log
-  rm -rf "$work/copy.app" "$work/prompt" "$work/replacement"
-  eval "$2"
-  [ -z "$skipped" ] || { echo "$1: not run, $skipped"; return; }
+row() { # NAME SETUP STATUS ERROR LOG AFTERWARDS
+  askpass=/bin/true event='' action='' runner='env' signalled='' limit='' keys='' hidden=''
+  rm -rf "$work/prompt" "$work/replacement"
+  begin_row "$@" || return
   export SUDO_ASKPASS="$askpass"
   $runner "$bundle/Contents/MacOS/orvane-install" --root "$root" $options \
     >"$root.out" 2>"$root.err" & front=$!
-  (sleep 40; kill -9 $front) >/dev/null 2>&1 & guard=$!
   if [ -n "$event" ]; then await "$1: $event" happened && eval "$action"; fi
-  wait $front 2>/dev/null
+  wait_for_end $front
   status=$?
-  kill $guard 2>/dev/null
   took=
   if [ -n "$signalled" ]; then
     took=$((($(date +%s%N) - signalled) / 1000000))
@@ -136,9 +107,7 @@ row() { # NAME SETUP STATUS ERROR LOG
     took=" (answered in $took ms)"
   fi
   echo "$1: $status$took"
-  expect "$1: exit status" $status "$3"
-  has "$root.err" "$4" || fail "$1: standard error lacks \"$4\": $(cat "$root.err")"
-  has "$ui_log" "$5" || fail "$1: UI log lacks \"$5\": $(head -c 2000 "$ui_log")"
+  end_row "$@"
   await "$1: no process left" nothing_left || cat "$work/left"
   [ -z "$keys" ] || ! grep -qF geheim "$root.tty" || fail "$1: the password is shown"
   # The next run is as if nothing had been.
@@ -158,7 +127,14 @@ printf 'no program' >"$work/not-executable"
 printf '#!/no/such/shell\n' >"$work/bad-interpreter"
 chmod 755 "$asleep" "$work/bad-interpreter"
 
-sed 's/^ *#.*//; /^ *$/d' <<'ROWS' >"$work/rows"
+run_rows "$@" 3<<'ROWS'
+# Outcomes
+refused                 | askpass=/bin/false                                   | 2   | 未获得管理员授权 | - | untouched
+no script               | copy_bundle; rm $resources/install.sh                | 1   | 找不到安装脚本 install.sh | 未找到 install.sh
+script installs nothing | script 'exit 0'                                      | 1   | 未检测到已安装的输入法 | 开始注册并激活输入法
+script fails            | script 'echo 磁盘已满 >&2; exit 3'                    | 1   | 安装失败 | 管理员授权失败: 磁盘已满
+waiting, SIGTERM        | options=; when trigger=enter-waiting 'signal TERM'   | 3   | - | -
+waiting, SIGINT         | options=; when trigger=enter-waiting 'signal INT'    | 3   | - | -
 # Programs that are missing
 tail missing            | script "tail() { $work/bin/tail \"\$@\"; }"; hide tail   | 3   | - | 无法启动日志跟踪: /usr/bin/tail: No such file
 unzip missing           | hide unzip bsdtar                                    | 1   | 安装失败 | unzip: not found
@@ -171,8 +147,8 @@ askpass without shell   | askpass=$work/bad-interpreter                        |
 no display, no terminal | own_askpass; by "setsid -w"                           | 1   | 安装失败 | cannot ask for the password: no display and no terminal
 # A terminal without a display
 typed                   | own_askpass; terminal "geheim\n"                     | 3   | - | 启用路径：全新安装
-typed, then interrupted | own_askpass; terminal "geheim\003"                   | 2   | 未获得管理员授权 | -
-end of input            | own_askpass; terminal "\004"                         | 2   | 未获得管理员授权 | -
+typed, then interrupted | own_askpass; terminal "geheim\003"                   | 2   | 未获得管理员授权 | - | untouched
+end of input            | own_askpass; terminal "\004"                         | 2   | 未获得管理员授权 | - | untouched
 # The log and its follower
 tail killed             | script hold; when holding 'kill -9 $(tail_process); go'     | 3 | - | 启用路径：全新安装
 log deleted             | script hold; when holding 'rm $root/tmp/tessal_installer.log; go' | 3 | - | 启用路径：全新安装
@@ -182,12 +158,13 @@ log truncated           | script hold; when holding ': >$root/tmp/tessal_install
 script killed           | script 'kill -9 $$'                                  | 1   | 安装失败 | 管理员授权失败: 
 script says no UTF-8    | script 'printf "a\377b" >&2; exit 9'                 | 1   | 安装失败 | 管理员授权失败: a
 script stopped          | script hold; when holding 'signal TERM'              | 1   | 安装失败 | 管理员授权失败: 
+script says it stopped  | script 'trap "echo stopped >&2; exit 9" TERM; hold'; when holding 'signal TERM' | 1 | 安装失败 | 管理员授权失败: stopped
 script ignores TERM     | script 'trap "" TERM INT HUP; hold'; when holding 'signal TERM' | 1 | 安装失败 | 管理员授权失败: 
 script ignores INT      | script 'trap "" TERM INT HUP; hold'; when holding 'signal INT'  | 1 | 安装失败 | 管理员授权失败: 
 child ignores TERM      | script '(trap "" TERM; sleep 50) & hold'; when holding 'signal TERM' | 1 | 安装失败 | 管理员授权失败: 
 endless log             | script 'trap "" TERM; yes holding >>"$log"'; when holding 'signal TERM' | 1 | 安装失败 | 管理员授权失败: 
 a gigabyte of log       | script 'truncate -s 1G "$log"; hold'; when backlog 'signal TERM' | 1 | 安装失败 | 管理员授权失败: 
-prompt dismissed        | askpass=$asleep; when prompt 'signal TERM'           | 2   | 未获得管理员授权 | -
+prompt dismissed        | askpass=$asleep; when prompt 'signal TERM'           | 2   | 未获得管理员授权 | - | untouched
 # The installer killed, and started again
 killed at the prompt    | askpass=$asleep; when prompt 'kill -9 $front'        | 137 | - | -
 killed with the script  | script hold; when holding 'kill -9 $front'           | 137 | - | -
@@ -199,7 +176,7 @@ no thread               | few_processes 1                                      |
 no process              | few_processes 2                                      | 1   | 安装失败 | 管理员授权失败: /usr/bin/setpriv: Resource temporarily unavailable
 little memory           | little_memory                                        | 1   | - | -
 # Odd surroundings
-German, then Chinese    | by "env LC_ALL=C.UTF-8 LANGUAGE=de:zh_CN"; askpass=/bin/false | 2 | 未获得管理员授权 | -
+German, then Chinese    | by "env LC_ALL=C.UTF-8 LANGUAGE=de:zh_CN"; askpass=/bin/false | 2 | 未获得管理员授权 | - | untouched
 no locale               | by "env LC_ALL=C"                                    | 3   | - | 启用路径：全新安装
 empty environment       | by "setsid -w env -i"; own_askpass                             | 1   | 安装失败 | cannot ask for the password
 PATH and IFS            | by "env PATH=/none IFS=/t"                           | 3   | - | 启用路径：全新安装
@@ -207,12 +184,5 @@ umask 0                 | by open_mask                                         |
 closed descriptors      | by without_streams                                   | 3   | - | 启用路径：全新安装
 root not UTF-8          | root=$work/$(printf "a\377b")                        | 64  | not UTF-8 | -
 ROWS
-
-while IFS='|' read -r name setup status error log <&3; do
-  name=$(echo "$name" | sed 's/ *$//')
-  case $wanted in "  " | *" $name "*) ;; *) continue ;; esac
-  trim() { printf %s "$1" | sed 's/^ *//; s/ *$//'; }
-  row "$name" "$(trim "$setup")" "$(trim "$status")" "$(trim "$error")" "$(trim "$log")" 3<&-
-done 3<"$work/rows"
 
 finish

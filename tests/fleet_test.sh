@@ -6,11 +6,8 @@ set -u
 command -v ansible-playbook >/dev/null || skip "no ansible-playbook here (Debian package ansible-core)"
 command -v ssh >/dev/null || skip "no ssh here (Debian package openssh-client)"
 
-app=$(realpath "$1")
+use_bundle "$1"
 role=$(realpath "$(dirname "$0")/../packaging/fleet")
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-trap 'exit 1' HUP INT TERM
 unset DISPLAY WAYLAND_DISPLAY
 export HOME="$work/home" ANSIBLE_HOME="$work/ansible" ANSIBLE_LOCAL_TEMP="$work/ansible/tmp" ANSIBLE_NOCOLOR=1 \
   ANSIBLE_PIPELINING=1 ANSIBLE_RETRY_FILES_ENABLED=0 ANSIBLE_REMOTE_TMP="$work/ansible/remote" ANSIBLE_LOCALHOST_WARNING=0 \

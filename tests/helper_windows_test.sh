@@ -8,14 +8,11 @@ if [ "${1:-}" != --inside ]; then
   on_display 1000x800 "$0" --inside "$1"
 fi
 
-app=$(realpath "$2")
+use_bundle "$2"
 helpers=$app/Contents/Helpers
-work=$(mktemp -d)
-base=com.tessal.inputmethod.Orvane
 running=
+clean_up() { kill $manager $running 2>/dev/null; }
 start_window_manager
-trap 'kill $manager $running 2>/dev/null; rm -rf "$work"' EXIT
-trap 'exit 1' HUP INT TERM
 
 start() { # start TITLE PROGRAM [ARGUMENT...]: until its window has the focus
   title=$1 program=$helpers/$2
@@ -27,7 +24,6 @@ start() { # start TITLE PROGRAM [ARGUMENT...]: until its window has the focus
 }
 click() { xdotool mousemove --window "$window" "$1" "$2" sleep 0.5 click 1; }
 ended() { wait_for_end "$running"; expect "$1: status" $? "$2"; running=; }
-sources() { "$helpers/input-sources" --root "$work/root" "$@"; }
 expect_state() { expect "$1" "$(sources list | grep "^$base	" | cut -f 2)" "$2"; }
 
 ask() { start "$(basename "$app" .app)" askpass '想要 100% "更改"'; }
@@ -73,19 +69,19 @@ DISPLAY=:none "$helpers/askpass" >"$work/out" 2>"$work/err"
 expect "status without a display" $? 1
 grep -q 'cannot ask for the password' "$work/err" || fail "no reason: $(cat "$work/err")"
 
-consent() { start 输入法许可 input-source-agent --root "$work/root" --consent $base; }
-unanswered_request() { env -u DISPLAY "$helpers/input-sources" --root "$work/root" enable $base; }
-env -u DISPLAY SUDO_ASKPASS=/bin/true "$app/Contents/MacOS/orvane-install" --root "$work/root" \
+consent() { start 输入法许可 input-source-agent --root "$root" --consent $base; }
+unanswered_request() { env -u DISPLAY "$helpers/input-sources" --root "$root" enable $base; }
+env -u DISPLAY SUDO_ASKPASS=/bin/true "$app/Contents/MacOS/orvane-install" --root "$root" \
   --no-wait >/dev/null
 consent; xdotool key Escape alt+F4; sleep 0.5
-"$helpers/input-source-agent" --root "$work/root" --consent $base || fail "a second window"
+"$helpers/input-source-agent" --root "$root" --consent $base || fail "a second window"
 expect_state "unanswered" "disabled asked"
 click 265 180; ended "consent 好" 0; expect_state 好 enabled
 sources deny $base; unanswered_request
 consent; click 140 180; ended "consent 不允许" 0; expect_state 不允许 disabled
 unanswered_request
 consent; sources deny $base; ended "answered elsewhere" 0
-start '键盘 · 输入法' input-source-agent --root "$work/root" --settings
+start '键盘 · 输入法' input-source-agent --root "$root" --settings
 xdotool key Tab space; sleep 0.5; expect_state "switched on" enabled
 xdotool key alt+F4; ended settings 0
 "$helpers/input-source-agent" --consent 2>/dev/null; expect "bad usage" $? 64

@@ -13,17 +13,16 @@ case "${1:-}" in
     ;;
 esac
 
-app=$(realpath "$2")
-work=$(mktemp -d)
-root=$work/root
+use_bundle "$2"
 installer='' manager=''
-trap 'kill $installer $manager 2>/dev/null; end_agents; rm -rf "$work"' EXIT
-trap 'exit 1' HUP INT TERM
+clean_up() {
+  kill $installer $manager 2>/dev/null
+  end_agents
+}
 
-# shellcheck disable=SC2120 # the argument is optional
 open_installer() { # the window goes to $window
   rm -f "$root/tmp/tessal_installer_ui.log" # it tells of the run before
-  SUDO_ASKPASS=${1:-/bin/true} "$app/Contents/MacOS/Orvane Installer" --root "$root" 2>"$work/messages" &
+  SUDO_ASKPASS=/bin/true "$app/Contents/MacOS/Orvane Installer" --root "$root" 2>"$work/messages" &
   installer=$!
   window=$(window_of --pid $installer) || { fail "no window: $(kill -0 $installer 2>&1) $(cat "$work/messages")"; finish; }
   sleep 0.5
@@ -144,13 +143,12 @@ end_agents
 open_installer
 xdotool windowactivate --sync "$window" key Tab Return
 await "the waiting phase" ui_log_has trigger=enter-waiting
-"$app/Contents/Helpers/input-sources" --root "$root" allow com.tessal.inputmethod.Orvane
+sources allow $base
 await "success" ui_log_has 'kTISNotifyEnabledKeyboardInputSourcesChanged，ok=true）'
 sleep 1
 xdotool windowactivate --sync "$window" key Tab space
 ended "安装成功"
-expect "current source" "$("$app/Contents/Helpers/input-sources" --root "$root" current)" \
-  com.tessal.inputmethod.Orvane.pinyin
+expect "current source" "$(sources current)" $base.pinyin
 
 echo "the display is lost while the script runs"
 bundle=$work/copy.app

@@ -35,6 +35,20 @@ int runOnMainLoop(Block block) {
   return runMainLoop();
 }
 
+/// What the shell has written when it ends.
+std::string outputOfShell(std::vector<std::string> arguments) {
+  std::string output;
+  {
+    ChildProcess child("/bin/sh", std::move(arguments), [&](std::string_view piece) {
+      EXPECT_FALSE(piece.empty());
+      output += piece;
+    });
+    EXPECT_EQ(child.launch(), std::nullopt);
+    while (child.isRunning()) std::this_thread::sleep_for(1ms);
+  }
+  return output;
+}
+
 TEST(Contract, MainQueueKeepsOrderAcrossThreads) {
   std::vector<int> order;
   const auto mainThread = std::this_thread::get_id();
@@ -98,23 +112,12 @@ TEST(Contract, WorkItemsAndTimersEndWithTheirHandles) {
 }
 
 TEST(Contract, ChildOutputArrivesWholeAndInOrder) {
-  std::string output;
-  {
-    ChildProcess child("/bin/sh",
-                       {"-c",
-                        "i=0; while [ $i -lt 20000 ]; do echo line $i; i=$((i+1)); done; "
-                        "echo \"$1\" >&2",
-                        "-", "an argument with blanks"},
-                       [&](std::string_view piece) {
-                         EXPECT_FALSE(piece.empty());
-                         output += piece;
-                       });
-    ASSERT_EQ(child.launch(), std::nullopt);
-    while (child.isRunning()) std::this_thread::sleep_for(1ms);
-  }
+  const std::string script =
+      "i=0; while [ $i -lt 20000 ]; do echo line $i; i=$((i+1)); done; echo \"$1\" >&2";
   std::string expected;
   for (int i = 0; i < 20000; ++i) expected += "line " + std::to_string(i) + "\n";
-  EXPECT_EQ(output, expected + "an argument with blanks\n");
+  EXPECT_EQ(outputOfShell({"-c", script, "-", "an argument with blanks"}),
+            expected + "an argument with blanks\n");
 }
 
 TEST(Contract, ChildEndsWhenToldAndWithItsHandle) {
@@ -258,14 +261,7 @@ TEST(Contract, ListedInputSourcesOutliveTheirList) {
 TEST(Contract, BrokenPipesEndChildrenAndNotThisProcess) {
   onTerminationRequest([] {});
   ::raise(SIGPIPE);
-  std::string output;
-  {
-    ChildProcess child("/bin/sh", {"-c", "echo before; kill -s PIPE $$; echo after"},
-                       [&](std::string_view piece) { output += piece; });
-    ASSERT_EQ(child.launch(), std::nullopt);
-    while (child.isRunning()) std::this_thread::sleep_for(1ms);
-  }
-  EXPECT_EQ(output, "before\n");
+  EXPECT_EQ(outputOfShell({"-c", "echo before; kill -s PIPE $$; echo after"}), "before\n");
 }
 
 TEST(Contract, UrlsAreParsedAndPathsEscaped) {

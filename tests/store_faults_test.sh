@@ -2,19 +2,16 @@
 # Faults of files, disks and stores around the real programs, a row each: what is
 # broken, how the run must end, and what must be on the disk afterwards.
 # usage: store_faults_test.sh APP_BUNDLE [NAME...]
-#
-# A row is "name | set-up | exit status | standard error | UI log | afterwards". The
-# two texts are looked for as they are. No row may take longer than 30 seconds.
-# shellcheck disable=SC2016,SC2034,SC2317 # the set-ups are evaluated
+# No row may take longer than 30 seconds.
+# shellcheck disable=SC2016,SC2034,SC2154,SC2317 # the set-ups are evaluated
 
 set -u
 . "$(dirname "$0")/support.sh"
+. "$(dirname "$0")/fault_rows.sh"
 
 # Mounts of its own, where it may have them: for full and read-only disks.
 if [ -z "${STORE_FAULTS_MOUNTS:-}" ]; then
-  namespace='unshare --mount'
-  [ "$(id -u)" -eq 0 ] || namespace='unshare --map-root-user --mount'
-  if $namespace true 2>/dev/null; then
+  if [ -n "$namespace" ]; then
     export STORE_FAULTS_MOUNTS=yes
     # shellcheck disable=SC2086
     exec $namespace sh "$0" "$@"
@@ -22,25 +19,13 @@ if [ -z "${STORE_FAULTS_MOUNTS:-}" ]; then
   STORE_FAULTS_MOUNTS=no
 fi
 
-app=$(realpath "$1")
+use_bundle "$1"
 shift
-wanted=" $* "
-base=com.tessal.inputmethod.Orvane
-work=$(mktemp -d)
 holder=
-unset DISPLAY WAYLAND_DISPLAY TESSAL_INSTALLER_WRITE_HITOOLBOX_DEFAULTS INSTALL_ROOT
+unset DISPLAY WAYLAND_DISPLAY
 clean_up() {
   [ -z "$holder" ] || kill -9 "$holder" 2>/dev/null
   grep -o "${work}/[^ ]*" /proc/mounts | while read -r folder; do umount -l "$folder"; done
-  rm -rf "$work"
-}
-trap clean_up EXIT
-trap 'exit 1' HUP INT TERM
-
-sources() { "$app/Contents/Helpers/input-sources" --root "$root" "$@" 2>/dev/null; }
-install() {
-  SUDO_ASKPASS=/bin/true timeout -k 1 30 "$bundle/Contents/MacOS/orvane-install" --root "$root" "$@" \
-    >"$work/out" 2>"$work/err"
 }
 
 # ---- set-ups
@@ -67,11 +52,6 @@ hold() { # a process that is stopped while it holds the lock
   await "the lock" sh -c '! flock -n "$1" true' - "$1"
   kill -STOP $holder
 }
-installed() {
-  install --no-wait
-  sources allow $base
-}
-copy_bundle() { cp -R "$app" "$work/copy.app" && bundle=$work/copy.app resources=$bundle/Contents/Resources; }
 damage_archive() {
   copy_bundle
   printf XX | dd of="$resources/Orvane.zip" bs=1 seek=100 conv=notrunc 2>/dev/null
@@ -104,16 +84,10 @@ preferred() { plistutil -i "$(preferences)" | grep -q $base.pinyin; }
 kept() { [ "$(stat -c %s "$1.damaged")" = "$size" ]; }
 
 row() { # NAME SETUP STATUS ERROR LOG AFTERWARDS
-  bundle=$app root=$work/$(echo "$1" | tr ' ,' '--') options=--no-wait skipped='' holder=''
-  ui_log=$root/tmp/tessal_installer_ui.log
-  mkdir -p "$root"
-  eval "$2"
-  if [ -n "$skipped" ]; then
-    echo "$1: not run, $skipped"
-    return
-  fi
+  begin_row "$@" || return
   # shellcheck disable=SC2086
-  install $options
+  SUDO_ASKPASS=/bin/true timeout -k 1 30 "$bundle/Contents/MacOS/orvane-install" --root "$root" $options \
+    >/dev/null 2>"$root.err"
   status=$?
   echo "$1: $status"
   unset TESSAL_INSTALLER_WRITE_HITOOLBOX_DEFAULTS
@@ -122,15 +96,12 @@ row() { # NAME SETUP STATUS ERROR LOG AFTERWARDS
     wait "$holder" 2>/dev/null
     holder=
   fi
-  expect "$1: exit status" $status "$3"
-  [ "$4" = - ] || grep -qF -- "$4" "$work/err" || fail "$1: standard error lacks \"$4\": $(cat "$work/err")"
-  [ "$5" = - ] || grep -qsF -- "$5" "$ui_log" || fail "$1: UI log lacks \"$5\": $(head -c 2000 "$ui_log")"
-  eval "$6" || fail "$1: afterwards, not so: $6"
+  end_row "$@"
   grep -o "${root}[^ ]*" /proc/mounts | while read -r folder; do umount "$folder"; done
-  rm -rf "$root" "$work/copy.app"
+  rm -rf "$root"
 }
 
-sed 's/^ *#.*//; /^ *$/d' <<'ROWS' >"$work/rows"
+run_rows "$@" 3<<'ROWS'
 # The logs
 log is a folder      | logs 'mkdir $log; mv $own $log/kept'  | 3 | - | - | usable && [ -s $ui_log/kept ]
 log is a link        | logs 'ln -s $own $log'                | 3 | - | - | usable && mine
@@ -161,13 +132,5 @@ preferences written  | installed; with_preferences                         | 0 |
 preferences damaged  | installed; store; echo "<plist>" >$(preferences); size=8; with_preferences | 0 | kept as | 启用路径：覆盖安装 | kept $(preferences)
 preferences locked   | installed; store; hold $root/user/Preferences/ByHost/.lock; with_preferences | 0 | - | 启用路径：覆盖安装 | [ ! -e $(preferences) ]
 ROWS
-
-trim() { printf %s "$1" | sed 's/^ *//; s/ *$//'; }
-while IFS='|' read -r name setup status error log after <&3; do
-  name=$(trim "$name")
-  case $wanted in "  " | *" $name "*) ;; *) continue ;; esac
-  row "$name" "$(trim "$setup")" "$(trim "$status")" "$(trim "$error")" "$(trim "$log")" \
-    "$(trim "$after")" 3<&-
-done 3<"$work/rows"
 
 finish

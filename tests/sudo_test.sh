@@ -132,18 +132,15 @@ wait $watch
 [ ! -e "$machine/seen" ] || fail "the password was in arguments or an environment"
 
 # In a terminal without a display. su would give it a session without the terminal.
-in_terminal() { # in_terminal KEYS EXPECTED_STATUS
-  : >"$machine/typed"
-  type_at_prompt "$1" "$machine/typed" |
-    env -u DISPLAY -u SUDO_ASKPASS HOME=/home/installer-tester timeout 60 script -qefc "chroot '$machine' \
+typed() { # typed KEYS EXPECTED_STATUS
+  in_terminal "$1" "$machine/typed" "env -u DISPLAY -u SUDO_ASKPASS HOME=/home/installer-tester chroot '$machine' \
     setpriv --reuid=installer-tester --regid=installer-tester --init-groups \
-    '$app/Contents/MacOS/orvane-install' --no-wait; s=\$?; stty -a | grep -q ' echo ' || s=99; exit \$s" \
-    "$machine/typed" >/dev/null
+    '$app/Contents/MacOS/orvane-install' --no-wait"
   expect "typed in the terminal: $1" $? "$2"
   ! grep -qF "$password" "$machine/typed" || fail "the password is shown"
 }
-in_terminal "$password\n" 3
-in_terminal "das\003" 2
+typed "$password\n" 3
+typed "das\003" 2
 
 # What a core file of the installer holds is looked through at the end.
 begin right "ulimit -c unlimited; cd /tmp;"

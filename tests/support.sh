@@ -1,4 +1,4 @@
-# shellcheck shell=sh disable=SC2034
+# shellcheck shell=sh disable=SC2034,SC2154
 # Shared by the test scripts of this folder; sourced.
 
 export LC_ALL=C.UTF-8 # texts and window titles are Chinese
@@ -27,15 +27,38 @@ wait_for_end() {
   return $ended_with
 }
 
-# type_at_prompt KEYS TRANSCRIPT: what somebody types in a terminal once it asks for a
-# password.
-type_at_prompt() {
-  tries=0
-  until grep -q 想要进行更改 "$2" || [ $((tries += 1)) -gt 100 ]; do sleep 0.1; done
-  sleep 0.3
-  # shellcheck disable=SC2059 # keys are escapes
-  printf "$1"
-  sleep 2
+# in_terminal KEYS TRANSCRIPT COMMAND: what somebody types in a terminal once it asks for a
+# password. The status is the command's, or 99 if the terminal does not echo afterwards.
+in_terminal() {
+  : >"$2"
+  {
+    await "the prompt" grep -q 想要进行更改 "$2" >&2
+    sleep 0.3
+    # shellcheck disable=SC2059 # keys are escapes
+    printf "$1"
+    sleep 2
+  } | timeout 60 script -qefc "$3; s=\$?; stty -a | grep -q ' echo ' || s=99; exit \$s" "$2" >/dev/null
+}
+
+# use_bundle APP_BUNDLE: $app, and $work, a folder of the test's own, which goes with the test.
+use_bundle() {
+  app=$(cd "$1" && pwd -P) || exit 1
+  base=com.tessal.inputmethod.Orvane
+  work=$(mktemp -d)
+  root=$work/root
+  trap 'clean_up; rm -rf "$work"' EXIT
+  trap 'exit 1' HUP INT TERM
+  unset TESSAL_INSTALLER_WRITE_HITOOLBOX_DEFAULTS INSTALL_ROOT
+}
+clean_up() { :; } # a test that starts programs ends them here
+sources() { "$app/Contents/Helpers/input-sources" --root "$root" "$@"; }
+
+# Whether all has ended that was started below $work, and the scripts of $front. The bracket keeps grep from
+# finding itself.
+nothing_left() {
+  grep -lsa -e "[/]${work#/}/" /proc/[0-9]*/cmdline >"$work/left"
+  grep -lsazxF -e "INSTALL_ROOT=$root" -e "ORVANE_INSTALLER_PROCESS=$front" /proc/[0-9]*/environ >>"$work/left"
+  [ ! -s "$work/left" ]
 }
 
 finish() { [ $failures -eq 0 ] || { echo "$failures failed"; exit 1; }; }
@@ -60,19 +83,11 @@ import() { timeout 30 import "$@"; }
 
 # window_of SEARCH...: prints the window, for which it waits. A search fails when another
 # window goes just then.
-window_of() {
-  tries=0
-  until found=$(xdotool search --onlyvisible "$@" 2>/dev/null | tail -n 1) && [ -n "$found" ]; do
-    tries=$((tries + 1))
-    [ $tries -le 300 ] || return 1
-    sleep 0.1
-  done
-  echo "$found"
-}
+window_of() { await "the window $*" find_window "$@" >&2 && echo "$found"; }
+find_window() { found=$(xdotool search --onlyvisible "$@" 2>/dev/null | tail -n 1) && [ -n "$found" ]; }
 
 # The agent stays when the installer ends, as the system's does. Those of roots below $work
 # end here.
-# shellcheck disable=SC2154 # each script has its own $work
 end_agents() {
   for process in /proc/[0-9]*; do
     { tr '\0' ' ' <"$process/cmdline"; } 2>/dev/null |

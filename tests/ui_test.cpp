@@ -336,15 +336,17 @@ TEST_F(UiTest, WaitingScreenAttemptsOnceAndPollsWhileShown) {
   for (int showing = 0; showing < 2; ++showing) {
     become(Case::waitingEnable);
     EXPECT_EQ(platform.liveTimers(), 1U);
-    EXPECT_EQ(calls({"enable"}).size(), 1U);
+    EXPECT_EQ(calls({"enable"}).size(), showing == 0 ? 1U : 0U);
+    platform.takeJournal();
     become(Case::success);
     EXPECT_EQ(platform.liveTimers(), 0U);
+    EXPECT_EQ(calls({"activate"}).size(), 1U);  // it comes to the front
   }
   become(Case::waitingEnable);
   platform.advance(6.5);
   press("goEnableButton");
   platform.advance(0.35);
-  EXPECT_EQ(calls({"enable"}).size(), 2U);
+  EXPECT_EQ(calls({"enable"}).size(), 1U);
   EXPECT_EQ(calls({"open"}).size(), 1U);
 }
 
@@ -402,14 +404,6 @@ TEST_F(UiTest, SecondClickPressesNothingNew) {
     settle();
   }
   EXPECT_EQ(calls({"terminate"}).size(), 1U);
-}
-
-TEST_F(UiTest, ComesToTheFrontWhenItHasSucceeded) {
-  open();
-  become(Case::waitingEnable);
-  platform.takeJournal();
-  become(Case::success);
-  EXPECT_EQ(calls({"activate"}).size(), 1U);
 }
 
 TEST_F(UiTest, WindowsKeepInReachAndBesideEachOther) {
