@@ -61,29 +61,24 @@ if [ "$1" = --small ]; then
 fi
 
 echo "without a window manager"
-for scale in 1.5 3; do
+for scale in 1 2 1.5 3; do
   export QT_SCALE_FACTOR=$scale
   open_installer
-  expect "size at scale $scale" "$(size)" 999x900
-  for edge in "998 450" "500 899"; do
+  # 1000 by 900 pixels on the screen, or as near as whole points of the scale come.
+  case $scale in 1 | 2) width=1000 ;; *) width=999 ;; esac
+  expect "size at scale $scale" "$(size)" ${width}x900
+  for edge in "3 3" "998 450" "500 899"; do
     # shellcheck disable=SC2086
     expect "edge at scale $scale" "$(colour $edge)" "#FFFFFF"
   done
-  kill -TERM $installer
-  ended "SIGTERM at scale $scale"
-done
-for scale in 1 2; do
-  export QT_SCALE_FACTOR=$scale
-  open_installer
-  # 1000 by 900 pixels on the screen, whatever the scale.
-  expect "size at scale $scale" "$(size)" 1000x900
-  expect "centre at scale $scale" "$(content_centre)" 640,512
-  expect "corner at scale $scale" "$(colour 3 3)" "#FFFFFF"
-  # The button's gradient runs from sky blue to lavender.
-  left=$(colour $((500 - scale * 112)) $((450 + scale * 78)))
-  right=$(colour $((500 + scale * 112)) $((450 + scale * 78)))
-  case $left in "#7"?[BC]*) ;; *) fail "left end of the button is $left" ;; esac
-  case $right in "#9"?[89]*) ;; *) fail "right end of the button is $right" ;; esac
+  if [ $width -eq 1000 ]; then
+    expect "centre at scale $scale" "$(content_centre)" 640,512
+    # The button's gradient runs from sky blue to lavender.
+    left=$(colour $((500 - scale * 112)) $((450 + scale * 78)))
+    right=$(colour $((500 + scale * 112)) $((450 + scale * 78)))
+    case $left in "#7"?[BC]*) ;; *) fail "left end of the button is $left" ;; esac
+    case $right in "#9"?[89]*) ;; *) fail "right end of the button is $right" ;; esac
+  fi
   kill -TERM $installer
   ended "SIGTERM at scale $scale"
 done
@@ -129,12 +124,6 @@ for press in 1 2; do
   kill -0 $installer || fail "close $press ended the installer"
 done
 case $(colour 3 3) in "#C"*) ;; *) fail "nothing is dimmed: $(colour 3 3)" ;; esac
-# Neither the dimmed area nor a key dismisses it, and what is below is out of reach.
-click 500 805
-xdotool key Escape
-sleep 0.6
-! ui_log_has openKeyboardSettings || fail "the button below was pressed"
-case $(colour 3 3) in "#C"*) ;; *) fail "the overlay was dismissed" ;; esac
 click 425 620
 ended "退出安装"
 
