@@ -26,7 +26,8 @@ expect_listed() {
 import plistlib, sys
 lists = plistlib.load(open(sys.argv[1], "rb"))
 for key in "AppleEnabledInputSources", "AppleSelectedInputSources", "AppleInputSourceHistory":
-    names = [entry if isinstance(entry, str) else entry.get("Input Mode", entry.get("Bundle ID")) for entry in lists[key]]
+    names = [each if isinstance(each, str) else each.get("Input Mode", each.get("Bundle ID"))
+             for each in lists[key]]
     assert " ".join(names) == sys.argv[2], (key, names)
 PYTHON
 }
