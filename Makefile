@@ -52,10 +52,11 @@ soak: all
 faults:
 	@tests/faults/run.py
 
-# The same tests under the address, undefined-behaviour and thread sanitizers.
+# The same tests under the address, undefined-behaviour and thread sanitizers. The
+# toolkit is not built with the last one, which ignores what it does.
 sanitize:
 	cmake --preset asan && cmake --build --preset asan && ctest --preset asan
-	cmake --preset tsan && cmake --build --preset tsan && ctest --preset tsan -L unit
+	cmake --preset tsan && cmake --build --preset tsan && ctest --preset tsan
 
 check:
 	@tools/check.sh
