@@ -2,7 +2,7 @@
 # make test   runs every test
 # make check  format, clang-tidy, shellcheck, qmllint, sanitized unit tests
 # make demo   the whole installation with real clicks, a screenshot a step
-# make bench  what things cost, as a table and in build/bench.json; eight minutes
+# make bench  what things cost, as a table and in build/bench.json; six minutes
 # make fuzz   every fuzz target for a minute
 # make macos-app    the whole application for macOS, made on Linux
 # make macos-check  the macOS side and its tests, compiled and analysed on Linux
