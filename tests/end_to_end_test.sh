@@ -40,6 +40,7 @@ expect_lines "UI log" "$ui_log" '开始注册并激活输入法...' '启用路�
   '收到输入源启用状态更新（kTISNotifyEnabledKeyboardInputSourcesChanged）' \
   'kTISNotifyEnabledKeyboardInputSourcesChanged，ok=true）' '已拉起设置应用（首装 bootstrap）'
 await "the settings" grep -q opened "$opened"
+! pgrep -af -- "-F $root/tmp|orvane-install --root $root" || fail "still running"
 await "no process left" nothing_left || cat "$work/left"
 
 echo overwrite

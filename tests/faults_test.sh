@@ -130,7 +130,7 @@ chmod 755 "$asleep" "$work/bad-interpreter"
 run_rows "$@" 3<<'ROWS'
 # Outcomes
 refused                 | askpass=/bin/false                                   | 2   | 未获得管理员授权 | - | untouched
-no script               | copy_bundle; rm $resources/install.sh                | 1   | 找不到安装脚本 | 未找到 install.sh
+no script               | copy_bundle; rm $resources/install.sh                | 1   | 找不到安装脚本 install.sh | 未找到 install.sh
 script installs nothing | script 'exit 0'                                      | 1   | 未检测到已安装的输入法 | 开始注册并激活输入法
 script fails            | script 'echo 磁盘已满 >&2; exit 3'                    | 1   | 安装失败 | 管理员授权失败: 磁盘已满
 waiting, SIGTERM        | options=; when trigger=enter-waiting 'signal TERM'   | 3   | - | -
@@ -158,7 +158,7 @@ log truncated           | script hold; when holding ': >$root/tmp/tessal_install
 script killed           | script 'kill -9 $$'                                  | 1   | 安装失败 | 管理员授权失败: 
 script says no UTF-8    | script 'printf "a\377b" >&2; exit 9'                 | 1   | 安装失败 | 管理员授权失败: a
 script stopped          | script hold; when holding 'signal TERM'              | 1   | 安装失败 | 管理员授权失败: 
-script says why         | script 'trap "echo why >&2; exit 9" TERM; hold'; when holding 'signal TERM' | 1 | 安装失败 | why
+script says why         | script 'trap "echo stopped >&2; exit 9" TERM; echo holding >>"$log"; sleep 50 & wait'; when holding 'signal TERM' | 1 | 安装失败 | 管理员授权失败: stopped
 script ignores TERM     | script 'trap "" TERM INT HUP; hold'; when holding 'signal TERM' | 1 | 安装失败 | 管理员授权失败: 
 script ignores INT      | script 'trap "" TERM INT HUP; hold'; when holding 'signal INT'  | 1 | 安装失败 | 管理员授权失败: 
 child ignores TERM      | script '(trap "" TERM; sleep 50) & hold'; when holding 'signal TERM' | 1 | 安装失败 | 管理员授权失败: 

@@ -125,6 +125,12 @@ for press in 1 2; do
   kill -0 $installer || fail "close $press ended the installer"
 done
 case $(colour 3 3) in "#C"*) ;; *) fail "nothing is dimmed: $(colour 3 3)" ;; esac
+# Neither the dimmed area nor a key dismisses it, and what is below is out of reach.
+click 500 805
+xdotool key Escape
+sleep 0.6
+! ui_log_has openKeyboardSettings || fail "the button below was pressed"
+case $(colour 3 3) in "#C"*) ;; *) fail "the overlay was dismissed" ;; esac
 click 425 620
 ended "退出安装"
 

@@ -1,6 +1,7 @@
 // Property lists of the workbench as bytes, as files and as preferences.
 
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
@@ -15,6 +16,7 @@
 #include "platform/linux/property_list_codec.h"
 #include "platform/linux/property_list_file.h"
 #include "platform/linux/property_list_limits.h"
+#include "platform/posix/descriptor.h"
 #include "platform/preferences.h"
 
 namespace platform::linux_ {
@@ -168,6 +170,7 @@ TEST_F(PropertyListFiles, PreferencesKeepOtherKeysAndADamagedFile) {
 TEST_F(PropertyListFiles, WhatCannotBeStoredIsAStatusAndLosesNothing) {
   const PropertyListDictionary before{{"list", "before"}, {"other", true}};
   const fs::path lock = file_.parent_path() / ".lock";
+  Descriptor holder;
   struct Row {
     const char* name;
     std::function<void()> begin;
@@ -185,6 +188,12 @@ TEST_F(PropertyListFiles, WhatCannotBeStoredIsAStatusAndLosesNothing) {
       {"no room", [&] { limitFileSize(20); }, [&] { limitFileSize(RLIM_INFINITY); }},
       {"folder in the new file's place", [&] { fs::create_directory(file_.string() + ".new"); },
        [&] { fs::remove(file_.string() + ".new"); }},
+      {"lock held by a stopped process",
+       [&] {
+         holder = Descriptor(::open(lock.c_str(), O_RDWR | O_CREAT, 0600));
+         ASSERT_EQ(::flock(holder.get(), LOCK_EX), 0);
+       },
+       [&] { holder.close(); }},
       {"link in the lock's place",
        [&] {
          fs::remove(lock);

@@ -193,7 +193,7 @@ told_to_end() {
   grep -q "$4" "$3" || fail "SIGTERM while $1: $(cat "$3")"
 }
 readonly hold='echo holding >>/tmp/tessal_installer.log; sleep'
-told_to_end "root's script runs" "trap 'echo stopped >&2; exit 9' TERM; $hold 30 & wait" "$ui_log" 'stopped'
+told_to_end "root's script runs" "trap 'echo stopped >&2; exit 9' TERM; $hold 30 & wait" "$ui_log" '管理员授权失败: stopped'
 told_to_end "a script runs that ignores it" "trap '' TERM INT HUP; $hold 5" "$machine/out" 无法中止
 await "the script's end" sh -c '! pgrep -x sudo'
 
