@@ -7,7 +7,7 @@
 #include <optional>
 #include <utility>
 
-#include "platform/common/handler_list.h"
+#include "platform/handler_list.h"
 #include "platform/main_queue.h"
 
 /// How a change is to be shown: linearly, over this time.

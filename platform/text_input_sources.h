@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/common/handler_list.h"
+#include "platform/handler_list.h"
 #include "platform/main_queue.h"
 #include "platform/property_list.h"
 

@@ -5,7 +5,7 @@
 #include <functional>
 #include <string>
 
-#include "platform/common/handler_list.h"
+#include "platform/handler_list.h"
 
 /// Calls `handler` on every post of `name`, until the result is destroyed. Main
 /// thread.
