@@ -13,7 +13,6 @@
 #include <string>
 
 #include "installer/content_view.h"
-#include "installer/log_files.h"
 #include "platform/child_process.h"
 #include "platform/file_root.h"
 #include "platform/program.h"
@@ -41,9 +40,8 @@ double memory(const std::string& key) {
 }
 
 /// Whether the log in memory is this file.
-bool isFile(const LogText& log, const std::filesystem::path& path) {
+bool isFile(const std::string& text, const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
-  const std::string text = log.from(0);
   std::string part(1U << 20U, '\0');
   for (std::size_t at = 0; at < text.size(); at += part.size()) {
     part.resize(std::min(part.size(), text.size() - at));

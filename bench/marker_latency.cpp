@@ -13,7 +13,6 @@
 #include <vector>
 
 #include "installer/content_view.h"
-#include "installer/log_files.h"
 #include "platform/child_process.h"
 #include "platform/file_root.h"
 #include "platform/program.h"

@@ -1,6 +1,6 @@
 #include "cli/commands.h"
 #include "cli/installation_front.h"
-#include "installer/log_files.h"
+#include "installer/content_view.h"
 #include "platform/file_root.h"
 
 int runInstall(EventOutput& output, const WaitOptions& options) {

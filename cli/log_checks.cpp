@@ -6,7 +6,7 @@
 
 #include "cli/diagnosis.h"
 #include "cli/log_tail_lines.h"
-#include "installer/log_files.h"
+#include "installer/content_view.h"
 #include "platform/file_owner.h"
 #include "platform/file_root.h"
 

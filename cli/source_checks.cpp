@@ -2,9 +2,8 @@
 
 #include "cli/diagnosis.h"
 #include "cli/log_tail_lines.h"
-#include "inputsource/source_properties.h"
 #include "inputsource/tessal_installer.h"
-#include "installer/log_files.h"
+#include "installer/content_view.h"
 #include "platform/file_root.h"
 #include "platform/workspace.h"
 
@@ -28,7 +27,8 @@ void add(Findings& findings, bool isWell, const char* check, const std::string& 
 
 bool isRegistered(const TessalInstaller& installer) {
   for (const auto& source : installer.allInputSources(/*includeAllInstalled=*/true))
-    if (getString(source, InputSourceProperty::bundleID) == TessalInstaller::kBaseBundleID)
+    if (platform::getInputSourceProperty(source, InputSourceProperty::bundleID) ==
+        platform::PropertyListValue(std::string(TessalInstaller::kBaseBundleID)))
       return true;
   return false;
 }
@@ -59,7 +59,9 @@ void checkEnabled(Findings& findings, const TessalInstaller& installer) {
   add(findings, !modes.empty(), "modeEnabled", "拼音模式已启用", "输入法已启用，但拼音模式没有启用",
       "在「系统设置 → 键盘 → 输入法」中移除「澄枫输入法」后重新添加");
   const auto mode = installer.inputModeSource(Mode::pinyin, /*includeAllInstalled=*/true);
-  add(findings, mode && getBool(mode, InputSourceProperty::isSelectCapable) == true,
+  add(findings,
+      mode && platform::getInputSourceProperty(mode, InputSourceProperty::isSelectCapable) ==
+                  platform::PropertyListValue(true),
       "selectCapable", "拼音模式可以选择", "拼音模式不能选择", "注销后重新登录；仍不行则重新安装");
   if (installer.isSelected(Mode::pinyin))
     findings.push_back({Level::pass, kUser, "selected", "正在使用拼音模式"});
@@ -89,7 +91,8 @@ void checkSources(Findings& findings) {
   if (!installer.isInstalled()) return;
 
   checkSettings(findings, installer);
-  const auto known = platform::findApplication(std::string(TessalInstaller::kBaseBundleID));
+  const auto known = platform::findApplication(
+      platform::PropertyListValue(std::string(TessalInstaller::kBaseBundleID)));
   const bool isKnown = known == platform::onDisk(TessalInstaller::appDir());
   const bool isSourceKnown = isRegistered(installer);
   add(findings, isSourceKnown, "registered",
@@ -102,7 +105,9 @@ void checkSources(Findings& findings) {
       "找不到输入法本身的输入源", "注销后重新登录；仍不行则重新安装");
   const auto mode = installer.inputModeSource(Mode::pinyin, /*includeAllInstalled=*/true);
   const auto modeID = TessalInstaller::rawValue(Mode::pinyin);
-  const bool isByID = mode && getString(mode, InputSourceProperty::inputSourceID) == modeID;
+  const bool isByID =
+      mode && platform::getInputSourceProperty(mode, InputSourceProperty::inputSourceID) ==
+                  platform::PropertyListValue(modeID);
   add(findings, mode != nullptr, "modeSource",
       isByID ? "找到拼音模式的输入源（按输入源标识符）" : "找到拼音模式的输入源（按模式标识符）",
       "找不到拼音模式的输入源", "重新安装；若刚刚更新过，先注销再登录",

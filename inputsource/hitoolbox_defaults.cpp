@@ -27,6 +27,29 @@ constexpr const char* kInputModeKey = "Input Mode";
 constexpr const char* kInputSourceKindKey = "InputSourceKind";
 constexpr const char* kInputModeKind = "Input Mode";
 
+/// The list under this key as it stands, or no elements where something else stands.
+struct List {
+  PropertyListArray elements;
+  bool isDamaged = false;
+};
+List readList(const std::string& key, const std::string& appID = kDomain,
+              PreferencesUser user = PreferencesUser::current,
+              PreferencesHost host = PreferencesHost::current) {
+  const auto value = platform::copyPreferencesValue(key, appID, user, host);
+  if (!value) return {};
+  const auto* array = value->as<PropertyListArray>();
+  return array ? List{*array} : List{{}, /*isDamaged=*/true};
+}
+
+void writeList(const std::string& key, const PropertyListArray& elements) {
+  platform::setPreferencesValue(key, elements, kDomain, PreferencesUser::current,
+                                PreferencesHost::current);
+}
+
+void synchronizeLists() {
+  platform::synchronizePreferences(kDomain, PreferencesUser::current, PreferencesHost::current);
+}
+
 bool holdsText(const PropertyListDictionary& entry, const char* key, const std::string& text) {
   return platform::textIn(entry, key) == text;
 }
@@ -37,16 +60,12 @@ std::vector<PropertyListDictionary> TessalInstaller::readCFArrayOfDicts(const st
                                                                         const std::string& key,
                                                                         PreferencesUser user,
                                                                         PreferencesHost host) {
-  const auto value = platform::copyPreferencesValue(key, appID, user, host);
-  const auto* array = value ? value->as<PropertyListArray>() : nullptr;
-  if (!array) return {};
-
-  const bool onlyDictionaries = std::all_of(array->begin(), array->end(), [](const auto& element) {
-    return element.template as<PropertyListDictionary>() ||
-           element.template as<ForeignKeyDictionary>();
+  const PropertyListArray elements = readList(key, appID, user, host).elements;
+  const bool onlyDictionaries = std::ranges::all_of(elements, [](const PropertyListValue& element) {
+    return element.as<PropertyListDictionary>() || element.as<ForeignKeyDictionary>();
   });
   std::vector<PropertyListDictionary> entries;
-  for (const PropertyListValue& element : *array) {
+  for (const PropertyListValue& element : elements) {
     if (const auto* entry = element.as<PropertyListDictionary>())
       entries.push_back(*entry);
     else if (onlyDictionaries)
@@ -74,10 +93,9 @@ bool TessalInstaller::ensureOrvaneEnabledInHIToolboxDefaults(InputMode mode) con
         readCFArrayOfDicts(kDomain, key, PreferencesUser::current, PreferencesHost::current);
     if (containsInputModeEntry(entries, bundleID, inputMode)) continue;
     entries.insert(position == Position::front ? entries.begin() : entries.end(), entry);
-    platform::setPreferencesValue(key, PropertyListArray(entries.begin(), entries.end()), kDomain,
-                                  PreferencesUser::current, PreferencesHost::current);
+    writeList(key, PropertyListArray(entries.begin(), entries.end()));
   }
-  platform::synchronizePreferences(kDomain, PreferencesUser::current, PreferencesHost::current);
+  synchronizeLists();
   return true;
 }
 
@@ -89,13 +107,11 @@ std::vector<TessalInstaller::ListedEntries> TessalInstaller::listedEntries(Input
   const std::string bundleID = entryBundleID();
   std::vector<ListedEntries> found;
   for (const auto& [key, position] : kLists) {
+    const List list = readList(key);
     ListedEntries& entries = found.emplace_back();
     entries.list = key;
-    const auto value = platform::copyPreferencesValue(key, kDomain, PreferencesUser::current,
-                                                      PreferencesHost::current);
-    const auto* array = value ? value->as<PropertyListArray>() : nullptr;
-    entries.isDamaged = value && !array;
-    for (const PropertyListValue& element : array ? *array : PropertyListArray()) {
+    entries.isDamaged = list.isDamaged;
+    for (const PropertyListValue& element : list.elements) {
       const auto* entry = element.as<PropertyListDictionary>();
       if (!entry) {
         entries.isDamaged = true;
@@ -114,12 +130,8 @@ std::vector<TessalInstaller::ListedEntries> TessalInstaller::listedEntries(Input
 int TessalInstaller::removeOrvaneFromHIToolboxDefaults(const std::string& bundleID) const {
   int removed = 0;
   for (const auto& [key, position] : kLists) {
-    const auto value = platform::copyPreferencesValue(key, kDomain, PreferencesUser::current,
-                                                      PreferencesHost::current);
-    const auto* array = value ? value->as<PropertyListArray>() : nullptr;
-    if (!array) continue;
     // The list as it is, with what is no dictionary in it: that is not ours to clean.
-    PropertyListArray kept = *array;
+    PropertyListArray kept = readList(key).elements;
     const auto count = std::erase_if(kept, [&](const PropertyListValue& element) {
       const auto* entry = element.as<PropertyListDictionary>();
       return entry && (holdsText(*entry, kBundleIDKey, bundleID) ||
@@ -127,9 +139,8 @@ int TessalInstaller::removeOrvaneFromHIToolboxDefaults(const std::string& bundle
     });
     if (count == 0) continue;
     removed += static_cast<int>(count);
-    platform::setPreferencesValue(key, kept, kDomain, PreferencesUser::current,
-                                  PreferencesHost::current);
+    writeList(key, kept);
   }
-  platform::synchronizePreferences(kDomain, PreferencesUser::current, PreferencesHost::current);
+  synchronizeLists();
   return removed;
 }

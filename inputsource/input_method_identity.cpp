@@ -14,7 +14,7 @@ std::string TessalInstaller::rawValue(InputMode mode) {
 
 std::optional<TessalInstaller::InputMode> TessalInstaller::modeFromRawValue(
     std::string_view rawValueText) {
-  for (const InputMode mode : kAllModes)
+  for (const InputMode mode : kAllCases)
     if (rawValue(mode) == rawValueText) return mode;
   return std::nullopt;
 }

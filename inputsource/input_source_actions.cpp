@@ -1,4 +1,3 @@
-#include "inputsource/source_properties.h"
 #include "inputsource/tessal_installer.h"
 #include "platform/file_root.h"
 
@@ -27,7 +26,7 @@ void TessalInstaller::registerBundle() const {
 }
 
 void TessalInstaller::enable(std::vector<InputMode> modes) const {
-  if (modes.empty()) modes.assign(kAllModes.begin(), kAllModes.end());
+  if (modes.empty()) modes.assign(kAllCases.begin(), kAllCases.end());
   if (const InputSource base = keyboardInputMethodSource(/*includeAllInstalled=*/true))
     platform::enableInputSource(base);
 
@@ -40,7 +39,7 @@ void TessalInstaller::enable(std::vector<InputMode> modes) const {
 }
 
 void TessalInstaller::disable(std::vector<InputMode> modes) const {
-  if (modes.empty()) modes.assign(kAllModes.begin(), kAllModes.end());
+  if (modes.empty()) modes.assign(kAllCases.begin(), kAllCases.end());
   for (const auto& [mode, source] : getInputSource(modes, /*includeAllInstalled=*/false))
     if (getBool(source, InputSourceProperty::isEnabled) == true)
       platform::disableInputSource(source);

@@ -1,12 +1,24 @@
 #include <algorithm>
 #include <set>
 
-#include "inputsource/source_properties.h"
 #include "inputsource/tessal_installer.h"
 
 using platform::InputSource;
 using platform::InputSourceFilter;
 using platform::InputSourceProperty;
+
+std::optional<std::string> TessalInstaller::getString(const InputSource& source,
+                                                      InputSourceProperty key) {
+  const auto value = platform::getInputSourceProperty(source, key);
+  const auto* text = value ? value->as<std::string>() : nullptr;
+  return text ? std::optional(*text) : std::nullopt;
+}
+
+std::optional<bool> TessalInstaller::getBool(const InputSource& source, InputSourceProperty key) {
+  const auto value = platform::getInputSourceProperty(source, key);
+  const auto* flag = value ? value->as<bool>() : nullptr;
+  return flag ? std::optional(*flag) : std::nullopt;
+}
 
 std::vector<InputSource> TessalInstaller::allInputSources(bool includeAllInstalled) const {
   return platform::createInputSourceList(std::nullopt, includeAllInstalled)
@@ -69,14 +81,14 @@ bool TessalInstaller::isBaseEnabledBestEffort() const {
 std::vector<TessalInstaller::InputMode> TessalInstaller::enabledModes() const {
   std::vector<InputMode> enabled;
   for (const auto& [mode, source] :
-       getInputSource({kAllModes.begin(), kAllModes.end()}, /*includeAllInstalled=*/false))
+       getInputSource({kAllCases.begin(), kAllCases.end()}, /*includeAllInstalled=*/false))
     if (getBool(source, InputSourceProperty::isEnabled) == true) enabled.push_back(mode);
   return enabled;
 }
 
 std::vector<InputSource> TessalInstaller::ownSources() const {
   std::vector<InputSource> sources;
-  for (const InputMode mode : kAllModes)
+  for (const InputMode mode : kAllCases)
     if (const auto source = inputModeSource(mode, /*includeAllInstalled=*/true))
       sources.push_back(source);
   if (const auto base = keyboardInputMethodSource(/*includeAllInstalled=*/true))

@@ -22,7 +22,7 @@ class TessalInstaller {
  public:
   /// A mode of the input method.
   enum class InputMode { pinyin };
-  static constexpr std::array kAllModes = {InputMode::pinyin};
+  static constexpr std::array kAllCases = {InputMode::pinyin};
   /// The mode's source identifier, mode identifier and preferences entry.
   static std::string rawValue(InputMode mode);
   /// The mode of exactly this raw value, else absent.
@@ -101,6 +101,12 @@ class TessalInstaller {
   std::string entryBundleID() const;
 
  private:
+  /// The property's value if it is a string, else absent.
+  static std::optional<std::string> getString(const platform::InputSource& source,
+                                              platform::InputSourceProperty key);
+  /// The property's value if it is a boolean, else absent: a number is none.
+  static std::optional<bool> getBool(const platform::InputSource& source,
+                                     platform::InputSourceProperty key);
   std::optional<std::string> readInstalledBundleIdentifier() const;
   std::map<InputMode, platform::InputSource> getInputSource(const std::vector<InputMode>& modes,
                                                             bool includeAllInstalled) const;

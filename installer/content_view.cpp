@@ -1,5 +1,10 @@
 #include "installer/content_view.h"
 
+#include <utf8.h>
+
+#include "platform/file_root.h"
+#include "platform/log_file.h"
+
 ContentView::ContentView() = default;
 ContentView::~ContentView() {
   for (const auto& tail : tails_)
@@ -12,4 +17,15 @@ std::shared_ptr<ContentView> ContentView::create() {
   auto view = std::make_shared<Shared>();
   view->watchWindowHooks();
   return view;
+}
+
+void ContentView::appendUILog(const std::string& text) {
+  logText.update([&](std::string& log) { log += text; });
+  if (!utf8::is_valid(text)) return;
+  platform::appendToLogFile(platform::onDisk(kUILogPath), text);
+}
+
+void ContentView::runCommand(const std::string& launchPath,
+                             const std::vector<std::string>& arguments) {
+  platform::runAndWait(launchPath, arguments);
 }

@@ -9,13 +9,18 @@
 #include "app/window/notification_center.h"
 #include "app/window/window_close_interceptor.h"
 #include "installer/installation_status.h"
-#include "installer/log_text.h"
 #include "installer/state.h"
 #include "platform/admin_script.h"
 #include "platform/child_process.h"
 #include "platform/host_window.h"
 #include "platform/main_queue.h"
 #include "platform/text_input_sources.h"
+
+// The two log files of an installation. Paths are as the product names them.
+/// Written by the install script, followed by the installer.
+inline constexpr const char* kInstallLogPath = "/tmp/tessal_installer.log";
+/// Written by the installer: what it did, and every piece of the install log.
+inline constexpr const char* kUILogPath = "/tmp/tessal_installer_ui.log";
 
 /// The installer's main view: all of its state and every operation on it. It lives
 /// on the main thread, for as long as the window. The blocks that it puts on the
@@ -31,7 +36,7 @@ class ContentView : public std::enable_shared_from_this<ContentView> {
 
   // The state. A comment at a field says what true, or a value, means.
   /// Everything appended to the UI log since the view was created; only grows.
-  State<LogText> logText;
+  State<std::string> logText;
   /// 0.0 to 1.0.
   State<double> installProgress{0.0};
   /// The window shows the progress. Stays true when the authorisation was refused or
@@ -67,9 +72,9 @@ class ContentView : public std::enable_shared_from_this<ContentView> {
   State<std::unique_ptr<WindowCloseInterceptor>> closeInterceptor{
       std::make_unique<WindowCloseInterceptor>()};
 
-  // The log (installer/ui_log.cpp) and commands (installer/command.cpp).
+  // The log and commands (installer/content_view.cpp).
   /// Appends `text` as it is to logText and to the UI log.
-  void appendUILog(std::string text);
+  void appendUILog(const std::string& text);
   /// Runs a tool and waits for it; failures are dropped.
   static void runCommand(const std::string& launchPath, const std::vector<std::string>& arguments);
 
@@ -81,11 +86,11 @@ class ContentView : public std::enable_shared_from_this<ContentView> {
   void startInstallation();
 
   // The install log (installer/log_tail.cpp).
-  /// Starts `tail` on the install log. The caller owns it; a launch that fails is
-  /// logged, and nothing is followed then.
+  /// Starts `tail` on the install log. The caller owns it, and it ends with the view at
+  /// the latest. A launch that fails is logged, and nothing is followed then.
   std::shared_ptr<platform::ChildProcess> startFollowingInstallLog();
   /// One decoded piece of the install log.
-  void handleInstallLogChunk(std::string text);
+  void handleInstallLogChunk(const std::string& text);
 
   // After the script (activation/).
   /// Registers the installed bundle, and finishes or starts to wait. Runs once a
@@ -130,7 +135,7 @@ class ContentView : public std::enable_shared_from_this<ContentView> {
   void registerForActivationIfNeeded(std::string_view logSuffix);
   void refreshTextInputAgentsOnce();
 
-  /// The followers of the install log, one a run; they must not outlive the view.
+  /// The followers of runs whose scripts have not ended; they must not outlive the view.
   std::vector<std::weak_ptr<platform::ChildProcess>> tails_;
   platform::Observation waitingEnableWatch_;
   platform::Observation exitConfirmObserver_;

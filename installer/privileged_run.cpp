@@ -1,10 +1,6 @@
-#include <filesystem>
-#include <memory>
-
 #include "inputsource/tessal_installer.h"
 #include "installer/authorisation.h"
 #include "installer/content_view.h"
-#include "installer/log_files.h"
 #include "platform/bundle.h"
 #include "platform/child_process.h"
 #include "platform/common/admin_script_source.h"
@@ -57,7 +53,10 @@ void ContentView::startInstallation() {
     // it, a second run would wait on the main thread for the end of the first one.
     platform::asyncOnMain([view, tail, error] {
       if (tail->isRunning()) tail->terminate();
-      if (const auto self = view.lock()) self->finishPrivilegedRun(error);
+      const auto self = view.lock();
+      if (!self) return;
+      std::erase_if(self->tails_, [&](const auto& each) { return each.lock() == tail; });
+      self->finishPrivilegedRun(error);
     });
   };
   const auto problem = platform::asyncOnWorker(

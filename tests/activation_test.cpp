@@ -172,7 +172,7 @@ TEST_F(ActivationTest, BurstOfNotificationsIsHandledOnce) {
     platform.notifyEnabledSourcesChanged();
     platform.advance(0.1);
   }
-  EXPECT_EQ(view->logText->from(logged), kNotified + kNotified + kNotified);
+  EXPECT_EQ(view->logText->substr(logged), kNotified + kNotified + kNotified);
   platform.advance(0.2499);
   EXPECT_EQ(handledCount(), 0U);
   platform.statuses["select"] = {-1, -1};

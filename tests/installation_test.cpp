@@ -1,8 +1,5 @@
 // The state, the logs, the privileged run and the progress from its log.
 
-#include <atomic>
-#include <thread>
-
 #include "tests/view_test.h"
 
 namespace {
@@ -15,8 +12,8 @@ constexpr const char* kExecute =
 
 TEST_F(InstallationTest, EveryWayOfWritingReachesObserversOnceTheOperationIsOver) {
   std::vector<std::string> seen;
-  const auto log = view->logText.observe(
-      [&](const LogText& text, auto) { seen.push_back("log " + text.from(0)); });
+  const auto log =
+      view->logText.observe([&](const std::string& text, auto) { seen.push_back("log " + text); });
   const auto progress = view->installProgress.observe([&](double value, auto animation) {
     seen.push_back(std::to_string(value) +
                    (animation ? " over " + std::to_string(animation->duration.count()) : ""));
@@ -53,32 +50,6 @@ TEST_F(InstallationTest, UILogKeepsTextUnchangedAndMemoryKeepsEverything) {
   std::filesystem::remove_all(platform.root / "tmp");
   view->appendUILog("kept");
   EXPECT_TRUE(logText().ends_with("kept"));
-}
-
-TEST_F(InstallationTest, LongLogIsWholeWhateverItsPieces) {
-  LogText log;
-  std::string all;
-  const std::string_view first = log.append("first");
-  for (const std::size_t size : {1, 20000, 9000, 7000, 500, 16384, 3, 70000, 16000}) {
-    const std::string piece(size, char('a' + all.size() % 26));
-    all += piece;
-    view->appendUILog(piece);
-    EXPECT_EQ(view->logText->from(all.size() - size), piece);
-    log.append(piece);
-  }
-  EXPECT_EQ(first, "first");  // nothing moves
-  EXPECT_EQ(view->logText->size(), all.size());
-  EXPECT_EQ(logText(), all);
-  EXPECT_EQ(uiLog(), all);
-}
-
-TEST_F(InstallationTest, LongTextIsCheckedToItsEnd) {
-  for (const std::size_t before : {0, 510, 511, 512, 1023}) {
-    const std::string lead = std::string(before, 'x');
-    EXPECT_TRUE(isUtf8(lead + "安" + lead + "\n安"));
-    EXPECT_FALSE(isUtf8(lead + "\xe5\xae"));
-    EXPECT_FALSE(isUtf8("安\n" + lead + "\x89" + lead));
-  }
 }
 
 TEST_F(InstallationTest, FirstMarkerInTableOrderDecides) {
@@ -122,7 +93,7 @@ TEST_F(InstallationTest, FinishStartsActivationOnceAndIsLoggedAfterIt) {
     view->handleInstallLogChunk("finish");  // nothing is installed
     EXPECT_EQ(view->installProgress.get(), std::max(before, 0.94));
   }
-  view->logText = LogText();
+  view->logText = std::string();
   view->userPressedInstall();
   platform.putInstalledBundle();
   view->handleInstallLogChunk("finished\n");
@@ -182,33 +153,6 @@ TEST_F(InstallationTest, MissingScriptAndMissingFollower) {
   platform.drain();
   EXPECT_EQ(calls({"terminate"}), Lines{});
   EXPECT_EQ(calls({"execute"}), Lines{kExecute});
-}
-
-TEST_F(InstallationTest, MissingWorkerEndsTheRun) {
-  platform.workerProblem = "no thread";
-  view->userPressedInstall();
-  platform.drain();
-  EXPECT_EQ(view->installationStatus->message(), "安装失败");
-  EXPECT_EQ(uiLog(), "管理员授权失败: no thread\n");
-  EXPECT_EQ(calls({"execute"}), Lines{});
-  EXPECT_EQ(calls({"terminate"}), Lines{"terminate"});
-}
-
-TEST_F(InstallationTest, ReaderOfTheLogWaitsForTheMainQueueAndEndsWithTheRun) {
-  view->userPressedInstall();
-  const std::string piece(64 * 1024, 'x');
-  constexpr std::size_t kPiecesOfTheBacklog = 16;
-  std::atomic<std::size_t> read = 0;
-  // A copy, as a child keeps its own handler until its reader has ended.
-  std::thread reader([&, handle = platform.outputHandler] {
-    for (int i = 0; i < 100; ++i, ++read) handle(piece);
-  });
-  while (read < kPiecesOfTheBacklog) std::this_thread::yield();
-  for (int turns = 0; turns < 1000; ++turns) std::this_thread::yield();
-  EXPECT_EQ(read, kPiecesOfTheBacklog);
-  // The run and its follower go while the reader waits.
-  platform.workerBlocks.clear();
-  reader.join();
 }
 
 TEST_F(InstallationTest, RefusalAndFailureKeepTheRunOnScreen) {

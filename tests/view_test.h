@@ -21,7 +21,7 @@ class ViewTest : public testing::Test {
   ~ViewTest() override { view.reset(); }
 
   InstallationStatus::Case status() const { return view->installationStatus->value(); }
-  std::string logText() const { return view->logText->from(0); }
+  std::string logText() const { return view->logText; }
   std::string uiLog() const { return platform.readFile("/tmp/tessal_installer_ui.log"); }
 
   /// The calls made so far that begin with one of these words.

@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "inputsource/source_properties.h"
 #include "tests/identifiers.h"
 #include "tests/platform/test_platform.h"
 
@@ -11,7 +10,9 @@ namespace platform {
 namespace {
 
 Status act(const std::string& call, const InputSource& source) {
-  test::note(call + " " + getString(source, InputSourceProperty::inputSourceID).value_or("?"));
+  const auto id = getInputSourceProperty(source, InputSourceProperty::inputSourceID);
+  const auto* text = id ? id->as<std::string>() : nullptr;
+  test::note(call + " " + (text ? *text : "?"));
   auto& answers = test::active->statuses[call];
   if (answers.empty()) return kNoError;
   const Status status = answers.front();
@@ -27,7 +28,8 @@ std::optional<std::vector<InputSource>> createInputSourceList(
   if (test::active->answersNoList) return std::nullopt;
   std::vector<InputSource> list;
   for (const auto& source : test::active->sources) {
-    const bool isEnabled = getBool(source, InputSourceProperty::isEnabled) == true;
+    const bool isEnabled =
+        getInputSourceProperty(source, InputSourceProperty::isEnabled) == PropertyListValue(true);
     if (!includeAllInstalled && (test::active->listsNoEnabled || !isEnabled)) continue;
     if (filter && test::valueIn(source->properties, filter->property) != filter->value) continue;
     list.push_back(source);

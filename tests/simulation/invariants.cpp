@@ -3,7 +3,6 @@
 #include <cmath>
 #include <string_view>
 
-#include "inputsource/source_properties.h"
 #include "tests/identifiers.h"
 
 namespace simulation {
@@ -21,8 +20,10 @@ bool isOver(const Status& status) {
 
 bool isMode(const platform::InputSource& source) {
   using Property = platform::InputSourceProperty;
-  return getString(source, Property::inputModeID) == kPinyin ||
-         getString(source, Property::inputSourceID) == kPinyin;
+  return platform::getInputSourceProperty(source, Property::inputModeID) ==
+             platform::PropertyListValue(kPinyin) ||
+         platform::getInputSourceProperty(source, Property::inputSourceID) ==
+             platform::PropertyListValue(kPinyin);
 }
 
 int count(std::string_view text, std::string_view part) {
@@ -90,12 +91,12 @@ void Invariants::checkUILog() const {
 
 /// A piece never ends in a line end here, what the view writes itself always does.
 void Invariants::checkLog() {
-  const LogText& log = view_.logText.get();
+  const std::string& log = view_.logText.get();
   require(log.size() >= logSize_, "the log only grows");
   if (platform_.queue.empty() && log.size() == logSize_)
     require(pieces_.empty(), "every piece is logged");
   if (log.size() > logSize_) {
-    const std::string added = log.from(logSize_);
+    const std::string added = log.substr(logSize_);
     std::string_view own = added;
     uiLog_ += own;
     if (own.back() != '\n') {

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 
-#include "inputsource/source_properties.h"
 #include "tests/identifiers.h"
 
 namespace simulation {
@@ -98,8 +97,8 @@ void World::check() {
 
 bool World::isBaseListedAsEnabled() const {
   return !platform_.answersNoList && std::ranges::any_of(platform_.sources, [](const auto& source) {
-    return getString(source, Property::inputSourceID) == kBase &&
-           getBool(source, Property::isEnabled) == true;
+    return source->properties[Property::inputSourceID] == platform::PropertyListValue(kBase) &&
+           source->properties[Property::isEnabled] == platform::PropertyListValue(true);
   });
 }
 
