@@ -3,11 +3,13 @@
 #include <QGuiApplication>
 #include <cstdlib>
 #include <iostream>
+#include <string>
+#include <vector>
 
 #include "app/tessal_input_installer_app.h"
-#include "cli/program_options.h"
 #include "platform/admin_script.h"
 #include "platform/application.h"
+#include "platform/common/program_options.h"
 #include "platform/program.h"
 #include "ui/installer_ui.h"
 
@@ -26,11 +28,10 @@ void endWithoutDisplay(QtMsgType type, const QMessageLogContext& /*context*/,
 }  // namespace
 
 int main(int argc, char** argv) {
-  CLI::App program("Installs the input method in a window.", "Orvane Installer");
-  // The system may start an application with arguments of its own.
-  program.allow_extras();
-  addCommonOptions(program);
-  if (const auto status = parseArguments(program, argc, argv)) return *status;
+  std::vector<std::string> others;  // the system may give an application some
+  if (const auto status = platform::parseArguments(
+          "Orvane Installer", "Installs the input method in a window.", argc, argv, others))
+    return *status;
 
   // The toolkit ends the process by itself when it loses its display.
   std::atexit([] { platform::interruptAdminScript(); });

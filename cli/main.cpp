@@ -1,12 +1,13 @@
 // The command line: installation, activation, diagnosis and removal without a
 // window.
 
+#include <CLI/CLI.hpp>
 #include <functional>
 #include <iostream>
 #include <string>
 
 #include "cli/commands.h"
-#include "cli/program_options.h"
+#include "platform/common/program_options.h"
 
 namespace {
 
@@ -20,7 +21,7 @@ struct Options {
 };
 
 void addEveryonesOptions(CLI::App& command, Options& options) {
-  addCommonOptions(command);
+  platform::addCommonOptions(command);
   command.add_flag("--json", options.json, "tell what happens in lines of JSON on standard output");
 }
 
@@ -89,10 +90,10 @@ int main(int argc, char** argv) {
   uninstall.add_flag("--purge", options.uninstall.purge,
                      "remove the user's dictionary and settings as well");
 
-  if (const auto status = parseArguments(program, argc, argv)) return *status;
+  if (const auto status = platform::parseArguments(program, argc, argv)) return *status;
   if (name == "uninstall" && options.json && !options.uninstall.yes) {
     std::cerr << program.get_name() << ": uninstall --json needs --yes\n\n" << uninstall.help();
-    return kBadUsage;
+    return platform::kBadUsage;
   }
   const auto output = options.json ? makeJsonOutput(name) : makeTextOutput(name);
   return run(*output);

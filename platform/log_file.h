@@ -18,4 +18,8 @@ void emptyLogFile(const std::filesystem::path& path);
 /// is ignored.
 void appendToLogFile(const std::filesystem::path& path, std::string_view entry);
 
+/// Whether a log lies there that can be believed: a regular file with one name that
+/// belongs to this user or to root. A link is none, wherever it leads.
+bool isOwnLogFile(const std::filesystem::path& path);
+
 }  // namespace platform

@@ -11,18 +11,13 @@
 
 namespace platform {
 
-/// Readies this process, before anything else is done in it: a closed standard
-/// stream must not be taken by a file, and what goes wrong for good ends it with a
-/// reason. Absent, or what it lacks to run at all, for the user.
-[[nodiscard]] std::optional<std::string> prepareProcess();
-
 /// An option that every program of this platform takes beside its own.
 struct PlatformOption {
   std::string name;       // "--root"
   std::string valueName;  // "DIR"
   std::string description;
-  /// Uses the value that was given. Absent on success, else what is wrong with
-  /// it, for the user. Called before anything else of the platform is used.
+  /// Checks the value that was given and uses it from now on. Absent on success,
+  /// else what is wrong with it, for the user. Before any service is used.
   std::function<std::optional<std::string>(const std::string& value)> use;
 };
 

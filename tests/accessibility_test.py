@@ -21,6 +21,7 @@ BASE = "com.tessal.inputmethod.Orvane"
 LONGEST_WAIT = 30  # seconds
 bundle, work = sys.argv[1:]
 root = work + "/root"
+os.mkdir(root)
 failures = 0
 focused = []  # (role, name, description) of what got the focus, as it was announced
 

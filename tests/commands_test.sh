@@ -82,6 +82,7 @@ says "consent denied" '没有启用输入法：已经请求过，但还没有允
 
 echo "a second account"
 second=$work/second
+mkdir "$second"
 rm -f "$root/user/Library/Application Support/Orvane/opened.log"
 "$app/Contents/MacOS/orvane-install" --root "$root" --home "$second" activate >"$work/out" 2>&1 & front=$!
 await "the waiting phase" grep -q '请将「澄枫输入法」添加到输入法列表' "$work/out"

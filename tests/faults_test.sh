@@ -54,12 +54,6 @@ replace() {
 }
 # What the installer is started by.
 by() { runner=$1; }
-limited() { (ulimit $limit && exec "$@"); }
-limit() { limit=$1 runner=limited; }
-little_memory() {
-  ! grep -qs __asan_init "$app/Contents/MacOS/orvane-install" || skipped="a sanitizer needs much"
-  limit "-v 60000"
-}
 # As a user of its own, who may have so many processes and threads.
 crowded() { prlimit --nproc="$limit" setpriv --reuid=54321 --clear-groups "$@"; }
 few_processes() {
@@ -171,10 +165,7 @@ killed with the script  | script hold; when holding 'kill -9 $front'           |
 killed with a child     | script 'sleep 50 & hold'; when holding 'kill -9 $front' | 137 | - | -
 killed while waiting    | options=; when trigger=enter-waiting 'kill -9 $front' | 137 | - | -
 # Too little of something
-few descriptors         | limit "-n 30"                                        | 1   | no file can be opened | -
-no thread               | few_processes 1                                      | 1   | no thread can be started | -
 no process              | few_processes 2                                      | 1   | 安装失败 | 管理员授权失败: /usr/bin/setpriv: Resource temporarily unavailable
-little memory           | little_memory                                        | 1   | - | -
 # Odd surroundings
 German, then Chinese    | by "env LC_ALL=C.UTF-8 LANGUAGE=de:zh_CN"; askpass=/bin/false | 2 | 未获得管理员授权 | - | untouched
 no locale               | by "env LC_ALL=C"                                    | 3   | - | 启用路径：全新安装
@@ -182,7 +173,7 @@ empty environment       | by "setsid -w env -i"; own_askpass                    
 PATH and IFS            | by "env PATH=/none IFS=/t"                           | 3   | - | 启用路径：全新安装
 umask 0                 | by open_mask                                         | 3   | - | 启用路径：全新安装
 closed descriptors      | by without_streams                                   | 3   | - | 启用路径：全新安装
-root not UTF-8          | root=$work/$(printf "a\377b")                        | 64  | not UTF-8 | -
+root not UTF-8          | root=$work/$(printf "a\377b"); mkdir "$root"       | 64  | not UTF-8 | -
 ROWS
 
 finish

@@ -54,7 +54,7 @@ if [ "$1" = --small ]; then
     kill -TERM $installer
     ended "small screen"
     end_agents
-    rm -rf "$root"
+    rm -rf "${root:?}"/*
   done
   finish
   exit

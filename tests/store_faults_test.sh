@@ -108,7 +108,7 @@ log is a link        | logs 'ln -s $own $log'                | 3 | - | - | usabl
 log is a broken link | logs 'ln -s $root/none $log'          | 3 | - | - | usable && [ ! -e $root/none ]
 log is a second name | logs 'ln $own $log'                   | 3 | - | - | usable && mine
 log is a pipe        | logs 'mkfifo $log'                    | 3 | - | - | usable && [ -p $log ]
-no place for logs    | : >$root/tmp                          | 64 | - | - | [ -f $root/tmp ]
+no place for logs    | : >$root/tmp                          | 3  | - | - | [ -f $root/tmp ]
 disk full for logs   | disk 4k $root/tmp; fill $root/tmp     | 3 | - | - | usable
 # The payload and where it goes
 archive damaged      | damage_archive                        | 1 | 安装失败 | does not match its checksum | [ ! -e "$root/Library/Input Methods/Orvane.app" ]

@@ -46,6 +46,7 @@ use_bundle() {
   base=com.tessal.inputmethod.Orvane
   work=$(mktemp -d)
   root=$work/root
+  mkdir "$root"
   trap 'clean_up; rm -rf "$work"' EXIT
   trap 'exit 1' HUP INT TERM
   unset TESSAL_INSTALLER_WRITE_HITOOLBOX_DEFAULTS INSTALL_ROOT

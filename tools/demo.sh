@@ -103,6 +103,7 @@ sed -E 's/^( *)(log .*)/\1sleep 0.4; \2/' "$app/Contents/Resources/install.sh" \
 
 start() { # start NAME BUNDLE: the installer on the root NAME; its window goes to $window
   root=$work/$1
+  mkdir -p "$root"
   "$2/Contents/MacOS/Orvane Installer" --root "$root" &
   installer=$!
   children+=("$installer")

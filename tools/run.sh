@@ -9,4 +9,5 @@ elif [ -z "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
   echo "no display here: doing what 'make demo' does"
   exec "$(dirname "$0")/demo.sh" "$app" build/demo
 fi
+mkdir -p build/preview
 exec "$app/Contents/MacOS/Orvane Installer" --root build/preview

@@ -14,9 +14,10 @@
 #include <iostream>
 #include <memory>
 #include <string>
+#include <vector>
 
-#include "cli/program_options.h"
 #include "platform/bundle.h"
+#include "platform/common/program_options.h"
 #include "platform/linux/askpass_contract.h"
 #include "platform/linux/environment.h"
 #include "platform/linux/process_descriptor.h"
@@ -79,15 +80,16 @@ int askWithoutDisplay(const std::string& prompt, const Installer& installer) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  CLI::App commandLine("Asks for a password and prints it.", "askpass");
-  std::string given;
-  commandLine.add_option("PROMPT", given, "what the window says");
-  addCommonOptions(commandLine);
-  if (const auto status = parseArguments(commandLine, argc, argv)) return *status;
+  std::vector<std::string> prompts;
+  if (const auto status = platform::parseArguments(
+          "askpass", "Asks for a password with the text of its argument, and prints it.", argc,
+          argv, prompts))
+    return *status;
 
   ::prctl(PR_SET_DUMPABLE, 0);  // neither a core file nor a debugger gets the password
 
-  const QString wanted = QString::fromUtf8(given.c_str()).trimmed();
+  const QString wanted =
+      prompts.empty() ? QString() : QString::fromStdString(prompts.front()).trimmed();
   const QString text = wanted.isEmpty() ? QStringLiteral("需要管理员权限") : wanted;
   const Installer asking = installer();
   if (asking.process > 0 && !asking.lifeline && errno == ESRCH) return kNoPassword;

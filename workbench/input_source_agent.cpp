@@ -5,9 +5,10 @@
 #include <algorithm>
 #include <iostream>
 #include <string>
+#include <vector>
 
-#include "cli/program_options.h"
 #include "platform/application.h"
+#include "platform/common/program_options.h"
 #include "platform/linux/input_source_service.h"
 #include "platform/linux/input_source_state.h"
 #include "ui/installer_ui.h"
@@ -24,12 +25,7 @@ constexpr const char* kName = "input-source-agent";
 constexpr int kFailed = 1;
 constexpr int kNoDisplay = 69;
 
-/// A frame of four numbers; not valid if there are none.
-QRect toFrame(const std::vector<int>& numbers) {
-  return numbers.size() == 4 ? QRect(numbers[0], numbers[1], numbers[2], numbers[3]) : QRect();
-}
-
-int askForConsent(const std::string& id, const QRect& beside) {
+int askForConsent(const std::string& id) {
   const auto source = service::findInputSource(id);
   if (!source) {
     std::cerr << kName << ": no input source has the identifier " << id << '\n';
@@ -65,20 +61,18 @@ int askForConsent(const std::string& id, const QRect& beside) {
   });
   instance.onOtherStart(platform::activateIgnoringOtherApps);
   program.keepOnTop();
-  program.placeBeside(beside, Side::right);
   program.open(QStringLiteral("ConsentWindow"), {{"question", QVariant::fromValue(&question)}},
                QStringLiteral("输入法许可"), /*isClosable=*/false,
                [] { return false; });  // only its buttons answer it
   return program.run();
 }
 
-int showSettings(const QRect& beside) {
+int showSettings() {
   SingleInstance instance("settings");
   if (!instance.take()) return 0;
   HelperProgram program(kName, kName, kNoDisplay);
   InputSourceList list;
   instance.onOtherStart(platform::activateIgnoringOtherApps);
-  program.placeBeside(beside, Side::left);
   program.open(QStringLiteral("SettingsWindow"), {{"list", QVariant::fromValue(&list)}},
                QStringLiteral("键盘 · 输入法"), /*isClosable=*/true, [] {
                  HelperProgram::end(0);
@@ -90,22 +84,16 @@ int showSettings(const QRect& beside) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  CLI::App program("The windows of the input-source service.", kName);
-  std::string id;
-  CLI::Option_group* const window = program.add_option_group("Window");
-  window
-      ->add_option("--consent", id,
-                   "ask the user to allow this input method, if it is to be asked for")
-      ->type_name("ID");
-  bool settings = false;
-  window->add_flag("--settings", settings, "show the input sources, each with a switch");
-  window->require_option(1);
-  std::vector<int> beside;
-  program.add_option("--beside", beside, "open the window beside this frame, in points")
-      ->type_name("X,Y,WIDTH,HEIGHT")
-      ->delimiter(',')
-      ->expected(4);
-  addCommonOptions(program);
-  if (const auto status = parseArguments(program, argc, argv)) return *status;
-  return settings ? showSettings(toFrame(beside)) : askForConsent(id, toFrame(beside));
+  std::vector<std::string> others;
+  if (const auto status = platform::parseArguments(
+          kName,
+          "The windows of the input-source service.\n"
+          "--consent ID asks the user to allow this input method, if it is to be asked for;\n"
+          "--settings shows the input sources, each with a switch.",
+          argc, argv, others))
+    return *status;
+  if (others.size() == 1 && others[0] == "--settings") return showSettings();
+  if (others.size() == 2 && others[0] == "--consent") return askForConsent(others[1]);
+  std::cerr << kName << ": either --consent ID or --settings\n";
+  return platform::kBadUsage;
 }

@@ -1,10 +1,11 @@
 // input-sources: the input-source service on the command line.
 
+#include <CLI/CLI.hpp>
 #include <array>
 #include <iostream>
 #include <string>
 
-#include "cli/program_options.h"
+#include "platform/common/program_options.h"
 #include "platform/linux/input_source_service.h"
 #include "platform/linux/input_source_state.h"
 #include "platform/program.h"
@@ -62,7 +63,7 @@ int main(int argc, char** argv) {
   CLI::App program("The input-source service on the command line.", "input-sources");
   program.require_subcommand(1);
   program.fallthrough();  // --root may stand behind the command
-  addCommonOptions(program);
+  platform::addCommonOptions(program);
 
   struct Query {
     const char* name;
@@ -102,5 +103,5 @@ int main(int argc, char** argv) {
     command->add_option("ID", id, "identifier of the source")->required();
     command->callback([&kind, &status, &id] { status = change(kind.name, kind.operation, id); });
   }
-  return parseArguments(program, argc, argv).value_or(status);
+  return platform::parseArguments(program, argc, argv).value_or(status);
 }

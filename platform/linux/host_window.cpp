@@ -3,13 +3,9 @@
 #include "platform/host_window.h"
 
 #include <QEvent>
-#include <QPointer>
 #include <QWindow>
 #include <cmath>
-#include <optional>
 #include <utility>
-
-#include "platform/linux/input_source_service.h"
 
 namespace platform {
 
@@ -64,9 +60,6 @@ class WindowGuard : public QObject {
  private:
   explicit WindowGuard(QWindow& window) : QObject(&window), window_(window) {
     window.installEventFilter(this);
-    linux_::placeAgentBeside([guard = QPointer(this)] {
-      return guard ? std::optional(toRect(guard->window_.frameGeometry())) : std::nullopt;
-    });
   }
 
   QWindow& window_;

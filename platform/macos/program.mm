@@ -34,10 +34,6 @@ DispatchSource watch(int signal, const Block& block) {
 
 }  // namespace
 
-std::optional<std::string> prepareProcess() {
-  return std::nullopt;  // the system starts applications with all that they need
-}
-
 std::vector<PlatformOption> platformOptions() {
   return {};
 }

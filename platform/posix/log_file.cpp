@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <system_error>
 
 #include "platform/posix/regular_file.h"
 
@@ -17,9 +18,13 @@ Descriptor openLog(const std::filesystem::path& path) {
   // Two opens, as the first must not be able to create: the kernel may refuse such
   // an open even to root, on a file of another user in a sticky folder.
   Descriptor file = openRegularFile(path, O_WRONLY | O_NOFOLLOW);
-  if (!file && errno == ENOENT)
+  if (!file && errno == ENOENT) {
+    // The folder may not be there yet below a root of one's own.
+    std::error_code ignored;
+    std::filesystem::create_directories(path.parent_path(), ignored);
     file = Descriptor(
         ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644));
+  }
   struct stat status {};
   // A second name may be that of a file which the user wants to keep.
   if (!file || ::fstat(file.get(), &status) != 0 || status.st_nlink != 1) return {};
@@ -43,6 +48,12 @@ void appendToLogFile(const std::filesystem::path& path, std::string_view entry) 
     if (count <= 0) return;
     entry.remove_prefix(static_cast<std::size_t>(count));
   }
+}
+
+bool isOwnLogFile(const std::filesystem::path& path) {
+  struct stat status {};
+  return ::lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink == 1 &&
+         (status.st_uid == ::geteuid() || status.st_uid == 0);
 }
 
 }  // namespace platform

@@ -10,5 +10,8 @@ void emptyLogFile(const std::filesystem::path& path) {
 void appendToLogFile(const std::filesystem::path& path, std::string_view entry) {
   test::active->logs[path].append(entry);
 }
+bool isOwnLogFile(const std::filesystem::path& path) {
+  return test::active->logs.contains(path);
+}
 
 }  // namespace platform

@@ -1,20 +1,22 @@
-#include "cli/program_options.h"
+#include "platform/common/program_options.h"
 
-#include <cstdlib>
+#include <CLI/CLI.hpp>
 #include <iostream>
-#include <string>
 
 #include "platform/program.h"
+
+namespace platform {
 
 void addCommonOptions(CLI::App& program) {
   program.set_help_flag("--help", "show this");
   program.set_version_flag("--version", ORVANE_VERSION, "show the version");
-  for (const auto& option : platform::platformOptions()) {
+  for (const auto& option : platformOptions()) {
     program
         .add_option_function<std::string>(
             option.name,
-            [use = option.use](const std::string& value) {
-              if (const auto problem = use(value)) throw CLI::ValidationError(*problem);
+            [option](const std::string& value) {
+              if (const auto problem = option.use(value))
+                throw CLI::ValidationError(option.name, *problem);
             },
             option.description)
         ->type_name(option.valueName)
@@ -23,10 +25,6 @@ void addCommonOptions(CLI::App& program) {
 }
 
 std::optional<int> parseArguments(CLI::App& program, int argc, char** argv) {
-  if (const auto problem = platform::prepareProcess()) {
-    std::cerr << program.get_name() << ": " << *problem << std::endl;
-    return EXIT_FAILURE;
-  }
   try {
     program.parse(argc, argv);
     return std::nullopt;
@@ -37,3 +35,15 @@ std::optional<int> parseArguments(CLI::App& program, int argc, char** argv) {
     return kBadUsage;
   }
 }
+
+std::optional<int> parseArguments(const std::string& name, const std::string& description, int argc,
+                                  char** argv, std::vector<std::string>& others) {
+  CLI::App program(description, name);
+  program.allow_extras();
+  addCommonOptions(program);
+  const auto status = parseArguments(program, argc, argv);
+  others = program.remaining();
+  return status;
+}
+
+}  // namespace platform
