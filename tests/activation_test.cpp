@@ -26,6 +26,7 @@ class ActivationTest : public ViewTest {
 };
 
 TEST_F(ActivationTest, FreshInstallFromScriptToSettings) {
+  ::setenv("TESSAL_INSTALLER_WRITE_HITOOLBOX_DEFAULTS", "1", 1);  // not for this path
   platform.addInputMethod();
   Lines shown;
   const auto progress = view->installProgress.observe([&](double value, auto animation) {
@@ -53,7 +54,7 @@ TEST_F(ActivationTest, FreshInstallFromScriptToSettings) {
   platform.notifyEnabledSourcesChanged();
   platform.advance(0.35);
   EXPECT_EQ(status(), InstallationStatus::success);
-  EXPECT_EQ(platform.journal,
+  EXPECT_EQ(platform.journal,  // with no preferences among it
             (Lines{"deselect " + kPinyin, "select " + kPinyin, "stop observing", kRestarts[0],
                    kRestarts[1], "open application " + kBundleOnDisk + kSettingsApp}));
   EXPECT_EQ(
@@ -89,7 +90,7 @@ TEST_F(ActivationTest, OverwriteInstallEndsAtOnceAndSelectsNothing) {
   EXPECT_TRUE(logText().ends_with("已处理覆盖安装：跳过切换当前输入法（ok=true）\n"));
 
   // Registration is once a window; defaults and agents are once a run.
-  for (const char* value : {"true", " 1", "1", "1"}) {
+  for (const char* value : {"true", " 1", "1 ", "1", "1"}) {
     // As a fresh run before would have left it: it goes after the agents.
     view->registerEnabledInputSourcesChangedNotificationIfNeeded();
     platform.takeJournal();
@@ -215,6 +216,7 @@ TEST_F(ActivationTest, PollStandsBackAfterNotificationAndStopsWithTheScreen) {
 TEST_F(ActivationTest, PollFindsSelectionMadeElsewhereWithoutSelecting) {
   runFreshInstallUpToWaiting();
   view->startEnablePolling();
+  const std::string log = logText();
   platform.advance(1.5);
   EXPECT_EQ(handledCount(), 0U);  // base not enabled: nothing to select
   platform.current = platform.mode;
@@ -222,9 +224,12 @@ TEST_F(ActivationTest, PollFindsSelectionMadeElsewhereWithoutSelecting) {
   platform.advance(1.5);
   EXPECT_EQ(status(), InstallationStatus::needAdmin);
   view->installationStatus = InstallationStatus::waitingEnable;
-  platform.advance(1.5);
+  platform.advance(1.4999);
+  EXPECT_EQ(status(), InstallationStatus::waitingEnable);
+  platform.advance(0.0002);
   EXPECT_EQ(status(), InstallationStatus::success);
   EXPECT_EQ(handledCount(), 0U);
+  EXPECT_EQ(logText(), log + "首装 bootstrap：未找到设置应用，跳过\n") << "a poll logs nothing";
 }
 
 TEST_F(ActivationTest, EarlyFinalisationIsOvertakenByTheDelayedBlock) {

@@ -111,11 +111,14 @@ TEST_F(InstallationTest, RunEmptiesLogsFollowsTheInstallLogAndRunsTheScript) {
   platform.putFile("/tmp/tessal_installer.log", "finish");
   view->appendUILog("kept ");
   view->installPathExistedBeforeStart = true;
+  platform.duringLaunch = [this] {
+    EXPECT_EQ(platform.readFile("/tmp/tessal_installer.log"), "")
+        << "emptied before it is followed";
+  };
   view->userPressedInstall();
   EXPECT_FALSE(view->installPathExistedBeforeStart);
   EXPECT_TRUE(view->isInstalling);
   EXPECT_EQ(status(), InstallationStatus::installing);
-  EXPECT_EQ(platform.readFile("/tmp/tessal_installer.log"), "");
 
   // Pieces come off the main thread and are handled on it, in order.
   platform.outputHandler("kill Orvane\n");
@@ -133,7 +136,9 @@ TEST_F(InstallationTest, RunEmptiesLogsFollowsTheInstallLogAndRunsTheScript) {
                                      kExecute, "terminate"}));
   EXPECT_EQ(status(), InstallationStatus::failed);
   EXPECT_EQ(view->installationStatus->message(), "未检测到已安装的输入法");
+  EXPECT_EQ(uiLog(), "kill Orvane\nmore\n开始注册并激活输入法...\n");
   EXPECT_FALSE(view->isInstalling);
+  EXPECT_EQ(platform.outputHandler, nullptr) << "the follower goes with its run";
 }
 
 TEST_F(InstallationTest, MissingScriptAndMissingFollower) {

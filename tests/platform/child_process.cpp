@@ -25,6 +25,7 @@ ChildProcess::~ChildProcess() {
 }
 std::optional<std::string> ChildProcess::launch() {
   test::note("launch " + impl_->command);
+  if (test::active->duringLaunch) test::active->duringLaunch();
   impl_->isRunning = !test::active->launchProblem;
   if (impl_->isRunning) ++test::active->runningChildren;
   return test::active->launchProblem;

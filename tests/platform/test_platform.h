@@ -88,6 +88,7 @@ class Platform {
   // The administrator script and the follower of the log.
   std::optional<platform::AdminScriptError> adminScriptError;
   std::function<void()> duringAdminScript;
+  std::function<void()> duringLaunch;
   std::optional<std::string> launchProblem;
   std::optional<std::string> workerProblem;
   /// Of the latest child, as long as there is one.
@@ -104,8 +105,6 @@ class Platform {
   std::map<std::string, std::vector<platform::Status>> statuses;
   /// Whether a successful call makes the source the current one, as in the real service.
   bool appliesSelect = false;
-  /// Called before each answer of the service, with the filter of a list.
-  std::function<void(const platform::InputSourceFilter*)> beforeLookup;
   std::shared_ptr<platform::InputSourceObject> addSource(const std::string& bundleID,
                                                          const std::string& sourceID);
   /// A keyboard layout that is in use; the pinyin and base sources, disabled.
@@ -116,7 +115,6 @@ class Platform {
   void notifyEnabledSourcesChanged();
   platform::HandlerList<> enabledSourcesObservers;
   int liveObservers = 0;
-  int deliveredNotifications = 0;
 
   /// Those of the current user and host; a call for others is in the journal.
   std::map<std::string, platform::PropertyListValue> preferences;

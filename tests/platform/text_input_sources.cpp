@@ -24,7 +24,6 @@ Status act(const std::string& call, const InputSource& source) {
 
 std::optional<std::vector<InputSource>> createInputSourceList(
     const std::optional<InputSourceFilter>& filter, bool includeAllInstalled) {
-  if (test::active->beforeLookup) test::active->beforeLookup(filter ? &*filter : nullptr);
   if (test::active->answersNoList) return std::nullopt;
   std::vector<InputSource> list;
   for (const auto& source : test::active->sources) {
@@ -41,7 +40,6 @@ std::optional<PropertyListValue> getInputSourceProperty(const InputSource& sourc
   return test::valueIn(source->properties, property);
 }
 InputSource copyCurrentKeyboardInputSource() {
-  if (test::active->beforeLookup) test::active->beforeLookup(nullptr);
   return test::active->current;
 }
 Status registerInputSource(const std::filesystem::path& bundle) {
@@ -106,10 +104,7 @@ void Platform::setEnabled(const std::string& sourceID, bool enabled) {
 }
 
 void Platform::notifyEnabledSourcesChanged() {
-  platform::asyncOnMain([] {
-    active->deliveredNotifications += active->liveObservers;
-    active->enabledSourcesObservers.call();
-  });
+  platform::asyncOnMain([] { active->enabledSourcesObservers.call(); });
 }
 
 }  // namespace test
