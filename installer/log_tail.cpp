@@ -6,6 +6,7 @@
 
 #include "installer/content_view.h"
 #include "platform/file_root.h"
+#include "platform/log_file.h"
 
 namespace {
 
@@ -42,11 +43,19 @@ std::shared_ptr<platform::ChildProcess> ContentView::startFollowingInstallLog() 
       if (const auto self = view.lock()) self->handleInstallLogChunk(text);
     });
   };
-  const std::vector<std::string> arguments = {"-n", "+1", "-F",
-                                              platform::onDisk(kInstallLogPath).string()};
+  const std::string log = platform::onDisk(kInstallLogPath).string();
+  const std::vector<std::string> arguments = {"-n", "+1", "-F", log};
   const auto tail = std::make_shared<platform::ChildProcess>("/usr/bin/tail", arguments, handle);
   tails_.push_back(tail);
-  if (const auto problem = tail->launch()) appendUILog("无法启动日志跟踪: " + *problem + "\n");
+  // Everybody may put a file there: "finish" in one of another account would start the
+  // activation, and a link would show what only this user may read.
+  const std::string foreign = log + ": 不是当前用户或 root 自己的普通文件";
+  auto problem = platform::isOwnLogFile(log) ? tail->launch() : foreign;
+  if (!problem && !platform::isOwnLogFile(log)) {
+    tail->terminate();
+    problem = foreign;
+  }
+  if (problem) appendUILog("无法启动日志跟踪: " + *problem + "\n");
   return tail;
 }
 

@@ -160,6 +160,32 @@ TEST_F(InstallationTest, MissingScriptAndMissingFollower) {
   EXPECT_EQ(calls({"execute"}), Lines{kExecute});
 }
 
+TEST_F(InstallationTest, LogOfSomebodyElseIsNotFollowed) {
+  const auto log = platform.root / "tmp/tessal_installer.log";
+  const auto isFollowed = [&] {
+    view->userPressedInstall();
+    const bool isRunning = platform.runningChildren > 0;
+    EXPECT_EQ(uiLog().starts_with("无法启动日志跟踪: " + log.string() + ": "), !isRunning);
+    platform.runWorker();
+    platform.drain();
+    EXPECT_EQ(status(), InstallationStatus::failed);  // nothing was installed; the run went on
+    return isRunning;
+  };
+  platform.putFile("/tmp/private", "finish");
+  std::filesystem::create_symlink("private", log);
+  EXPECT_FALSE(isFollowed());
+  EXPECT_EQ(platform.readFile("/tmp/private"), "finish");
+  std::filesystem::remove(log);
+  platform.duringLaunch = [&] {
+    std::filesystem::remove(log);
+    std::filesystem::create_symlink("private", log);
+  };
+  EXPECT_FALSE(isFollowed());
+  platform.duringLaunch = nullptr;
+  std::filesystem::remove(log);
+  EXPECT_TRUE(isFollowed());
+}
+
 TEST_F(InstallationTest, RefusalAndFailureKeepTheRunOnScreen) {
   const auto endWith = [this](std::optional<int> number, std::optional<std::string> message) {
     platform.adminScriptError = platform::AdminScriptError{number, std::move(message)};
