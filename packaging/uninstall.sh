@@ -1,9 +1,9 @@
 #!/bin/sh
 # Removes the bundles that install.sh has put there and what killed runs have left, and notes each step in a log.
 #
-# A bundle goes to ".NAME.staging" in its folder by one rename and is deleted there: whatever stops the script, its
-# place holds the whole bundle or none, and the next run does the rest. A bundle whose identifier is not that of the
-# archive beside this script is somebody else's, and stays.
+# A bundle goes to staging by one rename and is deleted there: whatever stops the script, its place holds the whole
+# bundle or none, and the next run does the rest. A bundle whose identifier is not that of the archive beside this
+# script is somebody else's, and stays.
 
 # shellcheck disable=SC2015 # "A && B || fail" is meant: fail does not return
 
@@ -17,51 +17,51 @@ here=$(cd -- "$(dirname -- "$0")" && pwd -P) || exit 1
 # shellcheck source-path=SCRIPTDIR source=install_common.sh
 . "$here/install_common.sh"
 
-# Prints the identifier in an information property list. Without plistutil, Linux reads only the XML form.
+# Prints the identifier in an information property list.
 identifier() {
   if [ "$system" = Darwin ]; then
-    /usr/libexec/PlistBuddy -c 'Print :CFBundleIdentifier' "$1"
+    plutil -extract CFBundleIdentifier xml1 -o - -
   else
-    { plistutil -i "$1" -f xml || cat -- "$1"; } | perl -0777 -ne '
-      s/<!--.*?-->//gs;
-      s/.*?<dict>//s;
-      1 while s/<dict>(?:(?!<dict>).)*?<\/dict>//s; # only the keys of the outermost dictionary
-      print $1 if m{<key>CFBundleIdentifier</key>\s*<string>([^<]*)</string>}'
+    python3 -Ic 'import plistlib, sys; print(plistlib.loads(sys.stdin.buffer.read())["CFBundleIdentifier"])'
   fi 2>/dev/null
 }
 
-is_ours() {
-  [ ! -L "$destination" ] && [ -f "$destination/Contents/Info.plist" ] && exists "$archive" || return 1
-  make_staging || fail "cannot create staging for $name"
-  if [ -n "$bsdtar" ]; then
-    "$bsdtar" -xOf "$archive" "$name/Contents/Info.plist"
-  else
-    unzip -p "$archive" "$name/Contents/Info.plist"
-  fi >"$staging/Info.plist" && declared=$(identifier "$staging/Info.plist") && [ -n "$declared" ] ||
-    fail "cannot read $zip"
-  [ "$(identifier "$destination/Contents/Info.plist")" = "$declared" ]
+# Prints a file that anybody may have put there, if it is a regular file, and no more than a megabyte of it.
+print_file() {
+  # shellcheck disable=SC2016 # perl has dollars too
+  perl -e '
+    use Fcntl;
+    my ($file, $text);
+    sysopen($file, $ARGV[0], O_NOFOLLOW | O_NONBLOCK) or exit;
+    print $text if -f $file && sysread($file, $text, 1 << 20);
+  ' -- "$1"
 }
 
-exists "$here/Orvane.zip" || fail 'Orvane.zip is missing'
-lock
-trap remove_all_staging EXIT
-for bundle in $bundles; do
-  recover "$bundle"
-done
+is_ours() {
+  [ ! -L "$destination" ] && [ -f "$archive" ] || return 1
+  declared=$(bsdtar -xOf "$archive" "$name/Contents/Info.plist" | identifier)
+  [ -n "$declared" ] || fail "cannot read $zip"
+  [ "$(print_file "$destination/Contents/Info.plist" | identifier)" = "$declared" ]
+}
 
+[ -f "$here/Orvane.zip" ] || fail 'Orvane.zip is missing'
+lock
+make_staging
+trap remove_staging EXIT
 for app in Orvane Sondrel Cogwen; do
-  locate "$app.app"
+  locate "$app"
   exists "$destination" || continue
   if ! is_ours; then
-    log "keep $app"
+    step "keep $app"
     continue
   fi
-  log "kill $app"
+  step "kill $app"
   quit "$app"
   [ "$app" != Orvane ] || quit OrvaneSettings
-  log "remove $app"
-  make_staging && rename "$destination" "$staging/old" || fail "cannot remove $name"
-  remove_staging
+  step "remove $app"
+  rename "$destination" "$staging/$name" || fail "cannot remove $name"
   log "$app removed"
 done
+trap - EXIT
+remove_staging
 log 'finish'

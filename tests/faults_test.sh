@@ -131,7 +131,7 @@ waiting, SIGTERM        | options=; when trigger=enter-waiting 'signal TERM'   |
 waiting, SIGINT         | options=; when trigger=enter-waiting 'signal INT'    | 3   | - | -
 # Programs that are missing
 tail missing            | script "tail() { $work/bin/tail \"\$@\"; }"; hide tail   | 3   | - | 无法启动日志跟踪: /usr/bin/tail: No such file
-unzip missing           | hide unzip bsdtar                                    | 1   | 安装失败 | unzip: not found
+bsdtar missing          | hide bsdtar                                          | 1   | 安装失败 | bsdtar: not found
 killall missing         | installed; hide killall; options=                    | 0   | - | 启用路径：覆盖安装
 killall hangs           | installed; replace killall "exec sleep 60"; options=  | 0   | - | 启用路径：覆盖安装
 setpriv missing         | hide setpriv                                         | 3   | - | 启用路径：全新安装

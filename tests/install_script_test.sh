@@ -31,79 +31,60 @@ overwrite() {
     same "$root/Applications/Sondrel.app" "$work/old/Applications/Sondrel.app" && ! grep -q Sondrel "$log"
 }
 
-bad_checksum() {
-  copy_resources && echo >>"$copy/Cogwen.zip" && ! install "$copy" && failed_because Cogwen.zip &&
-    [ "$(ls "$root")" = tmp ] || return 1
-  copy_resources && sed -i /Sondrel/d "$copy/SHA256SUMS" && ! install "$copy" && failed_because Sondrel.zip &&
-    [ "$(ls "$root")" = tmp ]
+# The run of the copy fails before anything of the old bundles is touched, even their processes.
+refused() { # WHY
+  start_from "$work/old" && ! install "$copy" && failed_because "$1" && holds "$work/old" &&
+    ! grep -q 'kill Orvane' "$log" && lock_is_free
 }
 
-use_unzip() { sed -i 's/^bsdtar=.*/bsdtar=/; s/^\[ -n "$bsdtar" \].*//' "$copy/install_common.sh"; }
+bad_checksum() {
+  copy_resources && echo >>"$copy/Cogwen.zip" && refused Cogwen.zip &&
+    copy_resources && sed -i /Sondrel/d "$copy/SHA256SUMS" && refused Sondrel.zip &&
+    copy_resources && rm "$copy/Cogwen.zip" && mkfifo "$copy/Cogwen.zip" && refused Cogwen.zip
+}
+
+# A copy with another Cogwen.zip, which is listed.
+pack() { # MEMBER,MODE,TEXT...
+  copy_resources && python3 - "$copy/Cogwen.zip" "$@" <<'PYTHON'
+import sys, zipfile
+with zipfile.ZipFile(sys.argv[1], "w") as archive:
+    for member in sys.argv[2:]:
+        name, mode, text = member.split(",")
+        info = zipfile.ZipInfo(name)
+        info.external_attr = int(mode, 8) << 16
+        archive.writestr(info, text)
+PYTHON
+  list_sums
+}
 list_sums() { (cd "$copy" && sha256sum Orvane.zip Sondrel.zip Cogwen.zip >SHA256SUMS); }
 
-# Puts another Cogwen.zip in place. No checksum of the archive covers the names: sed makes them what zip would not pack.
-pack_cogwen() { # SED-COMMAND MEMBER...
-  copy_resources && rm "$copy/Cogwen.zip" && sed_command=$1 && shift &&
-    (cd "$work/members" && zip -qry "$copy/Cogwen.zip" "$@") && sed -i "$sed_command" "$copy/Cogwen.zip"
-}
-
-pack_refused() {
-  case $1 in
-    'no bundle') pack_cogwen '' __MACOSX ;;
-    'another top folder') pack_cogwen '' Cogwen.app/Contents Others.app ;;
-    'parent folder') pack_cogwen s,/aa/aa,/../..,g Cogwen.app/Contents Cogwen.app/aa ;;
-    'absolute name') pack_cogwen s,Xtmp/,/tmp/,g Cogwen.app/Contents Xtmp ;;
-    'through a link') pack_cogwen s,/lynk/,/link/,g Cogwen.app/link Cogwen.app/lynk/evil ;;
-    'a link as bundle') pack_cogwen s,cogweN,Cogwen,g cogweN.app ;;
-    damaged) pack_cogwen s,stored,spoilt, Cogwen.app/Contents ;;
-    truncated) pack_cogwen '' Cogwen.app/Contents && truncate -s -40 "$copy/Cogwen.zip" ;;
-    'no archive') copy_resources && echo text >"$copy/Cogwen.zip" ;;
-  esac
-}
-
-# Listed rightly, but damaged, without its bundle, or with a member that would land elsewhere.
-bad_last_archive() {
-  for what in 'no bundle' 'another top folder' 'parent folder' 'absolute name' 'through a link' 'a link as bundle' \
-    damaged truncated 'no archive'; do
-    for tool in bsdtar unzip; do
-      pack_refused "$what" && list_sums && { [ $tool = bsdtar ] || use_unzip; } && start_from "$work/old" &&
-        ! install "$copy" && failed_because Cogwen.zip && holds "$work/old" && [ -z "$(ls "$work/elsewhere")" ] &&
-        [ ! -e /tmp/orvane-evil ] || { echo "$what, $tool" && return 1; }
-    done
+# Members that would land elsewhere, are no files, or are damaged.
+bad_archive() {
+  mkdir "$work/elsewhere"
+  for members in Others.app/a,100644,a Cogwen.app/../../a,100644,a Cogwen.app/a,020666,- \
+    "Cogwen.app,120777,$work/elsewhere" "Cogwen.app/b,120777,$work/elsewhere Cogwen.app/b/a,100644,a"; do
+    # shellcheck disable=SC2086
+    pack $members && refused Cogwen.zip && [ -z "$(ls "$work/elsewhere")" ] || { echo "$members" && return 1; }
   done
-  rm -rf "$root" && ! install "$copy" && [ -z "$(find "$root" -name '*.app*')" ]
+  pack Cogwen.app/a,100644,stored && sed -i s/stored/spoilt/ "$copy/Cogwen.zip" && list_sums && refused Cogwen.zip &&
+    pack "Cogwen.app/a,100644,$(head -c 90000 /dev/zero | tr '\0' a)" && (ulimit -f 20 && refused Cogwen.zip)
 }
 
 # Attribute files of macOS, and private and special modes.
 other_archives() {
-  for tool in bsdtar unzip; do
-    pack_cogwen '' Cogwen.app/Contents Cogwen.app/modes __MACOSX && list_sums && { [ $tool = bsdtar ] || use_unzip; } &&
-      install "$copy" && [ "$(ls "$root/Applications")" = "$(printf 'Cogwen.app\nSondrel.app')" ] &&
-      [ "$(cd "$root/Applications" && find Cogwen.app -type f -printf '%m %p\n' | sort)" = \
-        '644 Cogwen.app/Contents/kept
-644 Cogwen.app/modes/private
-755 Cogwen.app/modes/special' ] || { echo "$tool" && return 1; }
-  done
+  pack Cogwen.app/a,100600, Cogwen.app/b,106777, __MACOSX/Cogwen.app/._a,100644, && install "$copy" &&
+    [ "$(cd "$root/Applications" && stat -c '%a %n' * Cogwen.app/*)" = "$(printf '%s\n' '755 Cogwen.app' \
+      '755 Sondrel.app' '644 Cogwen.app/a' '755 Cogwen.app/b')" ]
 }
 
-prepare_members() {
-  mkdir -p "$work/elsewhere" "$work/members" && (
-    cd "$work/members" &&
-      mkdir -p Cogwen.app/Contents Cogwen.app/aa/aa Cogwen.app/lynk Cogwen.app/modes Others.app Xtmp \
-        __MACOSX/Cogwen.app/Contents &&
-      echo stored | tee Cogwen.app/Contents/kept Cogwen.app/aa/aa/evil Cogwen.app/lynk/evil Cogwen.app/modes/private \
-        Cogwen.app/modes/special Others.app/evil Xtmp/orvane-evil __MACOSX/._Cogwen.app \
-        __MACOSX/Cogwen.app/Contents/._kept >/dev/null &&
-      ln -s "$work/elsewhere" Cogwen.app/link && ln -s "$work/elsewhere" cogweN.app &&
-      chmod 600 Cogwen.app/modes/private && chmod 6777 Cogwen.app/modes/special
-  )
-}
-
+# Others' things in the places of bundles, staging and lock. The folder of input methods is root's alone afterwards.
 in_the_way() {
-  mkdir -p "${orvane%/*}" "$root/Applications" "$work/elsewhere" && touch "$orvane" &&
-    ln -s "$work/elsewhere" "$root/Applications/Sondrel.app" &&
-    ln -s "$work/elsewhere" "$root/Applications/.Cogwen.app.staging" &&
-    install && holds "$work/new" && [ -z "$(ls "$work/elsewhere")" ]
+  start_from "$work/nothing" && mkdir -p "${orvane%/*}" "$root/Applications" "$work/precious" &&
+    touch "$orvane" "$work/precious/kept" && chmod 777 "${orvane%/*}" &&
+    ln -s "$work/precious" "$sondrel" && ln -s "$work/precious" "$staging" &&
+    install && holds "$work/new" && [ -e "$work/precious/kept" ] && [ -z "$(find "$root/Library" -perm /022)" ] ||
+    return 1
+  rm "$lock" && mkfifo "$lock" && ! install && failed_because lock && holds "$work/new"
 }
 
 log_in_the_way() {
@@ -126,27 +107,28 @@ signals() {
       # The last boundaries lie after the point of no return.
       if [ "$status" -eq 0 ]; then holds "$work/new"; else holds "$work/old" && interrupted_by "$signal"; fi &&
         lock_is_free || { echo "SIG$signal at boundary $n" && return 1; }
-      [ "$signal" = TERM ] && n=$((n + 1)) || n=$((n + 7))
+      [ "$signal" = TERM ] && n=$((n + 1)) || n=$((n + 9))
     done
-    [ "$n" -gt 31 ] || return 1
+    [ "$n" -gt 20 ] || return 1
   done
 }
 
 # Stopped while its child is busy: it answers at once, and takes the child along.
 busy_child() {
-  make_copy_with 'bsdtar() { [ "$1" != -x ] || { kill -s TERM $$; exec sleep 600; }; }'
-  start_from "$work/old" && ! shell="timeout -s KILL 60 $shell" install "$copy" && interrupted_by TERM &&
-    holds "$work/old" && lock_is_free
+  make_copy_with 'bsdtar() { kill -s TERM $$; exec sleep 600; }'
+  start_from "$work/old" && ! install "$copy" && interrupted_by TERM && holds "$work/old" && lock_is_free
 }
 
+# Where everybody may write, only whole bundles ever lie.
 whole_or_set_aside() { # TREE that the killed run found
   for bundle in "Library/Input Methods/Orvane.app" Applications/Sondrel.app Applications/Cogwen.app; do
     if [ -e "$root/$bundle" ]; then
       same "$root/$bundle" "$work/new/$bundle" || same "$root/$bundle" "$1/$bundle"
     elif [ -e "$1/$bundle" ]; then
-      same "$root/${bundle%/*}/.${bundle##*/}.backup" "$1/$bundle"
+      same "$staging/old/${bundle##*/}" "$1/$bundle"
     fi || return 1
   done
+  [ -z "$(find "$root/Applications"/.[!.]* "$staging" -prune ! -perm 700 2>/dev/null)" ]
 }
 
 # Killed, killed again during the repair, then left alone.
@@ -156,12 +138,12 @@ killed() {
   for before in "$work/old" "$work/nothing"; do
     n=1
     while start_from "$before" && stop_at install "$n" KILL; do
-      whole_or_set_aside "$before" && { ! stop_at install 6 KILL || whole_or_set_aside "$before"; } &&
+      whole_or_set_aside "$before" && { ! stop_at install 8 KILL || whole_or_set_aside "$before"; } &&
         install && holds "$work/new" || { echo "killed at boundary $n" && return 1; }
       n=$((n + step))
     done
-    [ "$n" -gt 27 ] || return 1
-    step=3
+    [ "$n" -gt 20 ] || return 1
+    step=4
   done
 }
 
@@ -169,62 +151,45 @@ two_at_once() {
   start_from "$work/old" && { install & } && install && wait $! && holds "$work/new" &&
     [ "$(grep -c finish "$log")" = 2 ] || return 1
   copy_resources && sed -i 's/1 \.\. 100/1 .. 1/' "$copy/install_common.sh" && start_from "$work/old" &&
-    mkdir -p "$root/var/run" && ! (
-    flock 8 && install "$copy"
-  ) 8>"$root/var/run/tessal_installer.lock" && failed_because 'another installation' && holds "$work/old"
+    ! (flock 8 && install "$copy") 8>"$lock" && failed_because 'another installation' && holds "$work/old"
 }
 
-no_room() {
-  mkdir -p "$work/members/Cogwen.app/large" && head -c 3000000 /dev/urandom >"$work/members/Cogwen.app/large/file" &&
-    pack_cogwen '' Cogwen.app/large && list_sums || return 1
-  for tool in bsdtar unzip; do
-    [ $tool = bsdtar ] || use_unzip
-    start_from "$work/old" && ! (ulimit -f 1000 && install "$copy") && failed_because Cogwen.zip && holds "$work/old" &&
-      start_from "$work/nothing" || return 1
-    ! unshare --mount true 2>/dev/null || unshare --mount sh -c '
-      mount -t tmpfs -o size=1m tmpfs "$1" && cp -R "$2/old/." "$1" || exit
-      INSTALL_ROOT=$1 sh "$3/install.sh" 2>"$2/stderr"
-      [ $? = 1 ] && diff -r "$2/old/Applications" "$1/Applications" && diff -r "$2/old/Library" "$1/Library"
-    ' sh "$root" "$work" "$copy" || { echo "$tool, full" && return 1; }
-  done
-}
-
-# A file in the old bundle that not even root can delete.
+# A file in the old bundle that not even root can delete at first: it is put aside, and a later run takes it away.
 immutable() {
-  for unlocked in no yes; do
-    make_copy_with "[ $unlocked = yes ] || chattr() { return 1; }"
-    start_from "$work/old" && chattr +i "$sondrel/Contents/old" && install "$copy" &&
-      same "$sondrel" "$work/new/Applications/Sondrel.app" && ! grep -q error "$log" || return 1
-    if [ $unlocked = no ]; then
-      install "$copy" && [ -d "$root/Applications/.Sondrel.app.leftover.1" ] && install
-    fi && holds "$work/new" || return 1
-  done
+  start_from "$work/old" && chattr +i "$sondrel/Contents/old" && install && ! grep -q error: "$log" &&
+    same "$sondrel" "$work/new/Applications/Sondrel.app" && ls "${staging%staging}"leftover.* >"$work/stderr" || return 1
+  make_copy_with 'chflags() { chattr -R -i "$3"; }' && install "$copy" && holds "$work/new"
 }
 
-# Nothing can be written in the folder of the last bundles.
-closed_destination() {
+# The folder of the last bundles cannot be written, or is on another volume: the first bundle is put back.
+bad_destination() {
   start_from "$work/old" && rm -r "$root/Applications" && echo kept >"$root/Applications" && ! install &&
-    failed_because Sondrel.app && same "$root/Library" "$work/old/Library" && [ "$(cat "$root/Applications")" = kept ]
+    failed_because Sondrel.app && same "$root/Library" "$work/old/Library" && [ "$(cat "$root/Applications")" = kept ] ||
+    return 1
+  unshare --mount true 2>/dev/null || return 0
+  start_from "$work/old" && (
+    unshare --mount sh -c 'mount -t tmpfs tmpfs "$1/Applications" && cp -R "$2/old/Applications" "$1" &&
+      ! INSTALL_ROOT=$1 $3 "$4/install.sh" 2>"$2/stderr" && diff -r "$2/old/Applications" "$1/Applications"
+    ' - "$root" "$work" "$shell" "$resources"
+  ) && failed_because Sondrel.app && same "$root/Library" "$work/old/Library"
 }
 
 odd_environment() {
-  mkdir -p "$root/tmp" && : >"$log" && (
-    cd "$resources" && umask 0 && export IFS=/ CDPATH=/tmp TMPDIR=/nowhere UNZIP=-l \
-      POSIXLY_CORRECT=1 PERL5OPT=-Mnothing INSTALL_ROOT="$root/" PATH=/nowhere
-    exec "$shell" ./install.sh <&- >&- 2>&-
+  mkdir -p "$root/tmp" "$work/modules" && : >"$log" && echo exit >"$work/modules/Fcntl.pm" && (
+    cd "$resources" && umask 0 && export IFS=/ CDPATH=/tmp TMPDIR=/nowhere POSIXLY_CORRECT=1 PERLLIB="$work/modules" \
+      PERL5OPT=-Mnothing INSTALL_ROOT="$root/" PATH=/nowhere
+    exec "$shell" ./install.sh <&-
   ) && holds "$work/new" && [ "$(cat "$log")" = "$phrases" ] && [ -z "$(find "$root/Library" -perm /022)" ]
 }
 
-prepare_members || exit 1
 run_case 'fresh installation' fresh
 run_case 'overwrite, and one without Sondrel' overwrite
 run_case 'checksums are checked before anything is touched' bad_checksum
-run_case 'a failure in the last bundle puts all of them back' bad_last_archive
+run_case 'archives that are refused' bad_archive
 run_case 'archives of other makers' other_archives
-run_case 'files and links in the way are replaced, not followed' in_the_way
+run_case 'things in the way are replaced or refused, not followed' in_the_way
 run_case 'only a plain log file is written, and its lack stops nothing' log_in_the_way
-run_case 'a full disk' no_room
-run_case 'a destination that cannot be written' closed_destination
+run_case 'a destination that cannot be written, or is on another volume' bad_destination
 run_case 'odd environment' odd_environment
 if [ "$(id -u)" -eq 0 ]; then
   run_case "another user's log in a sticky folder" log_of_another_user

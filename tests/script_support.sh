@@ -13,7 +13,9 @@ trap 'chattr -R -i "$work" 2>/dev/null; rm -rf "$work"' EXIT
 root="$work/a root"
 copy="$work/a copy"
 orvane="$root/Library/Input Methods/Orvane.app"
+staging="$root/Library/Input Methods/.Orvane.app.staging"
 sondrel="$root/Applications/Sondrel.app"
+lock="$root/var/run/tessal_installer.lock"
 failures=0
 
 run_case() { # NAME FUNCTION
@@ -29,21 +31,19 @@ run_case() { # NAME FUNCTION
 
 run_script() { # NAME RESOURCES
   # shellcheck disable=SC2086
-  INSTALL_ROOT=$root $shell "$2/$1.sh" 2>"$work/stderr"
+  INSTALL_ROOT=$root timeout -s KILL 60 $shell "$2/$1.sh" 2>"$work/stderr"
 }
 install() { run_script install "${1:-$resources}"; } # [RESOURCES]
 
 same() { diff -r "$1" "$2" >/dev/null 2>&1; }
-# The root holds what TREE holds, and no staging, backup or leftover.
+# The root holds what TREE holds, and no staging or leftover.
 holds() { same "$root/Library" "$1/Library" && same "$root/Applications" "$1/Applications"; }
-start_from() { rm -rf "$root" && cp -R "$1" "$root" && mkdir -p "$root/tmp"; }
+start_from() { rm -rf "$root" && cp -R "$1" "$root" && mkdir -p "$root/tmp" "$root/var/run"; }
 copy_resources() { rm -rf "$copy" && cp -R "$resources" "$copy"; }
 failed_because() { tail -n 1 "$log" | grep -q "^error: .*$1" && grep -q "$1" "$work/stderr"; }
 # In a copy with functions for commands, the message on standard error may go where the command's would.
 interrupted_by() { tail -n 1 "$log" | grep -q "^error: interrupted by SIG$1"; }
-lock_is_free() {
-  [ ! -e "$root/var/run/tessal_installer.lock" ] || flock -w 10 "$root/var/run/tessal_installer.lock" true
-}
+lock_is_free() { [ ! -e "$lock" ] || flock -w 10 "$lock" true; }
 
 # A copy whose scripts begin with these lines.
 make_copy_with() { # LINES
@@ -62,7 +62,8 @@ make_stopping_copy() {
       [ "$(wc -l <"$STOPPED.calls")" -lt "$STOP_AT" ] || [ -e "$STOPPED" ] ||
         { : >"$STOPPED"; kill -s "$STOP_SIGNAL" $$; }
     }'
-    for command in mv rm bsdtar unzip chmod touch mkdir; do
+    echo 'perl() { case $2 in *rename*) boundary ;; esac; command perl "$@"; }'
+    for command in rm bsdtar chmod mkdir; do
       echo "$command() { boundary; command $command \"\$@\"; }"
     done
   )"

@@ -23,43 +23,43 @@ Cogwen removed
 finish' ] && uninstall && nothing_left && install && holds "$work/new"
 }
 
+picture() { tar -c -C "$root/Applications" Sondrel.app | cksum; }
 # What must be kept is put in Sondrel's place; the others go.
 keeps() { # WHAT
   plist="$sondrel/Contents/Info.plist"
   start_from "$work/new" && copy_resources || return 1
   case $1 in
     'another identifier') sed -i s/com.tessal.Sondrel/com.tessal.Sondrel2/ "$plist" ;;
-    'the identifier elsewhere') # in a comment, in an inner dictionary, as another key's value
-      printf '%s\n' '<plist><!-- <dict><key>CFBundleIdentifier</key><string>com.tessal.Sondrel</string> -->' \
-        '<dict><key>A</key><dict><key>B</key><dict></dict>' \
-        '<key>CFBundleIdentifier</key><string>com.tessal.Sondrel</string></dict>' \
+    'the identifier elsewhere') # in a quoted text, in an inner dictionary, as another key's value
+      printf '%s\n' '<plist><dict><key>A</key><dict><key>CFBundleIdentifier</key><string>com.tessal.Sondrel</string></dict>' \
+        '<key>B</key><string><![CDATA[<key>CFBundleIdentifier</key><string>com.tessal.Sondrel</string>]]></string>' \
         '<key>CFBundleName</key><string>com.tessal.Sondrel</string></dict></plist>' >"$plist"
       ;;
+    'deep') { printf '<plist>' && yes '<dict><key>a</key>' | head -n 50000; } >"$plist" ;;
     'no property list') rm "$plist" ;;
+    'a FIFO as property list') rm "$plist" && mkfifo "$plist" ;;
     'a file') rm -r "$sondrel" && echo precious >"$sondrel" ;;
     'a link') mv "$sondrel" "$work/linked.app" && ln -s "$work/linked.app" "$sondrel" ;;
     'no archive that declares it') rm "$copy/Sondrel.zip" ;;
-  esac && rm -rf "$work/before" && cp -RP "$sondrel" "$work/before" && uninstall "$copy" &&
-    same "$sondrel" "$work/before" && [ "$(find "$root/Library" "$root/Applications" -name '*.app')" = "$sondrel" ]
+  esac && before=$(picture) && uninstall "$copy" && [ "$(picture)" = "$before" ] &&
+    [ "$(find "$root/Library" "$root/Applications" -name '*.app*')" = "$sondrel" ]
 }
 
 somebody_elses() {
-  for what in 'another identifier' 'the identifier elsewhere' 'no property list' 'a file' 'a link' \
-    'no archive that declares it'; do
+  for what in 'another identifier' 'the identifier elsewhere' deep 'no property list' 'a FIFO as property list' \
+    'a file' 'a link' 'no archive that declares it'; do
     keeps "$what" || { echo "$what" && return 1; }
   done
 }
 
-binary_property_list() {
-  start_from "$work/new" && plistutil -f bin -i "$sondrel/Contents/Info.plist" -o "$work/binary" &&
-    cp "$work/binary" "$sondrel/Contents/Info.plist" && uninstall && nothing_left
-}
-
-# A run of install.sh that was killed left staging here, and the old bundle under another name there.
-after_killed_installation() {
-  start_from "$work/new" && mv "$sondrel" "$root/Applications/.Sondrel.app.backup" &&
-    mkdir "$root/Applications/.Sondrel.app.staging" "$root/Library/Input Methods/.Orvane.app.leftover.3" &&
-    uninstall && nothing_left
+# A run of install.sh that was killed left the old bundle in staging. A folder of that name that somebody else has made
+# is no such thing.
+killed_installation() {
+  start_from "$work/new" && mkdir -p "$staging/old" "${staging%staging}leftover.3" && mv "$sondrel" "$staging/old" &&
+    uninstall && nothing_left && grep -q 'remove Sondrel' "$log" || return 1
+  [ "$(id -u)" -eq 0 ] || return 0
+  start_from "$work/new" && mkdir -p "$staging/old" && mv "$sondrel" "$staging/old" && chown -R nobody "$staging" &&
+    : >"$log" && uninstall && nothing_left && ! grep -q Sondrel "$log"
 }
 
 cannot_remove() {
@@ -78,7 +78,7 @@ stopped() {
         [ ! -e "$root/$bundle" ] || same "$root/$bundle" "$work/new/$bundle" ||
           { echo "$bundle, SIG$signal at $n" && return 1; }
       done
-      if [ $signal = TERM ]; then
+      if [ $signal = TERM ] && [ "$status" -ne 0 ]; then
         interrupted_by TERM && lock_is_free && [ -z "$(find "$root" -name '.*.app.*')" ]
       fi && uninstall && nothing_left || { echo "SIG$signal at $n" && return 1; }
       n=$((n + 1))
@@ -89,8 +89,7 @@ stopped() {
 
 run_case 'everything goes, and can be installed again' everything
 run_case "somebody else's application of that name stays" somebody_elses
-run_case 'a binary property list' binary_property_list
-run_case 'what a killed installation left goes too' after_killed_installation
+run_case 'what a killed installation left goes too' killed_installation
 [ "$(id -u)" -ne 0 ] || run_case 'a folder that cannot be written' cannot_remove
 run_case 'stopped at any step' stopped
 [ "$failures" -eq 0 ]
