@@ -12,13 +12,12 @@ set -eu
 . "$(dirname "$0")/common.sh"
 
 identity=${SIGN_IDENTITY:?"is not set: the name of a certificate, or - for an ad-hoc signature"}
-entitlements=$here/entitlements.plist
 
 if with_rcodesign; then
   # It goes from the inside out by itself.
-  set -- --entitlements-xml-file "$entitlements"
+  set --
   [ "$identity" = - ] ||
-    set -- "$@" --for-notarization --p12-file "$identity" --p12-password-file "${SIGN_PASSWORD_FILE:?"is not set"}"
+    set -- --for-notarization --p12-file "$identity" --p12-password-file "${SIGN_PASSWORD_FILE:?"is not set"}"
   run rcodesign sign "$@" "$application"
   exit
 fi
@@ -41,5 +40,5 @@ find "$contents" -name '*.framework' -o -name '*.dylib' -type f | sort -r |
 # The main program bears the application's name, and is signed with it.
 find "$contents/MacOS" -type f -perm -u+x ! -name "$(basename "$application" .app)" | sort |
   while read -r code; do sign "$code"; done
-sign --entitlements "$entitlements" "$application"
+sign "$application"
 run codesign --verify --deep --strict --verbose=2 "$application"
