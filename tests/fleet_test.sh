@@ -1,43 +1,51 @@
 #!/bin/sh
-# The Ansible role against five hosts, which are folders of this machine: one fresh, one with an old version, one broken,
-# one that refuses, one that cannot be reached.  usage: fleet_test.sh APP_BUNDLE   Exit status 77: no Ansible here.
+# The Ansible role against hosts that are folders of this machine, each with something of its own.
+# usage: fleet_test.sh APP_BUNDLE   Exit status 77: no Ansible here.
 set -u
 . "$(dirname "$0")/support.sh"
 command -v ansible-playbook >/dev/null || skip "no ansible-playbook here (Debian package ansible-core)"
 command -v ssh >/dev/null || skip "no ssh here (Debian package openssh-client)"
 
 use_bundle "$1"
-role=$(realpath "$(dirname "$0")/../packaging/fleet")
+fleet=$(realpath "$(dirname "$0")/../packaging/fleet")
 unset DISPLAY WAYLAND_DISPLAY
-export HOME="$work/home" ANSIBLE_HOME="$work/ansible" ANSIBLE_LOCAL_TEMP="$work/ansible/tmp" ANSIBLE_NOCOLOR=1 \
-  ANSIBLE_PIPELINING=1 ANSIBLE_RETRY_FILES_ENABLED=0 ANSIBLE_REMOTE_TMP="$work/ansible/remote" ANSIBLE_LOCALHOST_WARNING=0 \
-  ANSIBLE_BECOME_ALLOW_SAME_USER=1
+umask 022
+export HOME="$work/home" ANSIBLE_NOCOLOR=1 ANSIBLE_PIPELINING=1 ANSIBLE_BECOME_ALLOW_SAME_USER=1
 mkdir -p "$HOME"
 
-# What the hosts need of the bundle.
-slim="$work/slim/Orvane Installer.app/Contents"
-mkdir -p "$slim/MacOS" && cp "$app/Contents/Info.plist" "$slim" && cp -R "$app/Contents/Resources" "$slim" &&
-  cp "$app/Contents/MacOS/orvane-install" "$slim/MacOS" && (cd "$work/slim" && zip -qr -1 ../installer.zip .) || exit 1
+# With modes that none of the hosts should get.
+mkdir "$work/wide" && cp -R "$app" "$work/wide" && chmod -R 6777 "$work/wide" &&
+  (cd "$work/wide" && zip -qry -1 ../installer.zip .) || exit 1
 
 bundle='Library/Input Methods/Orvane.app'
-for host in fresh old broken refuses; do mkdir -p "$work/$host/tmp"; done
-for host in old broken; do
-  INSTALL_ROOT=$work/$host sh "$slim/Resources/install.sh" || fail "installation on $host"
+info=$bundle/Contents/Info.plist
+fresh='fresh "1" $ \ 5% & `' # a path that has to be quoted
+for host in old newer forced broken; do
+  INSTALL_ROOT=$work/$host sh "$app/Contents/Resources/install.sh" || fail "installation on $host"
 done
-sed -i 's|<string>1.0.0</string>|<string>0.9.0</string>|' "$work/old/$bundle/Contents/Info.plist"
+sed -i 's|<string>1.0.0</string>|<string>0.9.0</string>|' "$work/old/$info"
+sed -i 's|<string>1.0.0</string>|<string>9.0.0</string>|' "$work/newer/$info" "$work/forced/$info"
 rm "$work/broken/$bundle/Contents/MacOS/Orvane"
+# A folder that others use too; one whose last run was killed while it unpacked; and one that leads elsewhere.
+mkdir -p "$work/old/opt/orvane" "$work/broken/opt/orvane/Orvane Installer.app" "$work/planted/opt" "$work/elsewhere"
+echo theirs >"$work/old/opt/orvane/file"
+cp "$work/installer.zip" "$work/broken/opt/orvane"
+ln -s "$work/elsewhere" "$work/planted/opt/orvane"
 printf '#!/bin/sh\necho "Sorry, user ansible is not allowed to execute this as root." >&2\nexit 1\n' >"$work/refusing-sudo"
 chmod 755 "$work/refusing-sudo"
 cat >"$work/inventory" <<INVENTORY
-fresh       ansible_connection=local orvane_root=$work/fresh
-old         ansible_connection=local orvane_root=$work/old
-broken      ansible_connection=local orvane_root=$work/broken
-refuses     ansible_connection=local orvane_root=$work/refuses ansible_become=true ansible_become_exe=$work/refusing-sudo
+fresh       orvane_root='$work/$fresh'
+old         orvane_root=$work/old
+newer       orvane_root=$work/newer orvane_activate=false
+forced      orvane_root=$work/forced orvane_downgrade=true
+broken      orvane_root=$work/broken
+planted     orvane_root=$work/planted
+refuses     orvane_root=$work/refuses ansible_become=true ansible_become_exe=$work/refusing-sudo
 unreachable ansible_connection=ssh ansible_host=127.0.0.1 ansible_port=1
 [all:vars]
+ansible_connection=local
 ansible_become=false
 ansible_python_interpreter=/usr/bin/python3
-ansible_ssh_common_args=-o BatchMode=yes -o ConnectTimeout=3
 orvane_archive=$work/installer.zip
 INVENTORY
 
@@ -45,53 +53,62 @@ INVENTORY
 play() {
   expected=$1
   shift
-  ansible-playbook -f 5 -i "$work/inventory" "$role/orvane.yml" "$@" >"$work/out" 2>&1
+  ansible-playbook -f 8 -i "$work/inventory" "$fleet/orvane.yml" "$@" >"$work/out" 2>&1
   status=$?
   [ $status -eq "$expected" ] || { fail "status $status of the play"; cat "$work/out"; }
 }
-# outcome HOST OUTCOME [REASON]: what the table says of it
-outcome() {
-  grep -qE "^ +\"$1 +$2 +${3:-\"}" "$work/out" || { fail "no $1 with $2 in the table"; sed -n '/Table of all/,$p' "$work/out"; }
+says() { grep -qF "$1" "$work/out" || { fail "nothing says: $1"; cat "$work/out"; }; }
+table() { # table OF_FRESH OF_OLD OF_FORCED OF_BROKEN
+  expect table "$(sed -n '/Table of all/,$s/^ *"\([^"]*[^" ]\) *",*$/\1/p' "$work/out" | tr -s ' ')" "HOST OUTCOME REASON
+fresh $1
+old $2
+newer newer 9.0.0 is there, the archive has 1.0.0
+forced $3
+broken $4
+planted failed $work/planted/opt/orvane is a link, or not of this user alone
+refuses refused Sorry, user ansible is not allowed to execute this as root.
+unreachable unreachable the host cannot be reached"
 }
-outcomes() { # outcomes OF_FRESH OF_OLD OF_BROKEN
-  outcome fresh "$1"
-  outcome old "$2"
-  outcome broken "$3"
-  outcome refuses refused 'Sorry, user ansible is not allowed'
-  outcome unreachable unreachable 'the host cannot be reached'
-}
-picture() { (cd "$work" && find fresh old broken refuses -path '*/tmp' -prune -o -printf '%p %m %T@ %s\n' | sort); }
+
+echo "wrong variables"
+play 2 -e orvane_state=gone
+says 'orvane_state must be one of: present, absent, got: gone'
+play 2 -e orvane_archive=/nowhere.zip
+says "orvane_archive names no file: '/nowhere.zip'"
 
 echo check
-picture >"$work/before"
 play 0 --check --limit fresh
-outcome fresh 'would be installed'
-picture | diff "$work/before" - || fail "check mode has changed something"
+says ' would be installed '
+[ ! -e "$work/$fresh" ] || fail "check mode has changed something"
 
 echo run
 play 2
-outcomes installed updated repaired
-for host in fresh old broken; do
-  diff -r "$work/$host/$bundle" "$work/fresh/$bundle" || fail "$host holds another bundle"
-  grep -q "orvane-install\" --root \"$work/$host\" activate --once" "$work/$host/etc/xdg/autostart/orvane-activate.desktop" ||
-    fail "no login entry on $host"
-done
-grep -q '<string>1.0.0</string>' "$work/old/$bundle/Contents/Info.plist" || fail "old is old"
-[ ! -e "$work/refuses/Library" ] || fail "installed where it was refused"
+table installed updated downgraded repaired
+expect "modes that are too wide" "$(find "$work"/*/opt ! -type l -perm /6022)" ""
+expect "login entries" "$(find "$work" -name '*.desktop' | wc -l)" 4
+[ -z "$(ls -A "$work/elsewhere")" ] && [ ! -e "$work/refuses" ] || fail "installed where it was refused"
+entry=$(sed -n 's/^Exec=//p' "$work/$fresh/etc/xdg/autostart/orvane-activate.desktop" | sed 's/%%/%/g; s/\\\\/\\/g')
+eval "set -- $entry" # a shell quotes as these files do
+expect "login entry" "$*" "$work/$fresh/opt/orvane/Orvane Installer.app/Contents/MacOS/orvane-install --root $work/$fresh activate --once"
 
 echo "run again"
-picture >"$work/before"
-play 2
-outcomes unchanged unchanged unchanged
-[ "$(grep -cE '^(fresh|old|broken|refuses) .* changed=0 ' "$work/out")" = 4 ] || fail "the second run changes something"
-picture | diff "$work/before" - || fail "the second run has changed something"
+touch "$work/before"
+play 0 -e orvane_fail_on_problem=false
+table unchanged unchanged unchanged unchanged
+expect "what the second run changes" "$(find "$work"/*/opt "$work"/*/Library "$work"/*/etc -cnewer "$work/before")" ""
 
-if [ -e "$slim/Resources/uninstall.sh" ]; then
-  echo removal
-  play 0 -e orvane_state=absent --limit fresh,old,broken
-  [ -z "$(find "$work/fresh" "$work/old" "$work/broken" -name '*.app' -o -name '*.desktop')" ] || fail "something stays"
-  play 0 -e orvane_state=absent --limit fresh
-  grep -q ' changed=0 ' "$work/out" || fail "the second removal changes something"
-fi
+echo removal
+rm -r "$work/old/$bundle" # another removal has come as far as this
+play 0 -e orvane_state=absent --limit fresh,old,broken
+expect "what stays" "$(cd "$work" && find "$fresh" old broken -name '*.app' -o -path '*/opt/*' -o -name '*.desktop')" \
+  "$(printf '%s\n' old/opt/orvane old/opt/orvane/file)"
+play 0 -e orvane_state=absent --limit fresh
+says ' changed=0 '
+
+echo "entry of a Mac"
+ansible localhost -c local -e "@$fleet/roles/orvane/vars/main.yml" -e '{"orvane_root": "", "orvane_folder": "/a & <b>"}' \
+  -m template -a "src=$fleet/roles/orvane/templates/launch_agent.plist.j2 dest=$work/agent.plist" >"$work/out" 2>&1
+expect program "$(python3 -c 'import plistlib; print(plistlib.load(open(0, "rb"))["ProgramArguments"][0])' <"$work/agent.plist")" \
+  '/a & <b>/Orvane Installer.app/Contents/MacOS/orvane-install'
 
 finish

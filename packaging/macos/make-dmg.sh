@@ -1,4 +1,4 @@
-#!/bin/sh
+#!/bin/bash
 # Makes a compressed disk image that holds the application.
 #
 # usage: make-dmg.sh [--dry-run] APPLICATION [DISK-IMAGE]
@@ -8,17 +8,8 @@ set -eu
 # shellcheck source-path=SCRIPTDIR source=common.sh
 . "$(dirname "$0")/common.sh"
 
-take_arguments 2 "$@"
-application=$operand
-image=${second_operand:-${application%.app}.dmg}
-identity=${SIGN_IDENTITY:-}
-
-need_application "$application"
+image=${2:-${application%.app}.dmg}
 need hdiutil "disk images are made on macOS only"
-if [ -n "$identity" ] && [ "$identity" != - ]; then
-  need codesign "install the command line tools (xcode-select --install)"
-  need_identity "$identity"
-fi
 
 name=$(basename "$application" .app)
 staging=$(dirname "$image")/$name-image
@@ -27,6 +18,7 @@ run mkdir -p "$staging"
 run ditto "$application" "$staging/$name.app"
 run hdiutil create -volname "$name" -srcfolder "$staging" -format UDZO -ov "$image"
 run rm -rf "$staging"
-if [ -n "$identity" ] && [ "$identity" != - ]; then
-  run codesign --force --sign "$identity" --timestamp "$image"
-fi
+case ${SIGN_IDENTITY:--} in
+  -) ;;
+  *) run codesign --force --sign "$SIGN_IDENTITY" --timestamp "$image" ;;
+esac

@@ -1,4 +1,4 @@
-#!/bin/sh
+#!/bin/bash
 # Signs the application from the inside out, with the hardened runtime.
 #
 # usage: sign.sh [--dry-run] APPLICATION
@@ -11,23 +11,17 @@ set -eu
 # shellcheck source-path=SCRIPTDIR source=common.sh
 . "$(dirname "$0")/common.sh"
 
-take_arguments 1 "$@"
-application=$operand
-identity=${SIGN_IDENTITY:-}
-entitlements=$(cd "$(dirname "$0")" && pwd)/entitlements.plist
-
-need_application "$application"
-with_rcodesign || need codesign "install the command line tools (xcode-select --install)"
-need_identity "$identity"
+identity=${SIGN_IDENTITY:?"is not set: the name of a certificate, or - for an ad-hoc signature"}
 
 if with_rcodesign; then
   # It goes from the inside out by itself.
-  set -- --entitlements-xml-file "$entitlements"
+  set --
   [ "$identity" = - ] ||
-    set -- "$@" --for-notarization --p12-file "$identity" --p12-password-file "$SIGN_PASSWORD_FILE"
+    set -- --for-notarization --p12-file "$identity" --p12-password-file "${SIGN_PASSWORD_FILE:?"is not set"}"
   run rcodesign sign "$@" "$application"
   exit
 fi
+need codesign "install the command line tools (xcode-select --install)"
 
 # Under the hardened runtime a program loads only code of its own team, and an
 # ad-hoc signature has none.
@@ -43,9 +37,8 @@ contents=$application/Contents
 # The seal of a folder covers what lies in it: a path sorts after its folder's.
 find "$contents" -name '*.framework' -o -name '*.dylib' -type f | sort -r |
   while read -r code; do sign "$code"; done
-executable=$(executable_of "$application")
-find "$contents/MacOS" -type f -perm -u+x | sort | while read -r code; do
-  [ "$(basename "$code")" = "$executable" ] || sign "$code"
-done
-sign --entitlements "$entitlements" "$application"
+# The main program bears the application's name, and is signed with it.
+find "$contents/MacOS" -type f -perm -u+x ! -name "$(basename "$application" .app)" | sort |
+  while read -r code; do sign "$code"; done
+sign "$application"
 run codesign --verify --deep --strict --verbose=2 "$application"
