@@ -22,51 +22,24 @@ start() { # start TITLE PROGRAM [ARGUMENT...]: until its window has the focus
   window=$(window_of --all --pid "$running" --name "^$title\$") &&
     xdotool windowactivate --sync "$window" || fail "no window $title"
 }
-click() { xdotool mousemove --window "$window" "$1" "$2" sleep 0.5 click 1; }
+click() { xdotool mousemove --window "$window" "$1" "$2" sleep 0.2 click 1; }
 ended() { wait_for_end "$running"; expect "$1: status" $? "$2"; running=; }
 expect_state() { expect "$1" "$(sources list | grep "^$base	" | cut -f 2)" "$2"; }
 
 ask() { start "$(basename "$app" .app)" askpass '想要 100% "更改"'; }
 export QT_LOGGING_RULES='*=true' # the password stays out even of a full log
-ask; xdotool type --delay 30 'a "B%1\'; xdotool key Return; ended Return 0
-expect "password" "$(cat "$work/out")" 'a "B%1\'
-ask; xdotool type --delay 30 xyz; click 240 290; ended 好 0
-expect "password by click" "$(cat "$work/out")" xyz
+ask; xdotool type --delay 30 'a "B%1\'; xdotool key ctrl+a ctrl+c End ctrl+v Return; ended Return 0
+expect "password, which is not copied" "$(cat "$work/out")" 'a "B%1\'
 ! grep -q -i key "$work/err" || fail "keys in the log"
 unset QT_LOGGING_RULES
-# The window appears below the second click of a double click, which comes within 400
-# milliseconds. On a busy machine xdotool may be later than that.
-milliseconds() { date +%s%3N; }
-for _ in 1 2 3 4 5 6; do
-  "$helpers/askpass" x >/dev/null 2>&1 & running=$!
-  since=$(milliseconds) window=
-  until [ -n "$window" ] || [ $(($(milliseconds) - since)) -gt 5000 ]; do
-    before=$(milliseconds)
-    window=$(xdotool search --onlyvisible --pid "$running" 2>/dev/null)
-  done
-  xdotool mousemove --window "$window" 80 290 click 1
-  took=$(($(milliseconds) - before))
-  sleep 0.5
-  if kill "$running" 2>/dev/null; then wait "$running" 2>/dev/null; break; fi
-  [ $took -gt 400 ] || { fail "pressed as it appeared"; break; }
-done
+ask; xdotool type --delay 30 xyz; click 240 290; ended 好 0
+expect "password by click" "$(cat "$work/out")" xyz
 for keys in Escape alt+F4 "Tab space"; do
   ask; xdotool type --delay 30 abc; xdotool key $keys; ended "$keys" 1
   [ ! -s "$work/out" ] || fail "$keys gives the password away"
 done
-ask; kill "$running"; ended SIGTERM 143
-# shellcheck disable=SC3045 # the shells that run this have it
-ulimit -c unlimited
-cd "$work" || exit 1
-ask; xdotool type --delay 30 abc; kill -ABRT "$running"; ended SIGABRT 134
-[ ! -e core ] || fail "a core file with the password"
-sleep 60 & ORVANE_INSTALLER_PROCESS=$!
-export ORVANE_INSTALLER_PROCESS
-ask; kill $ORVANE_INSTALLER_PROCESS; ended "installer gone" 1
-wait $ORVANE_INSTALLER_PROCESS 2>/dev/null
-unset ORVANE_INSTALLER_PROCESS
 DISPLAY=:none "$helpers/askpass" >"$work/out" 2>"$work/err"
-expect "status without a display" $? 1
+expect "status without a display" $? 69
 grep -q 'cannot ask for the password' "$work/err" || fail "no reason: $(cat "$work/err")"
 
 consent() { start 输入法许可 input-source-agent --root "$root" --consent $base; }
@@ -81,8 +54,8 @@ sources deny $base; unanswered_request
 consent; click 140 180; ended "consent 不允许" 0; expect_state 不允许 disabled
 unanswered_request
 consent; sources deny $base; ended "answered elsewhere" 0
-start '键盘 · 输入法' input-source-agent --root "$root" --settings
-xdotool key Tab space; sleep 0.5; expect_state "switched on" enabled
+settings() { start '键盘 · 输入法' input-source-agent --root "$root" --settings; }
+settings; xdotool key Tab space; sleep 0.5; expect_state "switched on" enabled
 xdotool key alt+F4; ended settings 0
 "$helpers/input-source-agent" --consent 2>/dev/null; expect "bad usage" $? 64
 

@@ -19,12 +19,8 @@
 #include "platform/linux/file_root_linux.h"
 #include "ui/installer_model.h"
 #include "ui/installer_ui.h"
-#include "workbench/consent_question.h"
+#include "workbench/helper_window.h"
 #include "workbench/input_source_list.h"
-#include "workbench/password_prompt.h"
-
-// Named by the build after the module.
-void qml_register_types_Orvane_Workbench();
 
 namespace {
 
@@ -77,14 +73,21 @@ class Pictures {
       : reference_(std::move(reference)), output_(std::move(output)), renew_(renew) {}
 
   void open(const QUrl& screen, const QVariantMap& properties, QSize size) {
-    window_ = std::make_unique<QQuickView>();
-    window_->setResizeMode(QQuickView::SizeRootObjectToView);
-    window_->setInitialProperties(properties);
-    window_->setSource(screen);
-    const QQuickItem* root = window_->rootObject();
-    window_->resize(
-        size.isValid() ? size : QSizeF(root->implicitWidth(), root->implicitHeight()).toSize());
-    window_->show();
+    auto view = std::make_unique<QQuickView>();
+    view->setResizeMode(QQuickView::SizeRootObjectToView);
+    view->setInitialProperties(properties);
+    view->setSource(screen);
+    view->resize(size);
+    view->show();
+    window_ = view.get();
+    owner_ = std::move(view);
+  }
+
+  void openHelper(const char* name, const QVariantMap& properties) {
+    auto engine = std::make_unique<QQmlApplicationEngine>();
+    window_ =
+        qobject_cast<QQuickWindow*>(openHelperWindow(*engine, QLatin1String(name), properties));
+    owner_ = std::move(engine);
   }
 
   /// Keeps or compares the picture of the window, or of one item with what is near.
@@ -93,7 +96,7 @@ class Pictures {
     QImage drawn = window_->grabWindow().convertToFormat(QImage::Format_RGB32);
     const double ratio = window_->devicePixelRatio();
     if (item) {
-      const auto* const found = window_->rootObject()->findChild<QQuickItem*>(QLatin1String(item));
+      const auto* const found = window_->contentItem()->findChild<QQuickItem*>(QLatin1String(item));
       const QRectF place = found->mapRectToScene(found->boundingRect()).adjusted(-8, -8, 8, 8);
       drawn = drawn.copy(QRectF(place.topLeft() * ratio, place.size() * ratio).toRect());
     }
@@ -112,7 +115,7 @@ class Pictures {
   }
 
   /// Before what the window shows is gone.
-  void close() { window_.reset(); }
+  void close() { owner_.reset(); }
 
   bool isGood() const { return isGood_; }
 
@@ -139,7 +142,8 @@ class Pictures {
 
   const fs::path reference_, output_;
   const bool renew_;
-  std::unique_ptr<QQuickView> window_;
+  std::unique_ptr<QObject> owner_;
+  QQuickWindow* window_ = nullptr;
   bool isGood_ = true;
 };
 
@@ -175,18 +179,15 @@ void takeInstaller(Pictures& pictures) {
 }
 
 void takeWorkbench(Pictures& pictures) {
-  const auto screen = [](const char* name) {
-    return QUrl(QStringLiteral("qrc:/qt-project.org/imports/Orvane/Workbench/%1.qml")
-                    .arg(QLatin1String(name)));
-  };
-  PasswordPrompt prompt(QStringLiteral("Orvane Installer 想要进行更改"), QStringLiteral("澄枫"));
-  pictures.open(screen("PasswordWindow"), {{"prompt", QVariant::fromValue(&prompt)}}, {});
+  const QString name = QStringLiteral("澄枫输入法");
+  pictures.openHelper("PasswordWindow",
+                      {{"prompt", QStringLiteral("Orvane Installer 想要进行更改")},
+                       {"userName", QStringLiteral("澄枫")}});
   pictures.take("password");
-  ConsentQuestion question(QStringLiteral("澄枫输入法"), QStringLiteral("澄枫输入法"));
-  pictures.open(screen("ConsentWindow"), {{"question", QVariant::fromValue(&question)}}, {});
+  pictures.openHelper("ConsentWindow", {{"appName", name}, {"inputMethodName", name}});
   pictures.take("consent");
   InputSourceList list;
-  pictures.open(screen("SettingsWindow"), {{"list", QVariant::fromValue(&list)}}, {});
+  pictures.openHelper("SettingsWindow", {{"list", QVariant::fromValue(&list)}});
   pictures.take("settings");
   pictures.close();
 }
@@ -205,8 +206,6 @@ int main(int argc, char** argv) {
   QGuiApplication::styleHints()->setCursorFlashTime(0);
   setApplicationLook();
   registerInstallerUi();
-  Q_INIT_RESOURCE(qmlcache_orvane_workbench);
-  qml_register_types_Orvane_Workbench();
 
   Pictures pictures(argv[2], argv[3], argc == 5);
   takeInstaller(pictures);

@@ -1,20 +1,30 @@
 import QtQuick 2.15
 import Orvane.Installer
-import Orvane.Workbench
 
-// The question that the enable guide pictures, in the guide's own measures.
-Rectangle {
-    id: root
+// The question that the installer's guide shows, in the same measures. Only its
+// buttons answer it.
+Window {
+    id: window
 
-    required property ConsentQuestion question
+    required property string appName
+    required property string inputMethodName
+    // Undefined until the user answers.
+    property var isAllowed
 
-    implicitWidth: 360 + 2 * 24
-    implicitHeight: column.height + 2 * 32
-    color: "white"
-    // Its edge where no window manager draws one.
-    border { width: 1; color: Palette.black(0.12) }
-    Accessible.role: Accessible.AlertMessage
-    Accessible.name: sentence.text
+    function answer(allowed: bool) {
+        isAllowed = allowed
+        Qt.exit(0)
+    }
+
+    title: "输入法许可"
+    visible: true
+    flags: Qt.Dialog | Qt.CustomizeWindowHint | Qt.WindowTitleHint | Qt.WindowStaysOnTopHint
+    width: 360 + 2 * 24
+    height: column.height + 2 * 32
+    // In a corner of the screen, where the installer's guide is not.
+    x: Screen.virtualX + Screen.desktopAvailableWidth - width - 24
+    y: Screen.virtualY + 48
+    onClosing: close => close.accepted = false
 
     Column {
         id: column
@@ -27,17 +37,17 @@ Rectangle {
             symbol: "gearshape.fill"
             color: Palette.black(0.55)
         }
-        CentredText {
-            id: sentence
-            anchors.horizontalCenter: parent.horizontalCenter
-            pattern: "“%1”想启用第三方\n输入法“%2”"
-            names: [root.question.appName, root.question.inputMethodName]
+        Label {
+            width: 360
+            horizontalAlignment: Text.AlignHCenter
+            wrapMode: Text.Wrap
+            maximumLineCount: 6
+            elide: Text.ElideRight
+            lineHeightMode: Text.FixedHeight
+            lineHeight: 22
+            text: "“" + window.appName + "”想启用第三方\n输入法“" + window.inputMethodName + "”"
             font { pixelSize: 16; weight: Palette.semibold }
             color: Palette.black(0.82)
-            lineHeight: 19 + 3
-            maximumWidth: 360
-            Accessible.role: Accessible.StaticText
-            Accessible.name: text
         }
         Row {
             anchors.horizontalCenter: parent.horizontalCenter
@@ -48,7 +58,7 @@ Rectangle {
                 strokeColor: Palette.black(0.08)
                 strokeWidth: 1
                 text: "不允许"
-                onClicked: root.question.answered(false)
+                onClicked: window.answer(false)
             }
             AnswerButton {
                 font { pixelSize: 14; weight: Palette.semibold }
@@ -56,7 +66,7 @@ Rectangle {
                 strokeColor: Palette.primaryStroke
                 strokeWidth: 2
                 text: "好"
-                onClicked: root.question.answered(true)
+                onClicked: window.answer(true)
             }
         }
     }

@@ -1,20 +1,16 @@
 import QtQuick 2.15
 import Orvane.Installer
-import Orvane.Workbench
 
 // The list of input sources, each with a switch.
-Rectangle {
-    id: root
+Window {
+    id: window
 
-    required property InputSourceList list
-    readonly property int rowHeight: 58
-    readonly property int mostRows: 8
+    required property var list
 
-    implicitWidth: 460
-    implicitHeight: header.height + card.height + 3 * 24 - 6
-    color: "white"
-    // Its edge where no window manager draws one.
-    border { width: 1; color: Palette.black(0.12) }
+    visible: true
+    title: "键盘 · 输入法"
+    width: 460
+    height: header.height + card.height + 24 + 18 + 24
 
     Row {
         id: header
@@ -46,99 +42,83 @@ Rectangle {
         id: card
         anchors { left: parent.left; right: parent.right; top: header.bottom }
         anchors { leftMargin: 24; rightMargin: 24; topMargin: 18 }
-        height: Math.min(rows.count, root.mostRows) * root.rowHeight
+        height: rows.height
         radius: 12
         color: Palette.black(0.03)
         strokeWidth: 1
         strokeColor: Palette.black(0.06)
 
-        Flickable {
-            id: flickable
-            anchors.fill: parent
-            contentHeight: rows.count * root.rowHeight
-            interactive: contentHeight > height
-            boundsBehavior: Flickable.StopAtBounds
-            clip: interactive
-
-            Column {
-                width: flickable.width
-                Repeater {
-                    id: rows
-                    // The number and not the list: a row then survives a change of its
-                    // source and keeps the focus.
-                    model: root.list.sources.length
-                    Item {
-                        id: row
-                        required property int index
-                        readonly property var source: root.list.sources[index] ?? {}
-
-                        width: flickable.width
-                        height: root.rowHeight
-
-                        Rectangle {
-                            visible: row.index > 0
-                            x: 16
-                            width: parent.width - 2 * x
-                            height: 1
-                            color: Palette.black(0.06)
-                        }
-                        Column {
-                            anchors { left: parent.left; right: mark.left; margins: 16 }
-                            anchors.verticalCenter: parent.verticalCenter
-                            spacing: 1
-                            Label {
-                                width: parent.width
-                                elide: Text.ElideRight
-                                text: row.source.name ?? ""
-                                font { pixelSize: 14; weight: Font.Medium }
-                                color: Palette.black(0.85)
-                            }
-                            Label {
-                                width: parent.width
-                                elide: Text.ElideMiddle
-                                text: row.source.isAsked ? "等待许可 · " + row.source.id
-                                                         : row.source.id ?? ""
-                                font.pixelSize: 11
-                                color: Palette.black(0.45)
-                            }
-                        }
-                        ContinuousRectangle {
-                            id: mark
-                            visible: row.source.isCurrent ?? false
-                            anchors { right: toggle.left; rightMargin: 14 }
-                            anchors.verticalCenter: parent.verticalCenter
-                            width: visible ? markText.width + 2 * 8 : 0
-                            height: 20
-                            radius: 6
-                            color: Palette.primarySoft
-                            Label {
-                                id: markText
-                                anchors.centerIn: parent
-                                text: "当前"
-                                font { pixelSize: 11; weight: Font.Medium }
-                                color: Palette.black(0.7)
-                            }
-                        }
-                        ToggleSwitch {
-                            id: toggle
-                            anchors { right: parent.right; rightMargin: 16 }
-                            anchors.verticalCenter: parent.verticalCenter
-                            enabled: !row.source.isFixed
-                            isOn: row.source.isEnabled ?? false
-                            name: row.source.name ?? ""
-                            status: row.source.isCurrent ? "当前"
-                                : row.source.isAsked ? "等待许可" : ""
-                            onTurned: on => root.list.setEnabled(row.source.id, on)
-                            onActiveFocusChanged: {
-                                if (!activeFocus) return
-                                flickable.contentY = Math.max(
-                                    row.y + row.height - flickable.height,
-                                    Math.min(flickable.contentY, row.y))
-                            }
-                        }
-                    }
-                }
+        Column {
+            id: rows
+            width: parent.width
+            Repeater {
+                // The number and not the list: a row then survives a change of its
+                // source and keeps the focus.
+                model: window.list.sources.length
+                SourceRow { width: rows.width }
             }
+        }
+    }
+
+    component SourceRow: Item {
+        id: row
+        required property int index
+        readonly property var source: window.list.sources[index] ?? {}
+
+        height: 58
+
+        Rectangle {
+            visible: row.index > 0
+            x: 16
+            width: parent.width - 2 * x
+            height: 1
+            color: Palette.black(0.06)
+        }
+        Column {
+            anchors { left: parent.left; right: mark.left; margins: 16 }
+            anchors.verticalCenter: parent.verticalCenter
+            spacing: 1
+            Label {
+                width: parent.width
+                elide: Text.ElideRight
+                text: row.source.name ?? ""
+                font { pixelSize: 14; weight: Font.Medium }
+                color: Palette.black(0.85)
+            }
+            Label {
+                width: parent.width
+                elide: Text.ElideMiddle
+                text: (row.source.isAsked ? "等待许可 · " : "") + (row.source.id ?? "")
+                font.pixelSize: 11
+                color: Palette.black(0.45)
+            }
+        }
+        ContinuousRectangle {
+            id: mark
+            visible: row.source.isCurrent ?? false
+            anchors { right: toggle.left; rightMargin: 14 }
+            anchors.verticalCenter: parent.verticalCenter
+            width: visible ? markText.width + 2 * 8 : 0
+            height: 20
+            radius: 6
+            color: Palette.primarySoft
+            Label {
+                id: markText
+                anchors.centerIn: parent
+                text: "当前"
+                font { pixelSize: 11; weight: Font.Medium }
+                color: Palette.black(0.7)
+            }
+        }
+        ToggleSwitch {
+            id: toggle
+            anchors { right: parent.right; rightMargin: 16 }
+            anchors.verticalCenter: parent.verticalCenter
+            enabled: !row.source.isFixed
+            checked: row.source.isEnabled ?? false
+            Accessible.name: row.source.name ?? ""
+            Accessible.description: enabled ? "" : "不能更改"
+            onToggled: window.list.setEnabled(row.source.id, checked)
         }
     }
 }

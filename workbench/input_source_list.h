@@ -1,11 +1,8 @@
 #pragma once
 
-#include <QtQmlIntegration/qqmlintegration.h>
-
 #include <QObject>
 #include <QString>
 #include <QVariantList>
-#include <memory>
 
 #include "platform/linux/input_source_service.h"
 
@@ -13,9 +10,7 @@
 /// follows what any process does to them.
 class InputSourceList : public QObject {
   Q_OBJECT
-  QML_ELEMENT
-  QML_UNCREATABLE("There is one, which the window is given.")
-  /// One map a source: id, name, isEnabled, isCurrent, isAsked, and isFixed if
+  /// One map for each source: id, name, isEnabled, isCurrent, isAsked, and isFixed if
   /// it cannot be switched off.
   Q_PROPERTY(QVariantList sources READ sources NOTIFY sourcesChanged)
 
@@ -23,7 +18,7 @@ class InputSourceList : public QObject {
   InputSourceList();
 
   QVariantList sources() const { return sources_; }
-  /// The user's own act, so it allows what has not been allowed yet.
+  /// This is the user's own act: it also allows what the user has not allowed yet.
   Q_INVOKABLE void setEnabled(const QString& id, bool enabled);
 
  signals:

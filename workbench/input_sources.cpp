@@ -1,9 +1,10 @@
 // input-sources: the input-source service on the command line.
 
-#include <CLI/CLI.hpp>
-#include <array>
+#include <cstdlib>
 #include <iostream>
+#include <map>
 #include <string>
+#include <vector>
 
 #include "platform/common/program_options.h"
 #include "platform/linux/input_source_service.h"
@@ -14,22 +15,32 @@ namespace {
 
 namespace service = platform::linux_;
 
-constexpr int kFailed = 1;
+constexpr const char* kName = "input-sources";
+constexpr const char* kHelp = R"(The input-source service on the command line.
 
-int list() {
+  list        one line a source: identifier, state, name, and * if it is the current
+              one, with tabs between them. The state is enabled or disabled, and
+              "asked" if the user has to allow or deny the source.
+  current     the identifier of the current source
+  watch       one line each time the enabled sources change, until interrupted
+  enable ID   enables a source; asks the user if it is not allowed yet
+  disable ID  disables a source
+  select ID   makes an enabled source the current one
+  allow ID    answers for the user: enables the input method
+  deny ID     answers for the user: leaves it disabled)";
+
+void list() {
   for (const auto& source : service::installedInputSources()) {
     std::cout << source.id << '\t' << (source.isEnabled ? "enabled" : "disabled")
               << (source.isAsked ? " asked" : "") << '\t' << source.name
               << (source.isCurrent ? "\t*\n" : "\n");
   }
-  return 0;
 }
 
-int current() {
+void printCurrent() {
   for (const auto& source : service::installedInputSources()) {
     if (source.isCurrent) std::cout << source.id << '\n';
   }
-  return 0;
 }
 
 int watch() {
@@ -40,68 +51,44 @@ int watch() {
     }
     std::cout << std::endl;
   });
-  platform::onTerminationRequest([] { platform::endMainLoop(0); });
   return platform::runMainLoop();
 }
 
-int change(const std::string& command, platform::Status (*operation)(const std::string&),
-           const std::string& id) {
-  if (!service::findInputSource(id)) {
-    std::cerr << "input-sources: no input source has the identifier " << id << '\n';
-    return kFailed;
-  }
-  if (const auto status = operation(id); status != platform::kNoError) {
-    std::cerr << "input-sources: cannot " << command << ' ' << id << ": status " << status << '\n';
-    return kFailed;
-  }
-  return 0;
+int fail(const std::string& problem, int status) {
+  std::cerr << kName << ": " << problem << '\n';
+  return status;
+}
+
+int change(const std::string& command, const std::string& id) {
+  static const std::map<std::string, platform::Status (*)(const std::string&)> kOperations = {
+      {"enable", service::enableInputSource}, {"disable", service::disableInputSource},
+      {"select", service::selectInputSource}, {"allow", service::allowInputMethod},
+      {"deny", service::denyInputMethod},
+  };
+  const auto operation = kOperations.find(command);
+  if (operation == kOperations.end()) return fail("see --help", platform::kBadUsage);
+  if (!service::findInputSource(id))
+    return fail("no input source has the identifier " + id, EXIT_FAILURE);
+  if (const auto status = operation->second(id); status != platform::kNoError)
+    return fail("cannot " + command + " " + id + ": status " + std::to_string(status),
+                EXIT_FAILURE);
+  return EXIT_SUCCESS;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  CLI::App program("The input-source service on the command line.", "input-sources");
-  program.require_subcommand(1);
-  program.fallthrough();  // --root may stand behind the command
-  platform::addCommonOptions(program);
-
-  struct Query {
-    const char* name;
-    const char* description;
-    int (*operation)();
-  };
-  struct Change {
-    const char* name;
-    const char* description;
-    platform::Status (*operation)(const std::string&);
-  };
-  static constexpr std::array kQueries = {
-      Query{"list",
-            "one line a source: identifier, state, name, and * if it is the current one, with "
-            "tabs between them; the state is enabled or disabled, and asked while the user has "
-            "to allow or deny it",
-            list},
-      Query{"current", "the identifier of the current source", current},
-      Query{"watch", "one line each time the enabled sources change, until interrupted", watch},
-  };
-  static constexpr std::array kChanges = {
-      Change{"enable", "enable a source; asks the user if it is not allowed yet",
-             service::enableInputSource},
-      Change{"disable", "disable a source", service::disableInputSource},
-      Change{"select", "make an enabled source the current one", service::selectInputSource},
-      Change{"allow", "answer for the user: enable the input method", service::allowInputMethod},
-      Change{"deny", "answer for the user: leave it disabled", service::denyInputMethod},
-  };
-  int status = 0;
-  std::string id;
-  for (const Query& query : kQueries)
-    program.add_subcommand(query.name, query.description)->callback([&query, &status] {
-      status = query.operation();
-    });
-  for (const Change& kind : kChanges) {
-    CLI::App* const command = program.add_subcommand(kind.name, kind.description);
-    command->add_option("ID", id, "identifier of the source")->required();
-    command->callback([&kind, &status, &id] { status = change(kind.name, kind.operation, id); });
+  std::vector<std::string> words;
+  if (const auto status = platform::parseArguments(kName, kHelp, argc, argv, words)) return *status;
+  if (words.size() == 2) return change(words[0], words[1]);
+  const std::string command = words.size() == 1 ? words[0] : "";
+  if (command == "watch") return watch();
+  if (command == "list") {
+    list();
+  } else if (command == "current") {
+    printCurrent();
+  } else {
+    return fail("see --help", platform::kBadUsage);
   }
-  return platform::parseArguments(program, argc, argv).value_or(status);
+  return EXIT_SUCCESS;
 }
