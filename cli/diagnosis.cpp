@@ -1,80 +1,375 @@
 #include "cli/diagnosis.h"
 
 #include <algorithm>
+#include <chrono>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <sstream>
 
-#include "cli/installed_bundles.h"
-#include "platform/admin_rights.h"
+#include "cli/installed_files.h"
+#include "inputsource/tessal_installer.h"
+#include "installer/content_view.h"
+#include "platform/accounts.h"
+#include "platform/bundle.h"
+#include "platform/common/property_list_lookups.h"
 #include "platform/file_root.h"
+#include "platform/workspace.h"
+
+namespace {
 
 namespace fs = std::filesystem;
 using Level = Finding::Level;
 using Scope = Finding::Scope;
+using platform::dictionaryIn;
+using platform::InputSourceProperty;
+using platform::PropertyListDictionary;
+using platform::textIn;
+using Lines = std::vector<std::string>;
 
-Findings diagnose(bool machineOnly) {
-  Findings findings;
-  checkBundle(findings);
-  checkLeftovers(findings);
-  checkLogs(findings);
-  if (machineOnly) return findings;
-  checkSources(findings);
-  checkPreferences(findings);
-  checkAdminRights(findings);
-  return findings;
+constexpr auto kMode = TessalInstaller::InputMode::pinyin;
+
+constexpr const char* kReinstall = "运行 orvane-install install 重新安装";
+constexpr const char* kActivate = "运行 orvane-install activate";
+constexpr const char* kLogInAgain = "注销后重新登录；仍不行则重新安装";
+constexpr const char* kAddAgain = "在「系统设置 → 键盘 → 输入法」中移除「澄枫输入法」后重新添加";
+
+/// Whether there is the source, and its property has this value.
+bool has(const platform::InputSource& source, InputSourceProperty property,
+         const platform::PropertyListValue& value) {
+  return source && platform::getInputSourceProperty(source, property) == value;
 }
 
-bool isHealthy(const Findings& findings) {
-  return std::none_of(findings.begin(), findings.end(),
-                      [](const Finding& finding) { return finding.level == Level::fail; });
+std::string versionIn(const PropertyListDictionary& info) {
+  return textIn(info, "CFBundleShortVersionString").value_or("");
 }
 
-void checkLeftovers(Findings& findings) {
-  std::string left;
-  std::string damaged;
-  for (const fs::path& bundle : installedBundles()) {
-    const fs::path folder = platform::onDisk(bundle.parent_path());
+std::string broughtVersion() {
+  const auto value = platform::bundleInfoValue("OrvanePayloadVersion");
+  const auto* text = value ? value->as<std::string>() : nullptr;
+  return text ? *text : "";
+}
+
+/// The numbers of a version such as "1.10.2", without zeros at its end.
+std::vector<int> numbersOf(std::string version) {
+  std::replace(version.begin(), version.end(), '.', ' ');
+  std::istringstream stream(version);
+  std::vector<int> numbers{std::istream_iterator<int>(stream), {}};
+  while (!numbers.empty() && numbers.back() == 0) numbers.pop_back();
+  return numbers;
+}
+
+bool isRunnable(const fs::path& program) {
+  std::error_code error;
+  const auto status = fs::status(program, error);
+  return fs::is_regular_file(status) &&
+         (status.permissions() & fs::perms::others_exec) != fs::perms::none;
+}
+
+/// What is wrong with the owner or the modes of one file; empty if nothing is.
+std::string accessProblem(const fs::path& path) {
+  using fs::perms;
+  std::error_code error;
+  const auto status = fs::symlink_status(path, error);
+  if (error) return "无法查看";
+  if (fs::is_symlink(status)) return "";
+  const auto has = [&](perms bits) { return (status.permissions() & bits) != perms::none; };
+  if (has(perms::others_write | perms::group_write)) return "其他用户可以修改";
+  if (!has(perms::others_read) || (fs::is_directory(status) && !has(perms::others_exec)))
+    return "其他用户不能读取";
+  const std::string owner = platform::ownerAndGroup(path);
+  return owner.starts_with("root:") ? "" : "属于 " + owner + "，应属于 root";
+}
+
+/// The first such problem in a folder, behind its path; empty if there is none.
+std::string accessProblemIn(const fs::path& folder) {
+  std::string problem = accessProblem(folder);
+  if (!problem.empty()) return folder.string() + " " + problem;
+  std::error_code error;
+  for (fs::recursive_directory_iterator entry(folder, error), end; !error && entry != end;
+       entry.increment(error))
+    if (problem = accessProblem(entry->path()); !problem.empty())
+      return entry->path().string() + " " + problem;
+  return error ? folder.string() + " 无法查看：" + error.message() : "";
+}
+
+/// The lines at the end of a log; absent if it cannot be read.
+std::optional<Lines> lastLines(const fs::path& file) {
+  constexpr std::streamoff kMostBytes = 65536;
+  std::ifstream stream(file, std::ios::binary | std::ios::ate);
+  stream.seekg(std::max(std::streamoff(stream.tellg()) - kMostBytes, std::streamoff(0)));
+  if (!stream) return std::nullopt;
+  Lines lines;
+  for (std::string line; std::getline(stream, line);)
+    if (!line.empty()) lines.push_back(line);
+  return lines;
+}
+
+std::string ageText(const fs::path& file) {
+  using namespace std::chrono;
+  std::error_code error;
+  const auto age = fs::file_time_type::clock::now() - fs::last_write_time(file, error);
+  if (error) return "时间不明";
+  if (age < 1min) return "不到 1 分钟前";
+  if (age < 1h) return std::to_string(age / 1min) + " 分钟前";
+  if (age < 24h) return std::to_string(age / 1h) + " 小时前";
+  return std::to_string(age / 24h) + " 天前";
+}
+
+/// What to do about an install log with these last lines; empty if they tell of no fault.
+std::string adviceOnInstallLog(const Lines& lines) {
+  if (lines.empty() || lines.back().find("finish") != std::string::npos) return "";
+  return lines.back().starts_with("error")
+             ? "上一次安装失败了，原因在最后一行；排除后运行 orvane-install install"
+             : "上一次安装没有做完；运行 orvane-install install 重新安装";
+}
+
+std::string adviceOnUILog(const Lines& lines) {
+  const bool isFailed = std::any_of(lines.begin(), lines.end(), [](const std::string& line) {
+    return line.find("管理员授权失败") != line.npos || line.find("未找到 install.sh") != line.npos;
+  });
+  return isFailed ? "上一次安装失败了，原因在最后几行；排除后运行 orvane-install install" : "";
+}
+
+/// Why the input method may not be enabled, by the last that the log tells of it.
+std::string whyNotEnabled() {
+  std::string why = "：还没有允许，或后来被拒绝、停用了";
+  for (const std::string& line : lastLines(platform::onDisk(kUILogPath)).value_or(Lines())) {
+    const auto tells = [&line](const char* words) { return line.find(words) != line.npos; };
+    if (tells("fresh:enableBase="))
+      why = "：已经请求过，但还没有允许，或被拒绝了";
+    else if (tells("启用路径：覆盖安装") || (tells("TISSelectInputSource") && tells("ok=true")))
+      why = "：曾经启用过，后来被拒绝或停用了，或启用它的是另一位用户";
+  }
+  return why;
+}
+
+/// The table: each row says what is looked at, what is wrong and what to do about it, and what
+/// is well.
+class Diagnosis {
+ public:
+  std::vector<Finding> run(bool machineOnly) {
+    const bool isBundleWell = bundle();
+    remains();
+    log("installLog", "安装日志", kInstallLogPath, adviceOnInstallLog);
+    log("uiLog", "安装器日志", kUILogPath, adviceOnUILog);
+    if (machineOnly) return findings_;
+    scope_ = Scope::user;
+    if (isBundleWell) sources();
+    // Of a bundle with another identifier all entries would seem to be another's.
+    if (installer_.entryBundleID() == TessalInstaller::kBaseBundleID)
+      for (const auto& entries : installer_.listedEntries(kMode)) list(entries);
+    row("rights", platform::isAdministrator() ? "" : "当前用户不是管理员",
+        "安装时输入一位管理员的用户名和密码，或请管理员安装；启用不需要管理员",
+        "可以取得管理员权限：安装时输入密码即可", "", Level::warn);
+    return findings_;
+  }
+
+ private:
+  /// Whether all is well: nothing is `wrong`. What is well is said if there is something to say.
+  bool row(const char* check, const std::string& wrong, const std::string& next,
+           const std::string& well, const std::string& value = "", Level level = Level::fail) {
+    if (!wrong.empty())
+      findings_.push_back({level, scope_, check, wrong, next, value});
+    else if (!well.empty())
+      findings_.push_back({Level::pass, scope_, check, well, Finding::kNothingToDo, value});
+    return wrong.empty();
+  }
+
+  /// Whether there is one.
+  bool bundle() {
+    const fs::path place = platform::onDisk(TessalInstaller::appDir());
+    if (!row("bundle", installer_.isInstalled() ? "" : "没有安装：" + place.string() + " 不存在",
+             "运行 orvane-install install 安装", ""))
+      return false;
     std::error_code error;
-    for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
-         entry.increment(error)) {
-      // The names that the installation script uses.
-      const std::string name = entry->path().filename().string();
-      const std::string prefix = std::string(".").append(bundle.filename().string()).append(".");
-      if (!name.starts_with(prefix)) continue;
-      const std::string kind = name.substr(prefix.size());
-      std::string& list = kind == "staging" || kind == "backup" ? damaged : left;
-      list += (list.empty() ? "" : "、") + entry->path().string();
-    }
+    const bool isFolder = fs::is_directory(fs::symlink_status(place, error));
+    if (!row("bundle", isFolder ? "" : place.string() + " 不是程序包", kReinstall,
+             "已安装：" + place.string(), place.string()))
+      return false;
+    const auto info = installer_.installedInfo();
+    if (row("info", info ? "" : "Info.plist 缺失或损坏", kReinstall, "")) content(place, *info);
+    const std::string owner = platform::ownerAndGroup(place);
+    const std::string problem = accessProblemIn(place);
+    row("access", problem.empty() ? "" : "权限不对：" + problem, kReinstall,
+        "属于 " + owner + "，所有用户可读，只有所有者可以修改", owner);
+    return true;
   }
-  if (!damaged.empty())
-    findings.push_back(
-        {Level::fail, Scope::machine, "leftovers", "上一次安装或移除被中断，留下了：" + damaged,
-         "确认没有安装正在进行，然后运行 orvane-install install，它会先清理再安装", damaged});
-  if (!left.empty())
-    findings.push_back({Level::warn, Scope::machine, "leftovers",
-                        "旧版本有一部分删不掉，留下了：" + left,
-                        "重新启动后再运行一次 orvane-install install", left});
-  if (damaged.empty() && left.empty())
-    findings.push_back({Level::pass, Scope::machine, "leftovers", "没有被中断的安装留下的文件"});
+
+  void content(const fs::path& place, const PropertyListDictionary& info) {
+    const std::string identifier = textIn(info, "CFBundleIdentifier").value_or("");
+    const std::string expected(TessalInstaller::kBaseBundleID);
+    std::string wrong;
+    if (identifier.empty())
+      wrong = "Info.plist 里没有标识符（CFBundleIdentifier）";
+    else if (("." + identifier + ".").find(".inputmethod.") == std::string::npos)
+      wrong = "标识符 " + identifier + " 缺少 inputmethod 一段，系统不会登记它";
+    else if (identifier != expected)
+      wrong = "标识符是 " + identifier + "，应为 " + expected;
+    isIdentifierWell_ =
+        row("identifier", wrong, kReinstall, "标识符正确：" + identifier, identifier);
+
+    const std::string version = versionIn(info);
+    const std::string brought = broughtVersion();
+    const std::string newer = newerVersionNotice();
+    const bool isOther = newer.empty() && !brought.empty() && version != brought;
+    if (row("version", version.empty() ? "Info.plist 里没有版本号" : "", kReinstall, "", "",
+            Level::warn))
+      row("version", isOther ? "已安装的版本是 " + version + "，安装器里的是 " + brought : "",
+          "运行 orvane-install install 换成安装器里的版本",
+          newer.empty() ? "版本 " + version : newer, version, Level::warn);
+
+    const std::string mode = TessalInstaller::rawValue(kMode);
+    const bool hasMode = dictionaryIn(
+        dictionaryIn(dictionaryIn(&info, "ComponentInputModeDict"), "tsInputModeListKey"), mode);
+    isModeWell_ = row(
+        "mode", hasMode ? "" : "Info.plist 里没有拼音模式 " + mode + "，输入法列表里不会出现拼音",
+        kReinstall, "Info.plist 里有拼音模式", hasMode ? mode : "");
+
+    const fs::path program =
+        place / "Contents" / "MacOS" / textIn(info, "CFBundleExecutable").value_or("Orvane");
+    row("program",
+        isRunnable(program) ? "" : "程序缺失，或不是所有用户都能运行：" + program.string(),
+        kReinstall, "程序可以运行");
+  }
+
+  void remains() {
+    std::string left;
+    std::string damaged;
+    for (const fs::path& path : leftovers()) {
+      const bool isDamage = path.extension() == ".staging" || path.extension() == ".backup";
+      std::string& list = isDamage ? damaged : left;
+      list += (list.empty() ? "" : "、") + path.string();
+    }
+    if (row("leftovers", damaged.empty() ? "" : "上一次安装或移除被中断，留下了：" + damaged,
+            "确认没有安装正在进行，然后运行 orvane-install install，它会先清理再安装", "", damaged))
+      row("leftovers", left.empty() ? "" : "旧版本有一部分删不掉，留下了：" + left,
+          "重新启动后再运行一次 orvane-install install", "没有被中断的安装留下的文件", left,
+          Level::warn);
+  }
+
+  void log(const char* check, const std::string& name, const char* path,
+           std::string (*advice)(const Lines&)) {
+    const fs::path file = platform::onDisk(path);
+    std::error_code error;
+    const auto status = fs::symlink_status(file, error);
+    const auto tell = [&](const std::string& text, const std::string& next) {
+      row(check, next.empty() ? "" : text, next, text, file.string(), Level::warn);
+    };
+    if (!fs::exists(status)) return tell("没有" + name + "：还没有安装过，或已被系统清理", "");
+    if (!fs::is_regular_file(status))
+      return tell(name + "的位置上不是普通文件：" + file.string(), "删除它，否则安装过程没有记录");
+    const std::string owner = platform::ownerAndGroup(file);
+    std::string text = name + " " + file.string() + "：" + ageText(file) + "，属于 " +
+                       owner.substr(0, owner.find(':'));
+    auto lines = lastLines(file);
+    if (!lines) return tell(text + "，无法读取", "请它的所有者或管理员查看");
+    constexpr std::size_t kShown = 3;
+    if (lines->size() > kShown) lines->erase(lines->begin(), lines->end() - kShown);
+    if (lines->empty()) text += "，是空的";
+    for (const std::string& line : *lines) text += "\n         " + line;
+    tell(text, advice(*lines));
+  }
+
+  /// What the input-source service knows, and this user's answer.
+  void sources() {
+    const auto bundled = installer_.bundledSettingsApplication();
+    const auto settings = bundled ? bundled : installer_.otherSettingsApplication();
+    row("settings", settings ? "" : "没有设置应用 OrvaneSettings.app", kReinstall,
+        bundled ? "找到设置应用"
+                : "找到设置应用，但不在程序包里：" + settings.value_or("").string(),
+        settings.value_or("").string(), Level::warn);
+    if (!isIdentifierWell_) return;
+
+    const auto all = installer_.allInputSources(/*includeAllInstalled=*/true);
+    const bool isRegistered =
+        std::any_of(all.begin(), all.end(), [](const platform::InputSource& source) {
+          return has(source, InputSourceProperty::bundleID,
+                     std::string(TessalInstaller::kBaseBundleID));
+        });
+    const bool isKnown = platform::findApplication(std::string(TessalInstaller::kBaseBundleID)) ==
+                         platform::onDisk(TessalInstaller::appDir());
+    if (!row("registered", isRegistered ? "" : "系统的输入法服务不知道它：没有登记", kActivate,
+             isKnown ? "已登记为输入法，也已登记为应用" : "已登记为输入法"))
+      return;
+    const bool hasBase =
+        installer_.keyboardInputMethodSource(/*includeAllInstalled=*/true) != nullptr;
+    const auto mode = installer_.inputModeSource(kMode, /*includeAllInstalled=*/true);
+    const bool isByID =
+        has(mode, InputSourceProperty::inputSourceID, TessalInstaller::rawValue(kMode));
+    const bool isBaseWell = row("baseSource", hasBase ? "" : "找不到输入法本身的输入源",
+                                kLogInAgain, "找到输入法本身的输入源（按标识符）");
+    isModeWell_ = isModeWell_ && row("modeSource", mode ? "" : "找不到拼音模式的输入源",
+                                     "重新安装；若刚刚更新过，先注销再登录",
+                                     isByID ? "找到拼音模式的输入源（按输入源标识符）"
+                                            : "找到拼音模式的输入源（按模式标识符）",
+                                     isByID ? "inputSourceID"
+                                     : mode ? "inputModeID"
+                                            : "");
+    if (isBaseWell) enabled(mode);
+  }
+
+  void enabled(const platform::InputSource& mode) {
+    if (!row("enabled",
+             installer_.isBaseEnabledBestEffort() ? "" : "当前用户没有启用输入法" + whyNotEnabled(),
+             std::string(kActivate) +
+                 "，在系统询问时允许；或在「系统设置 → 键盘 → 输入法」中添加「澄枫输入法」",
+             "当前用户已启用输入法") ||
+        !isModeWell_)
+      return;
+    const bool isEnabled = row(
+        "modeEnabled", installer_.enabledModes().empty() ? "输入法已启用，但拼音模式没有启用" : "",
+        kAddAgain, "拼音模式已启用");
+    const bool isCapable = has(mode, InputSourceProperty::isSelectCapable, true);
+    if (row("selectCapable", isCapable ? "" : "拼音模式不能选择", kLogInAgain,
+            "拼音模式可以选择") &&
+        isEnabled)
+      row("selected", installer_.isSelected(kMode) ? "" : "已启用，但正在使用别的输入法",
+          "在菜单栏的输入法菜单中选择「澄枫输入法」", "正在使用拼音模式", "", Level::warn);
+  }
+
+  /// One of the three lists in the user's preferences.
+  void list(const TessalInstaller::ListedEntries& entries) {
+    const std::string name = "偏好列表 " + entries.list;
+    const std::string own = std::to_string(entries.own);
+    const auto look = [&](bool isWrong, const std::string& wrong, const std::string& next,
+                          const std::string& well, Level level) {
+      return row(entries.list.c_str(), isWrong ? name + wrong : "", next, well, own, level);
+    };
+    const std::string foreign = entries.foreign.empty() ? "" : entries.foreign.front();
+    look(!entries.foreign.empty(), "：有一条拼音模式的条目属于别的程序包「" + foreign + "」",
+         "在「系统设置 → 键盘 → "
+         "输入法」中移除那一项，再重新添加「澄枫输入法」；看不到那一项时，运行 "
+         "defaults -currentHost delete com.apple.HIToolbox " +
+             entries.list + "，重新登录后再添加需要的输入法",
+         "", Level::fail) &&
+        look(entries.isDamaged, "：有不是输入法条目的内容",
+             "在「系统设置 → 键盘 → 输入法」中移除并重新添加任意一个输入法，让系统重写这个列表", "",
+             Level::fail) &&
+        look(entries.own > 0 && !installer_.isInstalled(), "：输入法已不在，条目还在",
+             "运行 orvane-install uninstall 清理，或重新安装", "", Level::warn) &&
+        look(entries.own > 1, "：同一条目出现 " + own + " 次", kAddAgain,
+             name + (entries.own == 1 ? "：有拼音模式的条目" : "：没有条目，不影响使用"),
+             Level::warn);
+  }
+
+  TessalInstaller installer_;
+  Scope scope_ = Scope::machine;
+  std::vector<Finding> findings_;
+  bool isIdentifierWell_ = false;
+  bool isModeWell_ = false;
+};
+
+}  // namespace
+
+std::string newerVersionNotice() {
+  const auto info = TessalInstaller().installedInfo();
+  const std::string installed = info ? versionIn(*info) : "";
+  const std::string brought = broughtVersion();
+  if (brought.empty() || numbersOf(installed) <= numbersOf(brought)) return "";
+  return "已安装的版本 " + installed + " 比安装器里的 " + brought + " 新";
 }
 
-void checkAdminRights(Findings& findings) {
-  Finding finding{Level::pass, Scope::user, "rights", "", Finding::kNothingToDo, ""};
-  switch (platform::adminRights()) {
-    case platform::AdminRights::held:
-      finding.text = "现在就有管理员权限";
-      break;
-    case platform::AdminRights::askable:
-      finding.text = "可以取得管理员权限：安装时输入密码即可";
-      break;
-    case platform::AdminRights::ofAnother:
-      finding.level = Level::warn;
-      finding.text = "当前用户不是管理员";
-      finding.next = "安装时输入一位管理员的用户名和密码，或请管理员安装；启用不需要管理员";
-      break;
-    case platform::AdminRights::unavailable:
-      finding.level = Level::fail;
-      finding.text = "无法取得管理员权限：没有可以询问密码的程序";
-      finding.next = "在图形界面里运行，或请管理员安装；启用不需要管理员";
-      break;
-  }
-  findings.push_back(std::move(finding));
+std::vector<Finding> diagnose(bool machineOnly) {
+  return Diagnosis().run(machineOnly);
 }

@@ -1,23 +1,22 @@
-#include <algorithm>
+#include <map>
 #include <string>
 
 #include "cli/commands.h"
 #include "cli/diagnosis.h"
-#include "platform/main_queue.h"
 #include "platform/program.h"
 
 namespace {
 
 int tell(EventOutput& output, bool machineOnly) {
-  const Findings findings = diagnose(machineOnly);
-  for (const Finding& finding : findings) output.finding(finding);
-  const auto count = [&](Finding::Level level) {
-    return std::to_string(std::count_if(findings.begin(), findings.end(),
-                                        [&](const Finding& f) { return f.level == level; }));
-  };
-  output.say(count(Finding::Level::pass) + " 项通过，" + count(Finding::Level::warn) + " 项警告，" +
-             count(Finding::Level::fail) + " 项失败");
-  return isHealthy(findings) ? kSuccess : kFailed;
+  std::map<Finding::Level, int> count;
+  for (const Finding& finding : diagnose(machineOnly)) {
+    output.finding(finding);
+    ++count[finding.level];
+  }
+  output.say(std::to_string(count[Finding::Level::pass]) + " 项通过，" +
+             std::to_string(count[Finding::Level::warn]) + " 项警告，" +
+             std::to_string(count[Finding::Level::fail]) + " 项失败");
+  return count[Finding::Level::fail] == 0 ? kSuccess : kFailed;
 }
 
 }  // namespace

@@ -5,39 +5,22 @@
 
 #include "cli/event_output.h"
 
+NLOHMANN_JSON_SERIALIZE_ENUM(InstallationStatus::Case,
+                             {{InstallationStatus::failed, "failed"},
+                              {InstallationStatus::notStarted, "notStarted"},
+                              {InstallationStatus::installing, "installing"},
+                              {InstallationStatus::waitingEnable, "waitingEnable"},
+                              {InstallationStatus::success, "success"},
+                              {InstallationStatus::needAdmin, "needAdmin"}})
+NLOHMANN_JSON_SERIALIZE_ENUM(Finding::Level, {{Finding::Level::pass, "pass"},
+                                              {Finding::Level::warn, "warn"},
+                                              {Finding::Level::fail, "fail"}})
+NLOHMANN_JSON_SERIALIZE_ENUM(Finding::Scope,
+                             {{Finding::Scope::machine, "machine"}, {Finding::Scope::user, "user"}})
+
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-std::string name(InstallationStatus::Case status) {
-  switch (status) {
-    case InstallationStatus::failed:
-      return "failed";
-    case InstallationStatus::notStarted:
-      return "notStarted";
-    case InstallationStatus::installing:
-      return "installing";
-    case InstallationStatus::waitingEnable:
-      return "waitingEnable";
-    case InstallationStatus::success:
-      return "success";
-    case InstallationStatus::needAdmin:
-      return "needAdmin";
-  }
-  return {};
-}
-
-std::string name(Finding::Level level) {
-  switch (level) {
-    case Finding::Level::pass:
-      return "pass";
-    case Finding::Level::warn:
-      return "warn";
-    case Finding::Level::fail:
-      return "fail";
-  }
-  return {};
-}
 
 class JsonOutput : public EventOutput {
  public:
@@ -48,7 +31,7 @@ class JsonOutput : public EventOutput {
     if (std::exchange(progress_, value) != value) line("progress", {{"progress", value}});
   }
   void status(const InstallationStatus& status) override {
-    Json event = {{"status", name(status.value())}};
+    Json event = {{"status", status.value()}};
     if (!status.message().empty()) event["message"] = status.message();
     line("status", event);
   }
@@ -59,8 +42,8 @@ class JsonOutput : public EventOutput {
     line("message", {{"level", "error"}, {"text", text}});
   }
   void finding(const Finding& finding) override {
-    line("message", {{"level", name(finding.level)},
-                     {"scope", finding.scope == Finding::Scope::machine ? "machine" : "user"},
+    line("message", {{"level", finding.level},
+                     {"scope", finding.scope},
                      {"check", finding.check},
                      {"text", finding.text},
                      {"next", finding.next},

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <iostream>
+#include <map>
 #include <utility>
 
 #include "cli/event_output.h"
@@ -57,19 +58,12 @@ class TextOutput : public EventOutput {
 
  private:
   std::string mark(Finding::Level level) const {
-    const bool isColoured = isTerminal_ && !std::getenv("NO_COLOR");
-    const auto coloured = [&](const char* colour, const std::string& text) {
-      return isColoured ? colour + text + "\033[0m" : text;
-    };
-    switch (level) {
-      case Finding::Level::pass:
-        return coloured("\033[32m", "[通过]");
-      case Finding::Level::warn:
-        return coloured("\033[33m", "[警告]");
-      case Finding::Level::fail:
-        return coloured("\033[31m", "[失败]");
-    }
-    return {};
+    const std::map<Finding::Level, std::pair<std::string, std::string>> marks = {
+        {Finding::Level::pass, {"\033[32m", "[通过]"}},
+        {Finding::Level::warn, {"\033[33m", "[警告]"}},
+        {Finding::Level::fail, {"\033[31m", "[失败]"}}};
+    const auto& [colour, text] = marks.at(level);
+    return isTerminal_ && !std::getenv("NO_COLOR") ? colour + text + "\033[0m" : text;
   }
 
   void endLine() {

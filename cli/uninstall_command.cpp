@@ -1,10 +1,10 @@
+#include <algorithm>
 #include <iostream>
 #include <string>
 #include <vector>
 
-#include "cli/activation_stamp.h"
 #include "cli/commands.h"
-#include "cli/installed_bundles.h"
+#include "cli/installed_files.h"
 #include "inputsource/tessal_installer.h"
 #include "installer/authorisation.h"
 #include "installer/content_view.h"
@@ -13,6 +13,7 @@
 #include "platform/file_root.h"
 #include "platform/log_file.h"
 #include "platform/program.h"
+#include "platform/user_library.h"
 
 namespace {
 
@@ -74,16 +75,12 @@ class Uninstallation {
  private:
   /// A bundle, or what a killed run has left of one.
   static bool isAnythingOnDisk() {
-    for (const fs::path& bundle : installedBundles()) {
-      const fs::path place = platform::onDisk(bundle);
-      const std::string hidden = std::string(".").append(place.filename().string());
-      for (const fs::path& path : {place, place.parent_path() / (hidden + ".staging"),
-                                   place.parent_path() / (hidden + ".backup")}) {
-        std::error_code error;
-        if (fs::exists(fs::symlink_status(path, error))) return true;
-      }
-    }
-    return false;
+    const auto bundles = installedBundles();
+    return !leftovers().empty() ||
+           std::any_of(bundles.begin(), bundles.end(), [](const fs::path& bundle) {
+             std::error_code error;
+             return fs::exists(fs::symlink_status(platform::onDisk(bundle), error));
+           });
   }
 
   void scriptEnded(const std::optional<platform::AdminScriptError>& error) {

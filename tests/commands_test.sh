@@ -1,14 +1,22 @@
 #!/bin/sh
-# The commands of orvane-install beside the plain installation: activation of a second account, diagnosis of broken
-# installations, removal, lines of JSON, the manual page and the completions.  usage: commands_test.sh APP_BUNDLE
+# The commands of orvane-install, on real processes, files and logs: how an installation may end, activation of a second
+# account, diagnosis, removal, lines of JSON, the manual page and the completions.  usage: commands_test.sh APP_BUNDLE
+# shellcheck disable=SC2016 # scripts and patterns have dollars of their own
 set -u
 . "$(dirname "$0")/support.sh"
 
 use_bundle "$1"
+mkdir -p "$root" "$work/second"
 unset DISPLAY WAYLAND_DISPLAY
 export SUDO_ASKPASS=/bin/true
+bundle=$app
+ui_log=$root/tmp/tessal_installer_ui.log
 
-orvane() { timeout 60 "$app/Contents/MacOS/orvane-install" --root "$root" "$@" >"$work/out" 2>"$work/err"; }
+orvane() { timeout 60 "$bundle/Contents/MacOS/orvane-install" --root "$root" "$@" >"$work/out" 2>"$work/err"; }
+start() {
+  : >"$work/out" # what an earlier run said must not be taken for this one's
+  "$bundle/Contents/MacOS/orvane-install" --root "$root" "$@" >"$work/out" 2>"$work/err" & front=$!
+}
 says() { grep -q -- "$2" "$work/out" "$work/err" || fail "$1: nothing said of \"$2\": $(cat "$work/out" "$work/err")"; }
 status_of() { # status_of EXPECTED COMMAND...
   expected=$1
@@ -16,9 +24,8 @@ status_of() { # status_of EXPECTED COMMAND...
   orvane "$@"
   expect "status of $*" $? "$expected"
 }
-start_from() { rm -rf "$root" && cp -R "$work/$1" "$root"; }
 picture() { (cd "$1" && find . -type d -name tmp -prune -o -printf '%p %m %T@ %s %l\n' | sort); }
-installed_plist="$root/Library/Input Methods/Orvane.app/Contents/Info.plist"
+changed() { picture "$root" | diff "$work/before" - >&2; ! picture "$root" | cmp -s "$work/before" -; }
 preferences() { find "$root/user" -path '*ByHost/com.apple.HIToolbox*'; }
 # expect_listed TEXT: what the entries of each list name, in their order.
 expect_listed() {
@@ -45,6 +52,31 @@ lists["AnotherKey"] = 7
 plistlib.dump(lists, open(path, "wb"))
 PYTHON
 }
+# script NAME COMMANDS: a bundle whose script of this name does these first.
+script() {
+  rm -rf "$work/copy.app"
+  cp -R "$app" "$work/copy.app"
+  bundle=$work/copy.app
+  {
+    echo 'hold() { echo holding >>"$INSTALL_ROOT/tmp/tessal_installer.log"; sleep 50 & wait; }'
+    echo "$2"
+    cat "$app/Contents/Resources/$1.sh"
+  } >"$bundle/Contents/Resources/$1.sh"
+}
+# outcome STATUS TEXT [SIGNAL LOG]: how an installation ends that gets the signal once the UI log says so.
+outcome() {
+  rm -f "$ui_log"
+  start --no-wait
+  if [ $# -gt 2 ]; then
+    await "$4" grep -q -- "$4" "$ui_log"
+    kill "-$3" $front
+  fi
+  wait_for_end $front
+  expect "status of \"$2\"" $? "$1"
+  says outcome "$2"
+  await "no process left" nothing_left || cat "$work/left"
+  bundle=$app
+}
 
 echo usage
 for command in "" install activate doctor uninstall; do
@@ -54,12 +86,52 @@ done
 for arguments in "doctor --no-wait" "--no-wait doctor" "uninstall --json" "--json uninstall" "doctor extra" "instal" \
   "--bogus" "--root"; do
   # shellcheck disable=SC2086
-  orvane $arguments
-  expect "status of $arguments" $? 64
-  grep -q Usage: "$work/err" || fail "no usage for $arguments"
+  status_of 64 $arguments
+  says "wrong use" Usage:
 done
 
+echo "outcomes"
+SUDO_ASKPASS=/bin/false
+outcome 2 未获得管理员授权
+[ ! -s "$ui_log" ] && [ ! -e "$root/Library" ] || fail "a refused prompt has changed something"
+SUDO_ASKPASS=/bin/true
+script install 'exit 0'
+outcome 1 未检测到已安装的输入法
+script install 'echo 磁盘已满 >&2; exit 3'
+outcome 1 安装失败
+grep -q '管理员授权失败: 磁盘已满' "$ui_log" || fail "no reason in the log"
+script install 'trap "echo stopped >&2; exit 9" TERM; hold'
+outcome 1 安装失败 INT holding
+grep -q '管理员授权失败: stopped' "$ui_log" || fail "what an interrupted script says is not logged"
+script install 'trap "" TERM INT HUP; hold'
+outcome 1 安装失败 TERM holding
+script install ''
+rm "$bundle/Contents/Resources/install.sh"
+outcome 1 '找不到安装脚本 install.sh'
+
+echo "a first installation, waited for"
+rm -rf "$root" && mkdir "$root"
+start
+await "the waiting phase" grep -q '请将「澄枫输入法」添加到输入法列表' "$work/out"
+kill -TERM $front
+wait_for_end $front
+expect "status when asked to end" $? 3
+rm -rf "$root" && mkdir "$root"
+start
+await "the waiting phase" grep -q '请将「澄枫输入法」添加到输入法列表' "$work/out"
+sources allow $base || fail allow
+wait_for_end $front
+expect status $? 0
+says success 安装成功
+expect "current source" "$(sources current)" $base.pinyin
+opened="$root/user/Library/Application Support/Orvane/opened.log"
+await "the settings" grep -q opened "$opened"
+status_of 0
+expect "settings opened" "$(cat "$opened")" opened
+rm "$opened"
+
 echo "json lines of an installation"
+sources deny $base
 status_of 3 install --no-wait --json
 python3 - "$work/out" <<'PYTHON' || fail "the lines: $(cat "$work/out")"
 import json, sys
@@ -75,126 +147,79 @@ assert of("status") == ["installing", "waitingEnable"], of("status")
 assert of("progress")[-1] == 1 and all(0 <= value <= 1 for value in of("progress")), of("progress")
 PYTHON
 
-echo "consent denied"
-sources deny $base
-status_of 1 doctor
-says "consent denied" '没有启用输入法：已经请求过，但还没有允许，或被拒绝了'
-
 echo "a second account"
-second=$work/second
-mkdir "$second"
-rm -f "$root/user/Library/Application Support/Orvane/opened.log"
-"$app/Contents/MacOS/orvane-install" --root "$root" --home "$second" activate >"$work/out" 2>&1 & front=$!
+start --home "$work/second" activate
 await "the waiting phase" grep -q '请将「澄枫输入法」添加到输入法列表' "$work/out"
-sources --home "$second" allow $base || fail allow
-wait $front
+sources --home "$work/second" allow $base || fail allow
+wait_for_end $front
 expect "status" $? 0
-expect "current source of the second" "$(sources --home "$second" current)" $base.pinyin
-expect "current source of the first" "$(sources current)" com.apple.keylayout.ABC
-[ ! -e "$root/user/Library/Application Support/Orvane/opened.log" ] || fail "the settings were opened for the second account"
+expect "current source of the second" "$(sources --home "$work/second" current)" $base.pinyin
+[ ! -e "$opened" ] || fail "the settings were opened for the second account"
 SUDO_ASKPASS=/bin/false
-status_of 0 --home "$second" activate
-sources --home "$second" disable $base
-status_of 3 --home "$second" activate --no-wait
-status_of 0 --home "$second" activate --no-wait --once
+status_of 0 --home "$work/second" activate
+sources --home "$work/second" disable $base
+status_of 3 --home "$work/second" activate --no-wait
+status_of 0 --home "$work/second" activate --no-wait --once
 mv "$root/Library" "$root/away"
-status_of 1 --home "$second" activate
+status_of 1 --home "$work/second" activate
 says "bundle missing" '未检测到已安装的输入法'
 mv "$root/away" "$root/Library"
 SUDO_ASKPASS=/bin/true
 
-echo "a sound installation"
+echo diagnosis
+status_of 1 doctor
+status_of 0 doctor --machine
 sources allow $base && sources select $base.pinyin
-TESSAL_INSTALLER_WRITE_HITOOLBOX_DEFAULTS=1 orvane && orvane activate
+TESSAL_INSTALLER_WRITE_HITOOLBOX_DEFAULTS=1 orvane
 expect_listed $base.pinyin
-chmod 600 "$root/tmp/tessal_installer.log" # as another user's may be
-cp -a "$root" "$work/sound"
 picture "$root" >"$work/before"
 status_of 0 doctor
 says "all" '，0 项失败'
-picture "$root" | diff "$work/before" - || fail "doctor has changed something"
-SUDO_ASKPASS=/nowhere
-status_of 1 doctor
-SUDO_ASKPASS=/bin/true
-says "no way to ask for a password" '无法取得管理员权限'
-status_of 0 doctor --machine
-
-# broken CHECKS TEXT SET-UP: the checks that fail after it, and what one of them says.
-broken() {
-  start_from sound
-  eval "$3"
-  status_of 1 doctor --json
-  expect "after $3, what fails" "$(python3 - "$work/out" "$work/failing" <<'PYTHON'
+! changed || fail "doctor has changed something"
+mkdir "$root/Library/Input Methods/.Orvane.app.staging"
+status_of 1 doctor --json
+python3 - "$work/out" <<'PYTHON' || fail "the lines: $(cat "$work/out")"
 import json, sys
-events = [event for event in map(json.loads, open(sys.argv[1])) if event.get("level") == "fail"]
-print(*(event["check"] for event in events))
-print(*(event["text"] + event["next"] for event in events), sep="\n", file=open(sys.argv[2], "w"))
+events = [json.loads(line) for line in open(sys.argv[1])]
+assert events[-1] == {"event": "result", "command": "doctor", "exitStatus": 1}, events[-1]
+findings = [event for event in events if "check" in event]
+assert {event["scope"] for event in findings} == {"machine", "user"}
+assert all(event.keys() == {"event", "level", "scope", "check", "text", "next", "value"} for event in findings)
+assert [event["check"] for event in findings if event["level"] == "fail"] == ["leftovers"]
 PYTHON
-  )" "$1"
-  grep -q -- "$2" "$work/failing" || fail "after $3, nothing said of \"$2\": $(cat "$work/failing")"
-}
-another_mode() {
-  python3 -c 'import plistlib, sys
-info = plistlib.load(open(sys.argv[1], "rb"))
-info["ComponentInputModeDict"]["tsInputModeListKey"] = {"another.mode": {}}
-plistlib.dump(info, open(sys.argv[1], "wb"))' "$installed_plist"
-}
-replace() { sed -i "s|<string>$1</string>|<string>$2</string>|" "$3"; }
-echo "broken installations"
-mode='mode modeSource modeEnabled selectCapable'
-lists='AppleEnabledInputSources AppleSelectedInputSources AppleInputSourceHistory'
-broken "$mode" 'Info.plist 里没有拼音模式' another_mode
-broken "$mode" '找不到拼音模式的输入源' another_mode
-broken enabled 曾经启用过，后来被拒绝或停用了 'sources deny $base'
-broken enabled 或后来被拒绝、停用了 'sources deny $base; rm "$root/tmp/tessal_installer_ui.log"'
-broken bundle 没有安装 'rm -r "$root/Library/Input Methods/Orvane.app"'
-broken "$lists" 'AppleEnabledInputSources：有一条拼音模式的条目属于别的程序包「com.example.foreign」' \
-  'replace $base com.example.foreign "$(preferences)"'
-broken leftovers .Orvane.app.staging 'mkdir "$root/Library/Input Methods/.Orvane.app.staging"'
-broken "identifier registered $lists" '缺少 inputmethod 一段' 'replace $base com.tessal.Orvane "$installed_plist"'
-start_from sound
-echo 'error: Cogwen.zip is missing' >>"$root/tmp/tessal_installer.log"
-status_of 0 doctor
-says "a failed run" 上一次安装失败了
+rmdir "$root/Library/Input Methods/.Orvane.app.staging"
 
-if [ -e "$app/Contents/Resources/uninstall.sh" ]; then
-  start_from sound
-  echo "removal, refused"
-  picture "$root" >"$work/before"
-  SUDO_ASKPASS=/bin/false
-  status_of 2 uninstall --yes
-  picture "$root" | diff "$work/before" - || fail "a refused prompt has changed something"
-  echo no | orvane uninstall
-  expect "status of no" $? 2
-  picture "$root" | diff "$work/before" - || fail "a no has changed something"
-  SUDO_ASKPASS=/bin/true
+echo "removal, not wanted"
+picture "$root" >"$work/before"
+echo no | orvane uninstall
+expect "status of no" $? 2
+SUDO_ASKPASS=/bin/false
+status_of 2 uninstall --yes
+SUDO_ASKPASS=/bin/true
+! changed || fail "something was removed"
 
-  echo removal
-  add_neighbours
-  rm -rf "$root/Applications/Cogwen.app" && mkdir -p "$root/Applications/Cogwen.app" "$root/user/Library/Application Support/Orvane"
-  echo y | orvane uninstall
-  expect "status" $? 0
-  says "what stays" '保留了用户词库和设置：.*Application Support/Orvane'
-  says "what is not ours" '保留了 .*Cogwen.app'
-  [ ! -e "$root/Library/Input Methods/Orvane.app" ] && [ ! -e "$root/Applications/Sondrel.app" ] &&
-    [ -d "$root/Applications/Cogwen.app" ] && [ -d "$root/user/Library/Application Support/Orvane" ] ||
-    fail "wrong things were removed: $(find "$root" -name '*.app')"
-  expect_listed "com.example.first text com.example.other"
-  grep -q 'Orvane removed' "$root/tmp/tessal_uninstaller.log" || fail "no log of the script"
-  grep -q 已停用 "$root/tmp/tessal_uninstaller_ui.log" || fail "no log of the uninstaller"
-  expect "current source" "$(sources current)" com.apple.keylayout.ABC
-  rmdir "$root/Applications/Cogwen.app"
-  SUDO_ASKPASS=/bin/false # nothing is left that needs rights
-  status_of 0 uninstall --yes --purge --json
-  expect "what --purge leaves" "$(ls "$root/user/Library/Application Support")" ""
-  SUDO_ASKPASS=/bin/true
-
-  echo "installed again"
-  status_of 3 install --no-wait
-  grep -q '启用路径：全新安装' "$root/tmp/tessal_installer_ui.log" || fail "no fresh installation"
-  expect "consent" "$(sources list | grep -c "^$base	disabled asked")" 1
-  SUDO_ASKPASS=/bin/true status_of 0 uninstall --yes
-fi
+echo removal
+add_neighbours
+rm -rf "$root/Applications/Cogwen.app"
+mkdir -p "$root/Applications/Cogwen.app" "$root/user/Library/Application Support/Orvane"
+echo y | orvane uninstall
+expect "status" $? 0
+says "what stays" '保留了用户词库和设置：.*Application Support/Orvane'
+says "what is not ours" '保留了 .*Cogwen.app'
+[ ! -e "$root/Library/Input Methods/Orvane.app" ] && [ ! -e "$root/Applications/Sondrel.app" ] &&
+  [ -d "$root/Applications/Cogwen.app" ] && [ -d "$root/user/Library/Application Support/Orvane" ] ||
+  fail "wrong things were removed: $(find "$root" -name '*.app')"
+expect_listed "com.example.first text com.example.other"
+grep -q 'Orvane removed' "$root/tmp/tessal_uninstaller.log" || fail "no log of the script"
+grep -q 已停用 "$root/tmp/tessal_uninstaller_ui.log" || fail "no log of the uninstaller"
+expect "current source" "$(sources current)" com.apple.keylayout.ABC
+rmdir "$root/Applications/Cogwen.app"
+SUDO_ASKPASS=/bin/false # nothing is left that needs rights
+status_of 0 uninstall --yes --purge --json
+expect "what --purge leaves" "$(ls "$root/user/Library/Application Support")" ""
+SUDO_ASKPASS=/bin/true
+status_of 3 install --no-wait
+grep -q '启用路径：全新安装' "$ui_log" || fail "no fresh installation after a removal"
 
 echo "manual page and completions"
 resources=$app/Contents/Resources
@@ -212,9 +237,7 @@ complete_bash() { # complete_bash WORD...: what bash offers for the last word
 }
 expect "commands" "$(complete_bash i)" install
 expect "options after a root" "$(complete_bash --root doctor --ma)" ""
-expect "options of doctor" "$(complete_bash --root / doctor --ma)" --machine
-expect "options of uninstall" "$(complete_bash uninstall --p)" --purge
-expect "folders" "$(complete_bash --root "$resources/comp")" "$resources/completions"
+expect "options of uninstall" "$(complete_bash --root / uninstall --p)" --purge
 for shell in zsh fish; do
   command -v $shell >/dev/null || { echo "no $shell here: its completion is not tried"; continue; }
   case $shell in

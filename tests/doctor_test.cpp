@@ -1,11 +1,8 @@
-// What doctor says of states that only a scripted service can be in.
+// What doctor says of each state that an installation can be in.
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 #include "cli/diagnosis.h"
-#include "inputsource/tessal_installer.h"
 #include "tests/identifiers.h"
 #include "tests/platform/test_platform.h"
 
@@ -22,19 +19,20 @@ class DoctorTest : public testing::Test {
   /// A sound installation, enabled and selected.
   DoctorTest() {
     platform.putInstalledBundle();
-    auto& info = platform.propertyLists.begin()->second;
-    info["CFBundleShortVersionString"] = "1.0.0";
-    info["ComponentInputModeDict"] = PropertyListDictionary{
+    info()["CFBundleShortVersionString"] = "1.10.0";
+    info()["ComponentInputModeDict"] = PropertyListDictionary{
         {"tsInputModeListKey", PropertyListDictionary{{kPinyin, PropertyListDictionary{}}}}};
-    platform.info["OrvanePayloadVersion"] = "1.0.0";
+    platform.info["OrvanePayloadVersion"] = "1.10.0";
     platform.putFile("/Library/Input Methods/Orvane.app/Contents/MacOS/Orvane", "");
     platform.putFile("/Library/Input Methods/Orvane.app/Contents/MacOS/OrvaneSettings.app/x", "");
-    fs::permissions(bundle / "Contents/MacOS/Orvane", fs::perms(0755));
+    fs::permissions(program, fs::perms(0755));
     platform.addInputMethod();
     platform.setEnabled(kBase, true);
     platform.setEnabled(kPinyin, true);
     platform.current = platform.mode;
   }
+
+  PropertyListDictionary& info() { return platform.propertyLists.begin()->second; }
 
   /// The checks that do not pass, each as "fail CHECK" or "warn CHECK".
   Lines problems() {
@@ -52,7 +50,8 @@ class DoctorTest : public testing::Test {
   }
 
   test::Platform platform;
-  fs::path bundle = platform.root / "Library/Input Methods/Orvane.app";
+  const fs::path bundle = platform.root / "Library/Input Methods/Orvane.app";
+  const fs::path program = bundle / "Contents/MacOS/Orvane";
 };
 
 TEST_F(DoctorTest, SoundInstallationPassesAndNothingIsCalled) {
@@ -67,38 +66,67 @@ TEST_F(DoctorTest, SourcesAreToldApart) {
   // Found by the mode identifier, but enabled only counts by the source identifier.
   EXPECT_EQ(problems(), Lines{"fail modeEnabled"});
   mode[InputSourceProperty::inputSourceID] = kPinyin;
-  mode[InputSourceProperty::isSelectCapable] = false;
   platform.current = platform.base;
-  EXPECT_EQ(problems(), (Lines{"fail selectCapable", "warn selected"}));
+  EXPECT_EQ(problems(), Lines{"warn selected"});
+  mode[InputSourceProperty::isSelectCapable] = false;
+  EXPECT_EQ(problems(), Lines{"fail selectCapable"});
   platform.setEnabled(kBase, false);
   platform.setEnabled(kPinyin, false);
   EXPECT_EQ(problems(), Lines{"fail enabled"});
+  std::erase(platform.sources, platform.mode);
+  EXPECT_EQ(problems(), (Lines{"fail modeSource", "fail enabled"}));
   std::erase(platform.sources, platform.base);
-  EXPECT_EQ(problems(), (Lines{"fail baseSource", "fail enabled"}));
+  platform.sources.push_back(platform.mode);
+  EXPECT_EQ(problems(), Lines{"fail baseSource"});
   platform.sources.clear();
-  EXPECT_EQ(problems(), Lines{"fail registered"});
-  // Without a bundle only that counts.
-  fs::remove_all(bundle);
-  EXPECT_EQ(problems(), Lines{"fail bundle"});
-  platform.putFile("/Library/Input Methods/Orvane.app", "a plain file");
-  platform.adminRights = platform::AdminRights::ofAnother;
-  EXPECT_EQ(problems(), (Lines{"fail bundle", "warn settings", "fail registered", "warn rights"}));
+  platform.isAdministrator = false;
+  EXPECT_EQ(problems(), (Lines{"fail registered", "warn rights"}));
 }
 
 TEST_F(DoctorTest, BundleOnDiskIsLookedThrough) {
-  auto& info = platform.propertyLists.begin()->second;
-  platform.info["OrvanePayloadVersion"] = "1.1.0";
-  EXPECT_EQ(problems(), Lines{"warn version"});
-  platform.info.clear();
-  info["CFBundleIdentifier"] = "com.tessal.inputmethodical.Orvane";
-  info["CFBundleExecutable"] = "Missing";
-  EXPECT_EQ(problems(), (Lines{"fail identifier", "fail program"}));
-  platform.propertyLists.clear();
-  EXPECT_EQ(problems(), Lines{"fail info"});
-  const fs::path deep = bundle / "Contents/MacOS/OrvaneSettings.app/x";
+  const fs::path settings = bundle / "Contents/MacOS/OrvaneSettings.app";
   for (const int modes : {0666, 0664, 0640}) {
-    fs::permissions(deep, fs::perms(modes));
-    EXPECT_EQ(problems(), (Lines{"fail info", "fail access"})) << std::oct << modes;
+    fs::permissions(settings / "x", fs::perms(modes));
+    EXPECT_EQ(problems(), Lines{"fail access"}) << std::oct << modes;
+  }
+  fs::permissions(settings / "x", fs::perms(0644));
+  fs::permissions(settings, fs::perms(0744));
+  EXPECT_EQ(problems(), Lines{"fail access"});
+  fs::permissions(settings, fs::perms(0755));
+  platform.owners[settings / "x"] = "user:staff";
+  EXPECT_EQ(problems(), Lines{"fail access"});
+  platform.owners.clear();
+  fs::remove_all(settings);
+  fs::permissions(program, fs::perms(0744));
+  EXPECT_EQ(problems(), (Lines{"fail program", "warn settings"}));
+  // The faults of the sources have their reason in this one.
+  info().erase("ComponentInputModeDict");
+  platform.sources = {platform.base};
+  EXPECT_EQ(problems(), (Lines{"fail mode", "fail program", "warn settings"}));
+  platform.propertyLists.clear();
+  platform.sources.clear();
+  EXPECT_EQ(problems(), (Lines{"fail info", "warn settings"}));
+  fs::remove_all(bundle);
+  fs::create_directory_symlink("/", bundle);
+  EXPECT_EQ(problems(), Lines{"fail bundle"});
+  fs::remove(bundle);
+  EXPECT_EQ(problems(), Lines{"fail bundle"});
+}
+
+TEST_F(DoctorTest, IdentifierAndVersion) {
+  platform.info["OrvanePayloadVersion"] = "1.11.0";
+  EXPECT_EQ(problems(), Lines{"warn version"});
+  EXPECT_EQ(newerVersionNotice(), "");
+  for (const char* older : {"1.9.1", "1.9"}) {
+    platform.info["OrvanePayloadVersion"] = older;
+    EXPECT_EQ(problems(), Lines{}) << "nobody is told to go back to " << older;
+    EXPECT_NE(newerVersionNotice(), "");
+  }
+  info().erase("CFBundleShortVersionString");
+  EXPECT_EQ(problems(), Lines{"warn version"});
+  for (const char* identifier : {"", "com.tessal.inputmethodical.Orvane", "x.inputmethod.Orvane"}) {
+    info()["CFBundleIdentifier"] = identifier;
+    EXPECT_EQ(problems(), (Lines{"fail identifier", "warn version"})) << identifier;
   }
 }
 
@@ -116,9 +144,13 @@ TEST_F(DoctorTest, PreferencesAndLeftoversAndLogs) {
   fs::create_directory(platform.root / "tmp/tessal_installer_ui.log");
   EXPECT_EQ(problems(), (Lines{"warn leftovers", "warn installLog", "warn uiLog",
                                "warn AppleEnabledInputSources"}));
-  platform.putFile("/Applications/.Cogwen.app.backup/x", "");
+  platform.preferences = {{"AppleEnabledInputSources", PropertyListArray{own}}};
+  platform.putFile("/Library/Input Methods/.Cogwen.app.backup/x", "");
   platform.putFile("/tmp/tessal_installer.log", "unzip package\nfinish\n");
-  EXPECT_EQ(problems(), (Lines{"fail leftovers", "warn leftovers", "warn uiLog",
+  EXPECT_EQ(problems(), (Lines{"fail leftovers", "warn uiLog"}));
+  platform.putFile("/tmp/tessal_installer.log", "error: Orvane.zip is missing\n");
+  fs::remove_all(bundle);
+  EXPECT_EQ(problems(), (Lines{"fail bundle", "fail leftovers", "warn installLog", "warn uiLog",
                                "warn AppleEnabledInputSources"}));
 }
 

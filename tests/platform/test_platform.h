@@ -13,10 +13,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/admin_rights.h"
 #include "platform/admin_script.h"
 #include "platform/child_process.h"
-#include "platform/file_owner.h"
 #include "platform/host_window.h"
 #include "platform/main_queue.h"
 #include "platform/property_list.h"
@@ -81,9 +79,9 @@ class Platform {
   /// What readPropertyListDictionary answers, by path on disk.
   std::map<std::filesystem::path, platform::PropertyListDictionary> propertyLists;
 
-  /// Owners of files, by path on disk; all others are root's.
-  std::map<std::filesystem::path, platform::FileOwner> owners;
-  platform::AdminRights adminRights = platform::AdminRights::askable;
+  /// Owners and groups of files, by path on disk; all others are root's.
+  std::map<std::filesystem::path, std::string> owners;
+  bool isAdministrator = true;
 
   // The administrator script and the follower of the log.
   std::optional<platform::AdminScriptError> adminScriptError;
