@@ -87,9 +87,9 @@ table installed updated downgraded repaired
 expect "modes that are too wide" "$(find "$work"/*/opt ! -type l -perm /6022)" ""
 expect "login entries" "$(find "$work" -name '*.desktop' | wc -l)" 4
 [ -z "$(ls -A "$work/elsewhere")" ] && [ ! -e "$work/refuses" ] || fail "installed where it was refused"
-entry=$(sed -n 's/^Exec=//p' "$work/$fresh/etc/xdg/autostart/orvane-activate.desktop" | sed 's/%%/%/g; s/\\\\/\\/g')
-eval "set -- $entry" # a shell quotes as these files do
-expect "login entry" "$*" "$work/$fresh/opt/orvane/Orvane Installer.app/Contents/MacOS/orvane-install --root $work/$fresh activate --once"
+quoted="$work/"'fresh \\"1\\" \\$ \\\\ 5%% & \\`'
+grep -qxF "Exec=\"$quoted/opt/orvane/Orvane Installer.app/Contents/MacOS/orvane-install\" --root \"$quoted\" activate --once" \
+  "$work/$fresh/etc/xdg/autostart/orvane-activate.desktop" || fail "a login entry that does not quote"
 
 echo "run again"
 touch "$work/before"
