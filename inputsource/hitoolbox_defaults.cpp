@@ -5,7 +5,7 @@
 #include "inputsource/tessal_installer.h"
 #include "platform/common/property_list_lookups.h"
 
-using platform::ForeignKeyDictionary;
+using platform::OpaqueValue;
 using platform::PreferencesHost;
 using platform::PreferencesUser;
 using platform::PropertyListArray;
@@ -62,7 +62,8 @@ std::vector<PropertyListDictionary> TessalInstaller::readCFArrayOfDicts(const st
                                                                         PreferencesHost host) {
   const PropertyListArray elements = readList(key, appID, user, host).elements;
   const bool onlyDictionaries = std::ranges::all_of(elements, [](const PropertyListValue& element) {
-    return element.as<PropertyListDictionary>() || element.as<ForeignKeyDictionary>();
+    const auto* opaque = element.as<OpaqueValue>();
+    return element.as<PropertyListDictionary>() || (opaque && opaque->isDictionary);
   });
   std::vector<PropertyListDictionary> entries;
   for (const PropertyListValue& element : elements) {

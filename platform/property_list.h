@@ -2,11 +2,10 @@
 
 #pragma once
 
-#include <compare>
-#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <variant>
@@ -19,23 +18,21 @@ class PropertyListValue;
 using PropertyListArray = std::vector<PropertyListValue>;
 using PropertyListDictionary = std::map<std::string, PropertyListValue>;
 
-/// A dictionary with a key that is not a string. Its content is not carried.
-struct ForeignKeyDictionary {
-  bool operator==(const ForeignKeyDictionary&) const = default;
-};
+/// A value as the platform holds it.
+struct OpaqueObject;
 
-using PropertyListData = std::vector<std::byte>;
-
-/// Seconds since 2001-01-01 00:00:00 UTC.
-struct PropertyListDate {
-  double secondsSince2001 = 0.0;
-  bool operator==(const PropertyListDate&) const = default;
+/// A value that the installer never edits: a real, a date, data, an integer from 2^63
+/// on, a dictionary with a key that is no string. It is written back as it came.
+struct OpaqueValue {
+  std::shared_ptr<const OpaqueObject> object;
+  bool isDictionary = false;
 };
+/// Whether they hold the same value.
+bool operator==(const OpaqueValue& left, const OpaqueValue& right);
 
 /// One value of a property list. A boolean is not a number.
-class PropertyListValue : public std::variant<bool, std::int64_t, double, std::string,
-                                              PropertyListDate, PropertyListData, PropertyListArray,
-                                              PropertyListDictionary, ForeignKeyDictionary> {
+class PropertyListValue : public std::variant<bool, std::int64_t, std::string, PropertyListArray,
+                                              PropertyListDictionary, OpaqueValue> {
  public:
   using variant::variant;
   PropertyListValue(const char* text) : variant(std::string(text)) {}
@@ -48,8 +45,8 @@ class PropertyListValue : public std::variant<bool, std::int64_t, double, std::s
 };
 
 /// Reads an XML or binary property list; absent if the file is missing,
-/// unreadable, damaged, above 4 MiB, no regular file, or has another kind of value
-/// at its root. Any thread.
+/// unreadable, damaged, beyond the limits of common/property_list_limits.h, no
+/// regular file, or has another kind of value at its root. Any thread.
 std::optional<PropertyListDictionary> readPropertyListDictionary(const std::filesystem::path& file);
 
 }  // namespace platform

@@ -12,7 +12,6 @@
 #include <filesystem>
 #include <fstream>
 #include <limits>
-#include <map>
 #include <thread>
 
 #include "platform/admin_script.h"
@@ -186,63 +185,46 @@ TEST(Contract, AdminScriptOfAnotherFormIsAnError) {
   }
 }
 
-TEST(Contract, PropertyListsAreReadWithTheirTypes) {
+TEST(Contract, PropertyListsAreReadAndWrittenBackAsTheyCame) {
   const auto file = std::filesystem::temp_directory_path() / "orvane-contract.plist";
   std::ofstream(file) << R"(<?xml version="1.0" encoding="UTF-8"?><plist version="1.0"><dict>
     <key>yes</key><true/><key>one</key><integer>1</integer><key>minus</key><integer>-5</integer>
-    <key>half</key><real>0.5</real><key>name</key><string>澄枫</string>
-    <key>list</key><array><string>a</string><dict/></array></dict></plist>)";
-  const auto read = readPropertyListDictionary(file);
-  ASSERT_TRUE(read.has_value());
-  EXPECT_EQ(*read,
-            (PropertyListDictionary{{"yes", true},
-                                    {"one", std::int64_t{1}},
-                                    {"minus", std::int64_t{-5}},
-                                    {"half", 0.5},
-                                    {"name", "澄枫"},
-                                    {"list", PropertyListArray{"a", PropertyListDictionary{}}}}));
-  for (const char* content : {"", "no property list", "<plist><array/></plist>"}) {
-    std::ofstream(file) << content;
-    EXPECT_EQ(readPropertyListDictionary(file), std::nullopt) << content;
-  }
+    <key>max</key><integer>9223372036854775807</integer><key>name</key><string>澄枫 🍁 &amp;</string>
+    <key>list</key><array><string>a</string><dict/><string/></array>
+    <key>foreign</key><array><integer>18446744073709551615</integer><real>0.5</real>
+    <date>2001-01-02T00:00:00Z</date><data>AP8=</data></array></dict></plist>)";
+  auto read = readPropertyListDictionary(file);
   std::filesystem::remove(file);
-  EXPECT_EQ(readPropertyListDictionary(file), std::nullopt);
-}
+  ASSERT_TRUE(read.has_value());
+  const auto* foreign = (*read)["foreign"].as<PropertyListArray>();
+  ASSERT_TRUE(foreign && foreign->size() == 4);
+  for (const auto& value : *foreign) EXPECT_TRUE(value.as<OpaqueValue>());
 
-TEST(Contract, PreferencesGiveBackWhatWasSet) {
   const std::string domain = "com.tessal.installer.contract-test." + std::to_string(::getpid());
   const auto copy = [&](const std::string& key) {
     return copyPreferencesValue(key, domain, PreferencesUser::current, PreferencesHost::current);
   };
-  const auto set = [&](const std::string& key, const std::optional<PropertyListValue>& value) {
-    setPreferencesValue(key, value, domain, PreferencesUser::current, PreferencesHost::current);
+  const auto setAll = [&](const auto& valueFor) {
+    for (const auto& [key, value] : *read)
+      setPreferencesValue(key, valueFor(value), domain, PreferencesUser::current,
+                          PreferencesHost::current);
+    EXPECT_TRUE(synchronizePreferences(domain, PreferencesUser::current, PreferencesHost::current));
   };
-  const auto synchronize = [&] {
-    return synchronizePreferences(domain, PreferencesUser::current, PreferencesHost::current);
-  };
-  // Each type, there and back.
-  const std::map<std::string, PropertyListValue> values = {
-      {"flag", true},
-      {"number", std::int64_t{-3}},
-      {"large", std::numeric_limits<std::int64_t>::max()},
-      {"real", 1.5},
-      {"text", "好 \xF0\x9F\x8D\x81 & <"},
-      {"date", PropertyListDate{86400.0}},
-      {"data", PropertyListData{std::byte{0}, std::byte{0xFF}}},
-      {"list", PropertyListArray{PropertyListDictionary{{"a", PropertyListArray{}}}, 2.0, ""}},
-  };
-  for (const auto& [key, value] : values) set(key, value);
-  set("foreign", PropertyListArray{ForeignKeyDictionary{}});
-  EXPECT_TRUE(synchronize());
-  for (const auto& [key, value] : values) EXPECT_EQ(copy(key), value) << key;
-  EXPECT_EQ(copy("foreign"), PropertyListValue(PropertyListArray{PropertyListDictionary{}}));
-  EXPECT_EQ(copyPreferencesValue("flag", domain, PreferencesUser::current, PreferencesHost::any),
+  setAll([](const auto& value) { return std::optional(value); });
+  for (const auto& [key, value] : *read) EXPECT_EQ(copy(key), value) << key;
+  EXPECT_EQ(copyPreferencesValue("yes", domain, PreferencesUser::current, PreferencesHost::any),
             std::nullopt);
-  for (const auto& [key, value] : values) set(key, std::nullopt);
-  set("foreign", std::nullopt);
-  EXPECT_EQ(copy("flag"), std::nullopt);
-  EXPECT_TRUE(synchronize());
-  EXPECT_EQ(copy("flag"), std::nullopt);
+  setAll([](const auto&) { return std::nullopt; });
+  EXPECT_EQ(copy("yes"), std::nullopt);
+
+  read->erase("foreign");
+  EXPECT_EQ(*read, (PropertyListDictionary{
+                       {"yes", true},
+                       {"one", std::int64_t{1}},
+                       {"minus", std::int64_t{-5}},
+                       {"max", std::numeric_limits<std::int64_t>::max()},
+                       {"name", "澄枫 🍁 &"},
+                       {"list", PropertyListArray{"a", PropertyListDictionary{}, ""}}}));
 }
 
 TEST(Contract, ListedInputSourcesOutliveTheirList) {

@@ -9,8 +9,8 @@
 
 namespace {
 
-using platform::ForeignKeyDictionary;
 using platform::InputSourceProperty;
+using platform::OpaqueValue;
 using platform::PropertyListArray;
 using platform::PropertyListDictionary;
 using platform::PropertyListValue;
@@ -187,8 +187,9 @@ TEST_F(TessalInstallerTest, DefaultsGetTheEntryWhereItIsMissing) {
 TEST_F(TessalInstallerTest, RewrittenDefaultsAreCleaned) {
   platform.putInstalledBundle();
   const PropertyListDictionary other = {{"Bundle ID", std::int64_t{4}}};
-  platform.preferences = {{kEnabled, PropertyListArray{ForeignKeyDictionary{}, other}},
-                          {kSelected, PropertyListArray{ForeignKeyDictionary{}, "text", other}},
+  const OpaqueValue foreignKeys{nullptr, /*isDictionary=*/true};
+  platform.preferences = {{kEnabled, PropertyListArray{foreignKeys, other}},
+                          {kSelected, PropertyListArray{foreignKeys, "text", other}},
                           {kHistory, "no list"}};
   installer.ensureOrvaneEnabledInHIToolboxDefaults(Mode::pinyin);
   EXPECT_EQ(platform.preferences[kEnabled], list({PropertyListDictionary{}, other, entry()}));

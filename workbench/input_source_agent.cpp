@@ -15,7 +15,6 @@
 #include "platform/common/program_options.h"
 #include "platform/linux/file_root_linux.h"
 #include "platform/linux/input_source_service.h"
-#include "platform/linux/input_source_state.h"
 #include "ui/installer_ui.h"
 #include "workbench/helper_window.h"
 #include "workbench/input_source_list.h"
@@ -52,7 +51,7 @@ int askForConsent(const std::string& id) {
     const auto now = service::findInputSource(id);
     return now && now->isAsked;
   };
-  const auto observer = service::observeInputSources(service::WatchedState::everything, [&] {
+  const auto observer = service::observeInputSources([&] {
     if (!isAsked()) QGuiApplication::exit();
   });
   if (!isAsked()) return EXIT_SUCCESS;
@@ -65,8 +64,7 @@ int askForConsent(const std::string& id) {
   lock.unlock();  // the next question needs a window of its own
   const QVariant isAllowed = window->property("isAllowed");
   if (!isAllowed.isValid()) return EXIT_SUCCESS;  // it was answered elsewhere
-  const auto status =
-      isAllowed.toBool() ? service::allowInputMethod(id) : service::denyInputMethod(id);
+  const auto status = service::answerForUser(source, isAllowed.toBool());
   if (status == platform::kNoError) return EXIT_SUCCESS;
   std::cerr << kName << ": the answer was not taken: status " << status << '\n';
   return EXIT_FAILURE;

@@ -2,23 +2,20 @@
 
 #include <iostream>
 
-#include "platform/linux/input_source_state.h"
-
 namespace service = platform::linux_;
 
-InputSourceList::InputSourceList()
-    : observer_(
-          service::observeInputSources(service::WatchedState::everything, [this] { read(); })) {
+InputSourceList::InputSourceList() : observer_(service::observeInputSources([this] { read(); })) {
   read();
 }
 
 void InputSourceList::setEnabled(const QString& id, bool enabled) {
   const std::string sourceId = id.toStdString();
   const auto source = service::findInputSource(sourceId);
-  auto* const change = !enabled                       ? service::disableInputSource
-                       : source && !source->isAllowed ? service::allowInputMethod
-                                                      : service::enableInputSource;
-  if (const auto status = change(sourceId); status != platform::kNoError)
+  if (!source) return;  // gone since the list was read
+  const auto status = !enabled             ? platform::disableInputSource(source)
+                      : !source->isAllowed ? service::answerForUser(source, true)
+                                           : platform::enableInputSource(source);
+  if (status != platform::kNoError)
     std::cerr << "input-source-agent: cannot change " << sourceId << ": status " << status << '\n';
   read();
 }
@@ -27,12 +24,12 @@ void InputSourceList::read() {
   sources_.clear();
   for (const auto& source : service::installedInputSources()) {
     sources_.append(QVariantMap{
-        {"id", QString::fromStdString(source.id)},
-        {"name", QString::fromStdString(source.name)},
-        {"isEnabled", source.isEnabled},
-        {"isCurrent", source.isCurrent},
-        {"isAsked", source.isAsked},
-        {"isFixed", source.id == service::kBuiltInLayoutId},
+        {"id", QString::fromStdString(source->id)},
+        {"name", QString::fromStdString(source->name)},
+        {"isEnabled", source->isEnabled},
+        {"isCurrent", source->isCurrent},
+        {"isAsked", source->isAsked},
+        {"isFixed", source->id == service::kBuiltInLayoutId},
     });
   }
   emit sourcesChanged();

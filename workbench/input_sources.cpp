@@ -8,7 +8,6 @@
 
 #include "platform/common/program_options.h"
 #include "platform/linux/input_source_service.h"
-#include "platform/linux/input_source_state.h"
 #include "platform/program.h"
 
 namespace {
@@ -31,24 +30,21 @@ constexpr const char* kHelp = R"(The input-source service on the command line.
 
 void list() {
   for (const auto& source : service::installedInputSources()) {
-    std::cout << source.id << '\t' << (source.isEnabled ? "enabled" : "disabled")
-              << (source.isAsked ? " asked" : "") << '\t' << source.name
-              << (source.isCurrent ? "\t*\n" : "\n");
+    std::cout << source->id << '\t' << (source->isEnabled ? "enabled" : "disabled")
+              << (source->isAsked ? " asked" : "") << '\t' << source->name
+              << (source->isCurrent ? "\t*\n" : "\n");
   }
 }
 
 void printCurrent() {
-  for (const auto& source : service::installedInputSources()) {
-    if (source.isCurrent) std::cout << source.id << '\n';
-  }
+  std::cout << platform::copyCurrentKeyboardInputSource()->id << '\n';
 }
 
 int watch() {
-  const auto observer = service::observeInputSources(service::WatchedState::enabledSources, [] {
+  const auto observer = platform::observeEnabledInputSourcesChanged([] {
     std::cout << "enabled:";
-    for (const auto& source : service::installedInputSources()) {
-      if (source.isEnabled) std::cout << ' ' << source.id;
-    }
+    for (const auto& source : *platform::createInputSourceList(std::nullopt, false))
+      std::cout << ' ' << source->id;
     std::cout << std::endl;
   });
   return platform::runMainLoop();
@@ -60,16 +56,19 @@ int fail(const std::string& problem, int status) {
 }
 
 int change(const std::string& command, const std::string& id) {
-  static const std::map<std::string, platform::Status (*)(const std::string&)> kOperations = {
-      {"enable", service::enableInputSource}, {"disable", service::disableInputSource},
-      {"select", service::selectInputSource}, {"allow", service::allowInputMethod},
-      {"deny", service::denyInputMethod},
+  using Operation = platform::Status (*)(const platform::InputSource&);
+  static const std::map<std::string, Operation> kOperations = {
+      {"enable", platform::enableInputSource},
+      {"disable", platform::disableInputSource},
+      {"select", platform::selectInputSource},
+      {"allow", [](const auto& source) { return service::answerForUser(source, true); }},
+      {"deny", [](const auto& source) { return service::answerForUser(source, false); }},
   };
   const auto operation = kOperations.find(command);
   if (operation == kOperations.end()) return fail("see --help", platform::kBadUsage);
-  if (!service::findInputSource(id))
-    return fail("no input source has the identifier " + id, EXIT_FAILURE);
-  if (const auto status = operation->second(id); status != platform::kNoError)
+  const auto source = service::findInputSource(id);
+  if (!source) return fail("no input source has the identifier " + id, EXIT_FAILURE);
+  if (const auto status = operation->second(source); status != platform::kNoError)
     return fail("cannot " + command + " " + id + ": status " + std::to_string(status),
                 EXIT_FAILURE);
   return EXIT_SUCCESS;

@@ -1,24 +1,20 @@
-// The input-source service of the workbench: what the text_input_sources.h
-// contract, the agent and the command line share. Its sources are the registered
-// bundles below "/Library/Input Methods" and one built-in layout; its state is a
-// property list of the user that every process may change. Main thread only.
+// What the agent and the command line need of the input-source service beside the
+// contract. Its sources are one built-in layout and those of the bundles below
+// "/Library/Input Methods" that have been registered. Main thread only.
 
 #pragma once
 
-#include <filesystem>
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "platform/host_window.h"
 #include "platform/text_input_sources.h"
 
-namespace platform::linux_ {
+namespace platform {
 
-/// A source as it is now. A base source carries the identifier of its bundle; a
-/// mode source has a mode identifier beside it.
-struct InputSourceInfo {
+/// A source as it was when it was listed. A base source has the identifier of its
+/// bundle; a mode source has a mode identifier as well.
+struct InputSourceObject {
   std::string id;
   std::string bundleId;
   std::optional<std::string> modeId;
@@ -33,43 +29,29 @@ struct InputSourceInfo {
   bool isAsked = false;
 };
 
-/// The built-in layout, then the sources of each bundle on disk, by its path,
-/// the base source before its modes. Exactly one is current.
-std::vector<InputSourceInfo> installedInputSources();
+namespace linux_ {
 
-/// The first installed source of this identifier; absent if there is none.
-std::optional<InputSourceInfo> findInputSource(const std::string& id);
+/// The built-in layout: always enabled, and current when nothing else is.
+inline constexpr const char* kBuiltInLayoutId = "com.apple.keylayout.ABC";
 
-/// Makes the sources of a bundle below "/Library/Input Methods" known. A bundle
-/// whose identifier has no component "inputmethod" is no input method: it is ignored.
-/// kFileNotFound if there is no bundle, kParameterError if it lies elsewhere.
-Status registerInputMethod(const std::filesystem::path& bundle);
+/// The built-in layout, then the sources of each bundle, the base source before its
+/// modes. Exactly one is current.
+std::vector<InputSource> installedInputSources();
 
-/// Enables a source; a base source brings its modes. As long as the user has not
-/// allowed the bundle this only asks, through the agent if it can be shown.
-/// kParameterError if there is no such source.
-Status enableInputSource(const std::string& id);
+/// The first installed source of this identifier; null if there is none.
+InputSource findInputSource(const std::string& id);
 
-/// Disables this one source. If it was current, the built-in layout becomes current.
-/// The user's permission stays as long as the bundle does. kParameterError if there is
-/// no such source or it is the built-in layout.
-Status disableInputSource(const std::string& id);
+/// The user's answer for the bundle of this source, asked for or not: to allow it
+/// enables all its sources, else they are disabled and the next enable asks again.
+Status answerForUser(const InputSource& source, bool isAllowed);
 
-/// Makes an enabled, select-capable source current, else kParameterError.
-Status selectInputSource(const std::string& id);
-
-/// The user's answer for the bundle of this source. allow enables all its sources;
-/// deny disables them, and the next enable asks again. Both work without a question.
-/// kParameterError if no bundle has such a source.
-Status allowInputMethod(const std::string& id);
-Status denyInputMethod(const std::string& id);
+/// Runs `block` on the main queue after any change of the sources by any process,
+/// until the result is destroyed. Never null.
+[[nodiscard]] Observation observeInputSources(Block block);
 
 /// Starts the agent of the running bundle on the same root and does not wait for
 /// it. Whether it has started; it needs a display.
 bool startInputSourceAgent(std::vector<std::string> arguments);
 
-/// From now on the agent is asked to open its windows beside the frame that `frame`
-/// returns when it is started. Main thread.
-void placeAgentBeside(std::function<std::optional<Rect>()> frame);
-
-}  // namespace platform::linux_
+}  // namespace linux_
+}  // namespace platform

@@ -1,4 +1,4 @@
-// The state of the input-source service: a property list of the user that every
+// What the input-source service stores for the user, in a property list that every
 // process may change. Main thread only.
 
 #pragma once
@@ -11,18 +11,17 @@
 
 namespace platform::linux_ {
 
-/// The built-in layout: always enabled, and current when nothing else is.
-inline constexpr const char* kBuiltInLayoutId = "com.apple.keylayout.ABC";
-
 struct InputSourceState {
-  /// Bundles, as paths within the folder of input methods.
+  /// Names of bundles in the folder of input methods.
   std::set<std::string> registered;
-  /// Bundle identifiers.
+  /// Identifiers of the bundles that the user has allowed, and of those that the
+  /// user has been asked about and not answered yet.
   std::set<std::string> allowed;
   std::set<std::string> asked;
-  /// Source identifiers, without the built-in layout.
+  /// Identifiers of sources.
   std::set<std::string> enabled;
-  std::string current = kBuiltInLayoutId;
+  /// One of the enabled sources; empty if none of them is current.
+  std::string current;
 
   bool operator==(const InputSourceState&) const = default;
 };
@@ -33,12 +32,5 @@ InputSourceState readInputSourceState();
 /// Makes one change with no other process in between. The status of `change`, or
 /// kInputOutputError if its result cannot be stored: then nothing has changed.
 Status changeInputSourceState(const std::function<Status(InputSourceState&)>& change);
-
-enum class WatchedState { enabledSources, everything };
-
-/// Runs `block` on the main queue after any process, this one included, has
-/// changed the set of enabled sources or, if so asked, anything of the state,
-/// until the result is destroyed. Never null.
-[[nodiscard]] Observation observeInputSources(WatchedState watched, Block block);
 
 }  // namespace platform::linux_

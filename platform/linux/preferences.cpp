@@ -3,9 +3,8 @@
 #include <QString>
 #include <QSysInfo>
 #include <filesystem>
-#include <map>
+#include <utility>
 
-#include "platform/bundle.h"
 #include "platform/common/property_list_lookups.h"
 #include "platform/linux/file_root_linux.h"
 #include "platform/linux/property_list_file.h"
@@ -23,13 +22,10 @@ std::filesystem::path preferencesFile(const std::string& application, Preference
          (application + "." + QSysInfo::machineHostName().toStdString() + ".plist");
 }
 
-/// Absent: the key is to be removed.
-using Changes = std::map<std::string, std::optional<PropertyListValue>>;
-
-/// What has been set and not yet written, by file.
-std::map<std::filesystem::path, Changes>& unwritten() {
-  static std::map<std::filesystem::path, Changes> values;
-  return values;
+/// Whether all that was set since the latest synchronizePreferences() is written.
+bool& isAllWritten() {
+  static bool value = true;
+  return value;
 }
 
 }  // namespace
@@ -37,12 +33,7 @@ std::map<std::filesystem::path, Changes>& unwritten() {
 std::optional<PropertyListValue> copyPreferencesValue(const std::string& key,
                                                       const std::string& application,
                                                       PreferencesUser user, PreferencesHost host) {
-  const auto file = preferencesFile(application, user, host);
-  if (const auto pending = unwritten().find(file); pending != unwritten().end()) {
-    if (const auto found = pending->second.find(key); found != pending->second.end())
-      return found->second;
-  }
-  const auto stored = readPropertyListDictionary(file);
+  const auto stored = readPropertyListDictionary(preferencesFile(application, user, host));
   const auto* value = stored ? valueIn(*stored, key) : nullptr;
   return value ? std::optional(*value) : std::nullopt;
 }
@@ -50,24 +41,18 @@ std::optional<PropertyListValue> copyPreferencesValue(const std::string& key,
 void setPreferencesValue(const std::string& key, const std::optional<PropertyListValue>& value,
                          const std::string& application, PreferencesUser user,
                          PreferencesHost host) {
-  unwritten()[preferencesFile(application, user, host)].insert_or_assign(key, value);
+  const auto file = preferencesFile(application, user, host);
+  isAllWritten() &= linux_::editPropertyListFile(file, [&](PropertyListDictionary& stored) {
+    if (value)
+      stored.insert_or_assign(key, *value);
+    else
+      stored.erase(key);
+  });
 }
 
-bool synchronizePreferences(const std::string& application, PreferencesUser user,
-                            PreferencesHost host) {
-  const auto pending = unwritten().find(preferencesFile(application, user, host));
-  if (pending == unwritten().end()) return true;
-  const bool written =
-      linux_::editPropertyListFile(pending->first, [&](PropertyListDictionary& stored) {
-        for (const auto& [key, value] : pending->second) {
-          if (value)
-            stored.insert_or_assign(key, *value);
-          else
-            stored.erase(key);
-        }
-      });
-  if (written) unwritten().erase(pending);
-  return written;
+bool synchronizePreferences(const std::string& /*application*/, PreferencesUser /*user*/,
+                            PreferencesHost /*host*/) {
+  return std::exchange(isAllWritten(), true);
 }
 
 }  // namespace platform

@@ -9,16 +9,13 @@
 
 namespace platform::linux_ {
 
-/// Changes the dictionary in a file, one process at a time, and replaces the
-/// file in one step; as XML unless XML cannot carry the values. A missing file
-/// counts as empty, a damaged one is kept under another name and reported on
-/// standard error. `change` must not edit another file of the same folder. An
-/// unchanged dictionary is not written.
+/// Changes the dictionary in a file, one process at a time, and replaces the file
+/// in one step. A missing file counts as empty; an unchanged dictionary is not
+/// written.
 ///
-/// Whether the file now holds the result. False leaves the file as it was: it
-/// cannot be read or written, the disk is full, the values cannot be read back
-/// from a file, or another process holds the folder's lock for more than half a
-/// second.
+/// Whether the file now holds the result. False leaves the file as it was, and says
+/// why on standard error: the file is damaged, it cannot be read or written, a value
+/// cannot be written, or another process holds the lock for more than a second.
 [[nodiscard]] bool editPropertyListFile(const std::filesystem::path& file,
                                         const std::function<void(PropertyListDictionary&)>& change);
 

@@ -1,20 +1,96 @@
 #include "platform/text_input_sources.h"
 
+#include <algorithm>
 #include <utility>
 
+#include "platform/bundle.h"
+#include "platform/common/property_list_lookups.h"
+#include "platform/linux/detached_process.h"
+#include "platform/linux/environment.h"
+#include "platform/linux/file_root_linux.h"
 #include "platform/linux/input_source_service.h"
 #include "platform/linux/input_source_state.h"
+#include "platform/linux/status.h"
 
 namespace platform {
 
-struct InputSourceObject {
-  linux_::InputSourceInfo info;
-};
-
 namespace {
 
-InputSource reference(linux_::InputSourceInfo info) {
-  return std::make_shared<const InputSourceObject>(InputSourceObject{std::move(info)});
+using linux_::changeInputSourceState;
+using linux_::InputSourceState;
+using linux_::kBuiltInLayoutId;
+
+std::filesystem::path inputMethodsFolder() {
+  return onDisk("/Library/Input Methods");
+}
+
+/// The sources that an information dictionary declares: the base source first.
+std::vector<InputSourceObject> declaredSources(const PropertyListDictionary& info) {
+  const auto bundleId = textIn(info, "CFBundleIdentifier");
+  if (!bundleId) return {};
+  InputSourceObject base;
+  base.id = *bundleId;
+  base.bundleId = *bundleId;
+  base.name = textIn(info, "CFBundleDisplayName")
+                  .value_or(textIn(info, "CFBundleName").value_or(*bundleId));
+
+  std::vector<InputSourceObject> sources{base};
+  const auto* modes =
+      dictionaryIn(dictionaryIn(&info, "ComponentInputModeDict"), "tsInputModeListKey");
+  for (const auto& [modeId, value] : modes ? *modes : PropertyListDictionary()) {
+    const auto* declared = value.as<PropertyListDictionary>();
+    if (!declared) continue;
+    InputSourceObject mode = base;
+    mode.id = textIn(*declared, "TISInputSourceID").value_or(modeId);
+    mode.modeId = modeId;
+    mode.name = base.name + " – " + modeId.substr(modeId.rfind('.') + 1);
+    mode.isSelectCapable = true;
+    sources.push_back(std::move(mode));
+  }
+  // The user types with a mode, if there is one.
+  sources.front().isSelectCapable = sources.size() == 1;
+  return sources;
+}
+
+std::vector<InputSourceObject> sourcesOf(const InputSourceState& state) {
+  InputSourceObject layout;
+  layout.id = kBuiltInLayoutId;
+  layout.bundleId = "com.apple.keyboardlayout.all";
+  layout.name = "ABC";
+  layout.isSelectCapable = layout.isEnabled = layout.isAllowed = true;
+
+  std::vector<InputSourceObject> sources{layout};
+  for (const auto& bundle : state.registered) {
+    const auto info =
+        readPropertyListDictionary(inputMethodsFolder() / bundle / "Contents" / "Info.plist");
+    for (auto& source : info ? declaredSources(*info) : std::vector<InputSourceObject>()) {
+      source.isEnabled = state.enabled.contains(source.id);
+      source.isAllowed = state.allowed.contains(source.bundleId);
+      source.isAsked = state.asked.contains(source.bundleId);
+      sources.push_back(std::move(source));
+    }
+  }
+  const auto current = std::ranges::find_if(
+      sources, [&](const auto& source) { return source.id == state.current && source.isEnabled; });
+  (current != sources.end() ? *current : sources.front()).isCurrent = true;
+  return sources;
+}
+
+InputSource find(const std::string& id, const InputSourceState& state) {
+  for (auto& source : sourcesOf(state))
+    if (source.id == id) return std::make_shared<const InputSourceObject>(std::move(source));
+  return nullptr;
+}
+
+/// Enables or disables a base source with its modes.
+void setAllEnabled(InputSourceState& state, const std::string& bundleId, bool isEnabled) {
+  for (const auto& source : sourcesOf(state)) {
+    if (source.bundleId != bundleId) continue;
+    if (isEnabled)
+      state.enabled.insert(source.id);
+    else
+      state.enabled.erase(source.id);
+  }
 }
 
 }  // namespace
@@ -22,68 +98,148 @@ InputSource reference(linux_::InputSourceInfo info) {
 std::optional<std::vector<InputSource>> createInputSourceList(
     const std::optional<InputSourceFilter>& filter, bool includeAllInstalled) {
   std::vector<InputSource> sources;
-  for (auto& info : linux_::installedInputSources()) {
-    if (!info.isEnabled && !includeAllInstalled) continue;
-    auto source = reference(std::move(info));
-    if (!filter || getInputSourceProperty(source, filter->property) == filter->value) {
-      sources.push_back(std::move(source));
-    }
+  for (auto& object : sourcesOf(linux_::readInputSourceState())) {
+    if (!object.isEnabled && !includeAllInstalled) continue;
+    const auto source = std::make_shared<const InputSourceObject>(std::move(object));
+    if (!filter || getInputSourceProperty(source, filter->property) == filter->value)
+      sources.push_back(source);
   }
   return sources;
 }
 
 std::optional<PropertyListValue> getInputSourceProperty(const InputSource& source,
                                                         InputSourceProperty property) {
-  if (!source) return std::nullopt;
   switch (property) {
     case InputSourceProperty::bundleID:
-      return source->info.bundleId;
+      return source->bundleId;
     case InputSourceProperty::inputSourceID:
-      return source->info.id;
+      return source->id;
     case InputSourceProperty::inputModeID:
-      if (source->info.modeId) return *source->info.modeId;
-      return std::nullopt;
+      return source->modeId ? std::optional<PropertyListValue>(*source->modeId) : std::nullopt;
     case InputSourceProperty::isEnabled: {
       // Another process may have changed it since the source was listed.
-      const auto now = linux_::findInputSource(source->info.id);
+      const auto now = linux_::findInputSource(source->id);
       return now && now->isEnabled;
     }
     case InputSourceProperty::isSelectCapable:
-      return source->info.isSelectCapable;
+      return source->isSelectCapable;
   }
   return std::nullopt;
 }
 
 InputSource copyCurrentKeyboardInputSource() {
-  for (auto& info : linux_::installedInputSources()) {
-    if (info.isCurrent) return reference(std::move(info));
-  }
-  return nullptr;
+  const auto sources = linux_::installedInputSources();
+  return *std::ranges::find_if(sources, [](const auto& source) { return source->isCurrent; });
 }
 
 Status registerInputSource(const std::filesystem::path& bundle) {
-  return linux_::registerInputMethod(bundle);
+  const auto info = readPropertyListDictionary(bundle / "Contents" / "Info.plist");
+  if (!info) return linux_::kFileNotFound;
+  if (bundle.parent_path() != inputMethodsFolder()) return kParameterError;
+  const std::string id = textIn(*info, "CFBundleIdentifier").value_or("");
+  // Without this component a bundle is no input method, and is ignored.
+  if (("." + id + ".").find(".inputmethod.") == std::string::npos) return kNoError;
+  return changeInputSourceState([&](InputSourceState& state) {
+    state.registered.insert(bundle.filename().string());
+    return kNoError;
+  });
 }
 
 Status enableInputSource(const InputSource& source) {
-  return source ? linux_::enableInputSource(source->info.id) : kParameterError;
+  bool hasToAsk = false;
+  const Status status = changeInputSourceState([&](InputSourceState& state) {
+    const auto now = find(source->id, state);
+    if (!now) return kParameterError;
+    hasToAsk = !now->isAllowed;
+    if (hasToAsk)
+      state.asked.insert(now->bundleId);
+    else if (now->modeId)
+      state.enabled.insert(now->id);
+    else
+      setAllEnabled(state, now->bundleId, true);
+    return kNoError;
+  });
+  if (status == kNoError && hasToAsk)
+    linux_::startInputSourceAgent({"--consent", source->bundleId});
+  return status;
 }
 
 Status disableInputSource(const InputSource& source) {
-  return source ? linux_::disableInputSource(source->info.id) : kParameterError;
+  if (source->id == kBuiltInLayoutId) return kParameterError;
+  return changeInputSourceState([&](InputSourceState& state) {
+    state.enabled.erase(source->id);
+    // The user's answer is forgotten with the bundle.
+    if (!find(source->id, state)) {
+      state.allowed.erase(source->bundleId);
+      state.asked.erase(source->bundleId);
+    }
+    return kNoError;
+  });
 }
 
 Status selectInputSource(const InputSource& source) {
-  return source ? linux_::selectInputSource(source->info.id) : kParameterError;
+  return changeInputSourceState([&](InputSourceState& state) {
+    const auto now = find(source->id, state);
+    if (!now || !now->isEnabled || !now->isSelectCapable) return kParameterError;
+    state.current = now->id;
+    return kNoError;
+  });
 }
 
-Status deselectInputSource(const InputSource& source) {
-  // A keyboard source leaves only when another one is selected.
-  return source ? kNoError : kParameterError;
+Status deselectInputSource(const InputSource& /*source*/) {
+  return kNoError;  // a source is current until another one is selected
 }
 
 Observation observeEnabledInputSourcesChanged(Block block) {
-  return linux_::observeInputSources(linux_::WatchedState::enabledSources, std::move(block));
+  const auto enabled = [] { return linux_::readInputSourceState().enabled; };
+  return linux_::observeInputSources(
+      [enabled, seen = enabled(), block = std::move(block)]() mutable {
+        const auto before = std::exchange(seen, enabled());
+        if (seen != before) block();
+      });
 }
 
+namespace linux_ {
+
+std::vector<InputSource> installedInputSources() {
+  return *createInputSourceList(std::nullopt, /*includeAllInstalled=*/true);
+}
+
+InputSource findInputSource(const std::string& id) {
+  return find(id, readInputSourceState());
+}
+
+Status answerForUser(const InputSource& source, bool isAllowed) {
+  return changeInputSourceState([&](InputSourceState& state) {
+    state.asked.erase(source->bundleId);
+    state.allowed.erase(source->bundleId);
+    if (isAllowed) state.allowed.insert(source->bundleId);
+    setAllEnabled(state, source->bundleId, isAllowed);
+    return kNoError;
+  });
+}
+
+Observation observeInputSources(Block block) {
+  auto look = [seen = readInputSourceState(), block = std::move(block)]() mutable {
+    const auto before = std::exchange(seen, readInputSourceState());
+    if (seen != before) block();
+  };
+  auto timer = std::make_shared<std::unique_ptr<Timer>>();
+  // Once the main loop is there. A change that comes before is seen then.
+  asyncOnMain([weak = std::weak_ptr(timer), look = std::move(look)] {
+    if (const auto observed = weak.lock()) *observed = scheduleTimer(Seconds(0.2), look);
+  });
+  return timer;
+}
+
+bool startInputSourceAgent(std::vector<std::string> arguments) {
+  const auto agent = bundleLocation() / "Contents" / "Helpers" / "input-source-agent";
+  std::error_code error;
+  if (!std::filesystem::exists(agent, error) || !hasDisplay()) return false;
+  const auto root = rootArguments();
+  arguments.insert(arguments.begin(), root.begin(), root.end());
+  return startDetached(agent, arguments);
+}
+
+}  // namespace linux_
 }  // namespace platform

@@ -10,7 +10,17 @@
 #include <utility>
 #include <variant>
 
+#include "platform/common/property_list_limits.h"
+
 namespace platform {
+
+struct OpaqueObject {
+  CfRef<CFTypeRef> object;
+};
+
+bool operator==(const OpaqueValue& left, const OpaqueValue& right) {
+  return CFEqual(left.object->object.get(), right.object->object.get()) != 0;
+}
 
 namespace {
 
@@ -21,17 +31,7 @@ struct ToCf {
   CfRef<CFPropertyListRef> operator()(std::int64_t value) const {
     return adopt<CFPropertyListRef>(CFNumberCreate(nullptr, kCFNumberSInt64Type, &value));
   }
-  CfRef<CFPropertyListRef> operator()(double value) const {
-    return adopt<CFPropertyListRef>(CFNumberCreate(nullptr, kCFNumberDoubleType, &value));
-  }
   CfRef<CFPropertyListRef> operator()(const std::string& value) const { return toCfString(value); }
-  CfRef<CFPropertyListRef> operator()(const PropertyListDate& value) const {
-    return adopt<CFPropertyListRef>(CFDateCreate(nullptr, value.secondsSince2001));
-  }
-  CfRef<CFPropertyListRef> operator()(const PropertyListData& value) const {
-    return adopt<CFPropertyListRef>(CFDataCreate(
-        nullptr, reinterpret_cast<const UInt8*>(value.data()), static_cast<CFIndex>(value.size())));
-  }
   CfRef<CFPropertyListRef> operator()(const PropertyListArray& value) const {
     auto array = adopt(CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks));
     for (const auto& element : value) {
@@ -40,66 +40,88 @@ struct ToCf {
     return array;
   }
   CfRef<CFPropertyListRef> operator()(const PropertyListDictionary& value) const {
-    auto dictionary = emptyDictionary();
+    auto dictionary = adopt(CFDictionaryCreateMutable(nullptr, 0, &kCFTypeDictionaryKeyCallBacks,
+                                                      &kCFTypeDictionaryValueCallBacks));
     for (const auto& [key, element] : value) {
       CFDictionarySetValue(dictionary.get(), toCfString(key).get(),
                            toCfPropertyList(element).get());
     }
     return dictionary;
   }
-  CfRef<CFPropertyListRef> operator()(ForeignKeyDictionary) const { return emptyDictionary(); }
-
- private:
-  static CfRef<CFMutableDictionaryRef> emptyDictionary() {
-    return adopt(CFDictionaryCreateMutable(nullptr, 0, &kCFTypeDictionaryKeyCallBacks,
-                                           &kCFTypeDictionaryValueCallBacks));
+  CfRef<CFPropertyListRef> operator()(const OpaqueValue& value) const {
+    return retain<CFPropertyListRef>(value.object->object.get());
   }
 };
 
-PropertyListValue fromNumber(CFNumberRef number) {
-  if (CFNumberIsFloatType(number)) {
-    double value = 0.0;
-    CFNumberGetValue(number, kCFNumberDoubleType, &value);
+OpaqueValue opaque(CFTypeRef object) {
+  const bool isDictionary = CFGetTypeID(object) == CFDictionaryGetTypeID();
+  return {std::make_shared<const OpaqueObject>(OpaqueObject{retain(object)}), isDictionary};
+}
+
+/// Takes over one list, as long as that is within the limits.
+class FromCf {
+ public:
+  PropertyListValue value(CFTypeRef object, std::size_t depth = 0) {
+    isWithinLimits = isWithinLimits && budget_.take(depth);
+    const CFTypeID type = CFGetTypeID(object);
+    // A CFBoolean is no CFNumber, though NSNumber stands for both.
+    if (type == CFBooleanGetTypeID()) {
+      return CFBooleanGetValue(static_cast<CFBooleanRef>(object)) != 0;
+    }
+    if (type == CFNumberGetTypeID()) return number(static_cast<CFNumberRef>(object));
+    if (type == CFStringGetTypeID()) return text(static_cast<CFStringRef>(object));
+    if (type == CFArrayGetTypeID()) return array(static_cast<CFArrayRef>(object), depth);
+    if (type == CFDictionaryGetTypeID()) {
+      return dictionary(static_cast<CFDictionaryRef>(object), depth);
+    }
+    return opaque(object);
+  }
+
+  bool isWithinLimits = true;
+
+ private:
+  static PropertyListValue number(CFNumberRef number) {
+    std::int64_t value = 0;
+    if (CFNumberIsFloatType(number) || !CFNumberGetValue(number, kCFNumberSInt64Type, &value)) {
+      return opaque(number);
+    }
+    // It cuts integers from 2^63 on, and says that it has the value.
+    const auto taken = adopt(CFNumberCreate(nullptr, kCFNumberSInt64Type, &value));
+    if (CFNumberCompare(number, taken.get(), nullptr) != kCFCompareEqualTo) return opaque(number);
     return value;
   }
-  std::int64_t value = 0;
-  if (CFNumberGetValue(number, kCFNumberSInt64Type, &value)) return value;
-  // An integer above the signed range: as near as another number comes.
-  double nearest = 0.0;
-  CFNumberGetValue(number, kCFNumberDoubleType, &nearest);
-  return nearest;
-}
 
-PropertyListData fromData(CFDataRef data) {
-  const auto* bytes = reinterpret_cast<const std::byte*>(CFDataGetBytePtr(data));
-  return {bytes, bytes + CFDataGetLength(data)};
-}
-
-PropertyListArray fromArray(CFArrayRef array) {
-  PropertyListArray values;
-  const CFIndex count = CFArrayGetCount(array);
-  for (CFIndex index = 0; index < count; ++index) {
-    if (auto value = toPropertyListValue(CFArrayGetValueAtIndex(array, index))) {
-      values.push_back(*std::move(value));
-    }
+  std::string text(CFStringRef text) {
+    const auto length = static_cast<std::size_t>(CFStringGetLength(text));
+    isWithinLimits = isWithinLimits && budget_.take(0, length);
+    return isWithinLimits ? toString(text) : std::string();
   }
-  return values;
-}
 
-PropertyListValue fromDictionary(CFDictionaryRef dictionary) {
-  const auto count = static_cast<std::size_t>(CFDictionaryGetCount(dictionary));
-  std::vector<const void*> keys(count);
-  std::vector<const void*> objects(count);
-  CFDictionaryGetKeysAndValues(dictionary, keys.data(), objects.data());
-  PropertyListDictionary values;
-  for (std::size_t index = 0; index < count; ++index) {
-    if (CFGetTypeID(keys[index]) != CFStringGetTypeID()) return ForeignKeyDictionary{};
-    if (auto value = toPropertyListValue(objects[index])) {
-      values.insert_or_assign(toString(static_cast<CFStringRef>(keys[index])), *std::move(value));
+  PropertyListArray array(CFArrayRef array, std::size_t depth) {
+    PropertyListArray values;
+    const CFIndex count = CFArrayGetCount(array);
+    for (CFIndex index = 0; index < count && isWithinLimits; ++index) {
+      values.push_back(value(CFArrayGetValueAtIndex(array, index), depth + 1));
     }
+    return values;
   }
-  return values;
-}
+
+  PropertyListValue dictionary(CFDictionaryRef dictionary, std::size_t depth) {
+    const auto count = static_cast<std::size_t>(CFDictionaryGetCount(dictionary));
+    std::vector<const void*> keys(count);
+    std::vector<const void*> objects(count);
+    CFDictionaryGetKeysAndValues(dictionary, keys.data(), objects.data());
+    PropertyListDictionary values;
+    for (std::size_t index = 0; index < count && isWithinLimits; ++index) {
+      if (CFGetTypeID(keys[index]) != CFStringGetTypeID()) return opaque(dictionary);
+      values.insert_or_assign(text(static_cast<CFStringRef>(keys[index])),
+                              value(objects[index], depth + 1));
+    }
+    return values;
+  }
+
+  PropertyListBudget budget_;
+};
 
 }  // namespace
 
@@ -118,20 +140,12 @@ CfRef<CFStringRef> toCfString(std::string_view text) {
 std::string toString(CFStringRef text) {
   const CFIndex length = CFStringGetLength(text);
   const CFIndex capacity = CFStringGetMaximumSizeForEncoding(length, kCFStringEncodingUTF8);
-  std::string piece(static_cast<std::size_t>(capacity), '\0');
-  std::string result;
-  for (CFIndex start = 0; start < length;) {
-    CFIndex used = 0;
-    start += CFStringGetBytes(text, CFRangeMake(start, length - start), kCFStringEncodingUTF8, '?',
-                              false, reinterpret_cast<UInt8*>(piece.data()), capacity, &used);
-    result.append(piece, 0, static_cast<std::size_t>(used));
-    // It may stop at half of a surrogate pair, although it was given a loss byte.
-    if (start < length) {
-      result += '?';
-      ++start;
-    }
-  }
-  return result;
+  std::string bytes(static_cast<std::size_t>(capacity), '\0');
+  CFIndex used = 0;
+  CFStringGetBytes(text, CFRangeMake(0, length), kCFStringEncodingUTF8, '?', false,
+                   reinterpret_cast<UInt8*>(bytes.data()), capacity, &used);
+  bytes.resize(static_cast<std::size_t>(used));
+  return bytes;
 }
 
 CfRef<CFURLRef> toCfUrl(const std::filesystem::path& path, bool isDirectory) {
@@ -142,9 +156,6 @@ CfRef<CFURLRef> toCfUrl(const std::filesystem::path& path, bool isDirectory) {
 }
 
 std::optional<std::filesystem::path> toPath(CFURLRef url) {
-  // Any URL has a path to it, that of a web page too.
-  const auto scheme = adopt(CFURLCopyScheme(url));
-  if (!scheme || toString(scheme.get()) != "file") return std::nullopt;
   std::array<char, PATH_MAX> buffer{};
   if (!CFURLGetFileSystemRepresentation(url, true, reinterpret_cast<UInt8*>(buffer.data()),
                                         static_cast<CFIndex>(buffer.size()))) {
@@ -159,20 +170,9 @@ CfRef<CFPropertyListRef> toCfPropertyList(const PropertyListValue& value) {
 
 std::optional<PropertyListValue> toPropertyListValue(CFTypeRef object) {
   if (object == nullptr) return std::nullopt;
-  const CFTypeID type = CFGetTypeID(object);
-  // A CFBoolean is no CFNumber, though NSNumber stands for both.
-  if (type == CFBooleanGetTypeID()) {
-    return CFBooleanGetValue(static_cast<CFBooleanRef>(object)) != 0;
-  }
-  if (type == CFNumberGetTypeID()) return fromNumber(static_cast<CFNumberRef>(object));
-  if (type == CFStringGetTypeID()) return toString(static_cast<CFStringRef>(object));
-  if (type == CFDateGetTypeID()) {
-    return PropertyListDate{CFDateGetAbsoluteTime(static_cast<CFDateRef>(object))};
-  }
-  if (type == CFDataGetTypeID()) return fromData(static_cast<CFDataRef>(object));
-  if (type == CFArrayGetTypeID()) return fromArray(static_cast<CFArrayRef>(object));
-  if (type == CFDictionaryGetTypeID()) return fromDictionary(static_cast<CFDictionaryRef>(object));
-  return std::nullopt;
+  FromCf reader;
+  auto value = reader.value(object);
+  return reader.isWithinLimits ? std::move(value) : opaque(object);
 }
 
 }  // namespace platform

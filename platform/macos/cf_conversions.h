@@ -14,18 +14,18 @@ namespace platform {
 
 /// Never null: text that is not UTF-8 is read as Latin-1.
 CfRef<CFStringRef> toCfString(std::string_view text);
-/// As UTF-8; a lone surrogate becomes "?".
+/// As UTF-8. Text ends at a lone surrogate.
 std::string toString(CFStringRef text);
 
 /// The file URL of a path; null if the path is empty.
 CfRef<CFURLRef> toCfUrl(const std::filesystem::path& path, bool isDirectory);
-/// The path of a file URL; absent for any other.
+/// The path of a file URL; absent if it is longer than a path may be.
 std::optional<std::filesystem::path> toPath(CFURLRef url);
 
-/// Never null. A ForeignKeyDictionary becomes an empty dictionary.
+/// Never null.
 CfRef<CFPropertyListRef> toCfPropertyList(const PropertyListValue& value);
-/// Absent for null and for an object that no property list holds. Such an
-/// object inside an array or a dictionary is left out.
+/// Absent for null. Opaque as a whole if it is beyond the limits of
+/// property_list_limits.h: so it can still be written back as it came.
 std::optional<PropertyListValue> toPropertyListValue(CFTypeRef object);
 
 }  // namespace platform

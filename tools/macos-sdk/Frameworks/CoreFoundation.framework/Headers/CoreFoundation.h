@@ -23,7 +23,6 @@ typedef unsigned long CFTypeID;
 typedef unsigned long CFOptionFlags;
 typedef signed long CFIndex;
 typedef double CFTimeInterval;
-typedef CFTimeInterval CFAbsoluteTime;
 typedef struct {
   CFIndex location;
   CFIndex length;
@@ -36,7 +35,6 @@ typedef const struct __CFAllocator* CFAllocatorRef;
 typedef const struct CF_BRIDGED(NSString) __CFString* CFStringRef;
 typedef const struct CF_BRIDGED(NSNumber) __CFBoolean* CFBooleanRef;
 typedef const struct CF_BRIDGED(NSNumber) __CFNumber* CFNumberRef;
-typedef const struct CF_BRIDGED(NSDate) __CFDate* CFDateRef;
 typedef const struct CF_BRIDGED(NSData) __CFData* CFDataRef;
 typedef const struct CF_BRIDGED(NSURL) __CFURL* CFURLRef;
 typedef const struct CF_BRIDGED(NSArray) __CFArray* CFArrayRef;
@@ -51,6 +49,7 @@ CF_IMPLICIT_BRIDGING_ENABLED
 CF_EXPORT CFTypeRef CFRetain(CFTypeRef object);
 CF_EXPORT void CFRelease(CFTypeRef object);
 CF_EXPORT CFTypeID CFGetTypeID(CFTypeRef object);
+CF_EXPORT Boolean CFEqual(CFTypeRef left, CFTypeRef right);
 
 // Strings
 typedef UInt32 CFStringEncoding;
@@ -64,7 +63,7 @@ CF_EXPORT CFIndex CFStringGetBytes(CFStringRef string, CFRange range, CFStringEn
                                    UInt8 lossByte, Boolean isExternalRepresentation, UInt8* buffer,
                                    CFIndex capacity, CFIndex* used);
 
-// Booleans, numbers, dates, data
+// Booleans, numbers, data
 CF_EXPORT const CFBooleanRef kCFBooleanTrue;
 CF_EXPORT const CFBooleanRef kCFBooleanFalse;
 CF_EXPORT CFTypeID CFBooleanGetTypeID(void);
@@ -72,7 +71,6 @@ CF_EXPORT Boolean CFBooleanGetValue(CFBooleanRef boolean);
 
 typedef enum CFNumberType : CFIndex {
   kCFNumberSInt64Type = 4,
-  kCFNumberDoubleType = 13,
 } CFNumberType;
 CF_EXPORT CFTypeID CFNumberGetTypeID(void);
 CF_EXPORT CFNumberRef CFNumberCreate(CFAllocatorRef allocator, CFNumberType type,
@@ -80,14 +78,10 @@ CF_EXPORT CFNumberRef CFNumberCreate(CFAllocatorRef allocator, CFNumberType type
 CF_EXPORT Boolean CFNumberIsFloatType(CFNumberRef number);
 CF_EXPORT Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value);
 
-CF_EXPORT CFTypeID CFDateGetTypeID(void);
-CF_EXPORT CFDateRef CFDateCreate(CFAllocatorRef allocator, CFAbsoluteTime time);
-CF_EXPORT CFAbsoluteTime CFDateGetAbsoluteTime(CFDateRef date);
+typedef enum CFComparisonResult : CFIndex { kCFCompareEqualTo = 0 } CFComparisonResult;
+CF_EXPORT CFComparisonResult CFNumberCompare(CFNumberRef number, CFNumberRef other, void* context);
 
-CF_EXPORT CFTypeID CFDataGetTypeID(void);
 CF_EXPORT CFDataRef CFDataCreate(CFAllocatorRef allocator, const UInt8* bytes, CFIndex length);
-CF_EXPORT const UInt8* CFDataGetBytePtr(CFDataRef data);
-CF_EXPORT CFIndex CFDataGetLength(CFDataRef data);
 
 // Arrays and dictionaries; the callback tables are used by address only.
 typedef struct CFArrayCallBacks CFArrayCallBacks;
@@ -124,7 +118,6 @@ CF_EXPORT CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef alloca
                                                            const UInt8* bytes, CFIndex length,
                                                            Boolean isDirectory);
 CF_EXPORT CFURLRef CFURLCopyAbsoluteURL(CFURLRef url);
-CF_EXPORT CFStringRef CFURLCopyScheme(CFURLRef url);
 CF_EXPORT CFStringRef CFURLGetString(CFURLRef url);
 CF_EXPORT Boolean CFURLGetFileSystemRepresentation(CFURLRef url, Boolean resolveAgainstBase,
                                                    UInt8* buffer, CFIndex capacity);
