@@ -11,8 +11,6 @@
 
 #include "platform/bundle.h"
 #include "platform/pictures.h"
-#include "ui/named_window.h"
-#include "ui/progress_item.h"
 #include "ui/system_image.h"
 
 // The build names these functions after the QML module. They must be called,
@@ -79,8 +77,6 @@ QString appDisplayName() {
 void registerInstallerUi() {
   Q_INIT_RESOURCE(qmlcache_orvane_ui);
   qml_register_types_Orvane_Installer();
-  ProgressItem::installAccessibility();
-  NamedWindow::installAccessibility();
 }
 
 QUrl contentBodyUrl() {
