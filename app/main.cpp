@@ -33,8 +33,6 @@ int main(int argc, char** argv) {
           "Orvane Installer", "Installs the input method in a window.", argc, argv, others))
     return *status;
 
-  // The toolkit ends the process by itself when it loses its display.
-  std::atexit([] { platform::interruptAdminScript(); });
   prepareToolkit();
   qInstallMessageHandler(endWithoutDisplay);
   argc = 1;

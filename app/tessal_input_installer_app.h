@@ -1,14 +1,12 @@
 #pragma once
 
 #include <QGuiApplication>
-#include <future>
+#include <QQuickView>
 #include <memory>
 
 #include "app/app_delegate.h"
 #include "installer/content_view.h"
 #include "ui/installer_model.h"
-#include "ui/installer_ui.h"
-#include "ui/named_window.h"
 
 /// The application: one window, whose content is a fresh ContentView.
 class TessalInputInstallerApp {
@@ -20,12 +18,8 @@ class TessalInputInstallerApp {
   static int main();
 
  private:
-  /// Moves the window so that it can be used on a screen without room for it.
-  void keepReachable();
-
-  std::future<void> fonts_ = readFonts();  // first, while the rest is made
   AppDelegate appDelegate_;
   std::shared_ptr<ContentView> contentView_ = ContentView::create();
   InstallerModel model_{contentView_};
-  NamedWindow window_{model_.appDisplayName()};
+  QQuickView window_;
 };

@@ -8,12 +8,14 @@ Item {
     required property InstallerModel model
 
     Accessible.role: Accessible.Pane
+    Accessible.name: model.appDisplayName
 
-    Item {
+    FocusScope {
         objectName: "screens"
         anchors.fill: parent
         // Nothing below the overlay is pressed, hovered or focused.
         enabled: !body.model.showExitEnableConfirm
+        onEnabledChanged: if (enabled) forceActiveFocus()
 
         Loader {
             anchors { fill: parent; margins: 16 }

@@ -1,10 +1,13 @@
 import QtQuick 2.15
 import Orvane.Installer
 
-Item {
+Announcement {
     id: view
 
     required property InstallerModel model
+
+    Accessible.name: title.text
+    Accessible.description: instruction.text
 
     readonly property real contentWidth: Math.max(width - 64, 0)
     readonly property real contentHeight: Math.max(height - 64, 0)
@@ -19,7 +22,6 @@ Item {
     Column {
         width: view.contentWidth
         anchors.centerIn: parent
-        scale: Math.min(1, view.height / height)
 
         Item { width: 1; height: Math.max(view.spacer, 28) }
         Label {

@@ -1,17 +1,14 @@
 import QtQuick 2.15
 import Orvane.Installer
 
-Item {
+Announcement {
     id: overlay
 
     required property InstallerModel model
 
-    // With the focus it is announced, and Tab begins with its first button.
-    Component.onCompleted: forceActiveFocus()
     Accessible.role: Accessible.Dialog
     Accessible.name: model.appDisplayName
     Accessible.description: message.text
-    Accessible.focusable: true
 
     Rectangle {
         objectName: "dimming"
@@ -48,18 +45,17 @@ Item {
                     symbol: "keyboard"
                     color: Qt.rgba(Palette.gray.r, Palette.gray.g, Palette.gray.b, 0.7)
                 }
-                CentredText {
+                Label {
                     id: message
                     objectName: "exitMessage"
-                    anchors.horizontalCenter: parent.horizontalCenter
-                    pattern: "未启用「%1」\n退出安装将无法使用"
-                    names: [overlay.model.appDisplayName]
+                    width: card.width - 2 * 28
+                    horizontalAlignment: Text.AlignHCenter
+                    wrapMode: Text.Wrap
+                    text: `未启用「${overlay.model.appDisplayName}」\n退出安装将无法使用`
                     font { pixelSize: 18; weight: Palette.semibold }
                     color: Palette.black(0.85)
                     lineHeight: 26
-                    maximumWidth: card.width - 2 * 28
-                    Accessible.role: Accessible.StaticText
-                    Accessible.name: text
+                    lineHeightMode: Text.FixedHeight
                 }
             }
         }

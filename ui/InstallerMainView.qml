@@ -6,20 +6,16 @@ Column {
 
     required property InstallerModel model
 
+    topPadding: 20
     spacing: 16
 
-    Item {
+    SystemImage {
+        objectName: "applicationIcon"
         anchors.horizontalCenter: parent.horizontalCenter
         width: 80
-        height: 20 + 80
-        SystemImage {
-            objectName: "applicationIcon"
-            y: 20
-            width: 80
-            height: 80
-            Accessible.role: Accessible.Graphic
-            Accessible.name: productName.text
-        }
+        height: 80
+        Accessible.role: Accessible.Graphic
+        Accessible.name: productName.text
     }
     Label {
         id: productName
@@ -73,10 +69,16 @@ Column {
     }
     Component {
         id: quit
-        PrimaryButton {
-            objectName: "quitButton"
-            text: "安装成功"
-            onClicked: view.model.quit()
+        Announcement {
+            implicitWidth: button.width
+            implicitHeight: button.height
+            Accessible.name: button.text
+            PrimaryButton {
+                id: button
+                objectName: "quitButton"
+                text: "安装成功"
+                onClicked: view.model.quit()
+            }
         }
     }
     Component {
@@ -95,6 +97,9 @@ Column {
                 width: parent.width - 2 * 40
                 value: view.model.installProgress
                 duration: view.model.progressAnimation
+                // It stands still after a refused prompt or a failed script.
+                Accessible.description: view.model.status === InstallerModel.Installing
+                    ? "" : "安装未完成，请关闭窗口后重新打开"
             }
             Label {
                 objectName: "progressText"
@@ -108,14 +113,12 @@ Column {
     Component {
         id: needAdmin
         NoticeBox {
-            id: needAdminNotice
             objectName: "needAdminNotice"
             color: Palette.primarySoft
             text: "请输入管理员账号密码"
             SecondaryButton {
                 objectName: "retryAuthorisationButton"
                 text: "重试"
-                padding: needAdminNotice.buttonPadding
                 color: Palette.white(0.7)
                 onClicked: view.model.userPressedRetryAuthorisation()
             }
@@ -124,22 +127,22 @@ Column {
     Component {
         id: failed
         NoticeBox {
-            id: failureNotice
             objectName: "failureNotice"
             color: Palette.warning
-            text: view.model.failureMessage
-            textInTwoLines: view.model.failureMessageInTwoLines
+            // The toolkit would break the text within a word.
+            text: view.model.failureMessage.replace(/未检测到|找不到安装脚本 /, "$&\n")
+            spacing: 6
             SecondaryButton {
                 objectName: "keyboardSettingsButton"
                 text: "打开键盘设置"
-                padding: failureNotice.buttonPadding
+                padding: 6
                 color: Palette.white(0.8)
                 onClicked: view.model.openKeyboardSettings()
             }
             SecondaryButton {
                 objectName: "retryButton"
                 text: "重试"
-                padding: failureNotice.buttonPadding
+                padding: 6
                 color: Palette.white(0.8)
                 onClicked: view.model.userPressedInstall()
             }

@@ -1,6 +1,6 @@
 import QtQuick 2.15
 
-// A text of its own, which assistive tools read out. (Of a Text they learn nothing.)
+// A text that assistive tools read out. They are told of no other Text.
 Text {
     textFormat: Text.PlainText
     Accessible.role: Accessible.StaticText

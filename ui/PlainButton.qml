@@ -11,12 +11,8 @@ Item {
     property alias textColor: label.color
     property alias radius: fill.radius
     property alias color: fill.color
-    property alias gradientEnd: fill.gradientEnd
-    // What lies over the fill under the pointer, and while pressed.
-    property color hoverVeil: Palette.black(0.04)
-    property color pressVeil: Palette.black(0.10)
-    readonly property bool isDown: area.isHeld || keyHeld
-    property bool keyHeld: false
+    property alias gradient: fill.gradient
+    readonly property bool isDown: area.pressed && area.containsMouse
     readonly property real labelWidth: label.implicitWidth
     readonly property real labelHeight: label.implicitHeight
 
@@ -30,21 +26,12 @@ Item {
     Accessible.ignored: !enabled
 
     Keys.onPressed: event => {
-        if (event.key === Qt.Key_Space) {
-            if (!event.isAutoRepeat) keyHeld = true
-            event.accepted = true
-        } else if (event.key === Qt.Key_Return || event.key === Qt.Key_Enter) {
-            event.accepted = true
-            if (!event.isAutoRepeat) button.clicked()
-        }
-    }
-    Keys.onReleased: event => {
-        if (event.key !== Qt.Key_Space || event.isAutoRepeat || !keyHeld) return
+        if (![Qt.Key_Space, Qt.Key_Return, Qt.Key_Enter].includes(event.key)) return
         event.accepted = true
-        keyHeld = false
-        button.clicked()
+        if (!event.isAutoRepeat) button.clicked()
     }
-    onActiveFocusChanged: if (!activeFocus) keyHeld = false
+
+    onEnabledChanged: area.hadFirstClick = false
 
     // Only Tab gives a button the focus, so the ring never follows a click.
     ContinuousRectangle {
@@ -59,28 +46,31 @@ Item {
         id: fill
         anchors.fill: parent
     }
+    // What lies over the fill under the pointer, and while pressed.
     ContinuousRectangle {
         visible: opacity > 0
-        opacity: button.isDown || area.containsMouse ? 1 : 0
+        opacity: area.containsMouse ? 1 : 0
         anchors.fill: parent
         radius: fill.radius
-        color: button.isDown ? button.pressVeil : button.hoverVeil
+        color: Palette.black(button.isDown ? 0.10 : 0.04)
         Behavior on opacity { NumberAnimation { duration: 120 } }
     }
     Text {
         id: label
         anchors.centerIn: parent
         font.pixelSize: 13
-        Accessible.ignored: true
     }
     MouseArea {
         id: area
-        readonly property bool isHeld: pressed && containsMouse
+        // The first click of a double click was here too. If it was not, it made this
+        // button appear, and the second click is not meant for it.
+        property bool hadFirstClick: false
         anchors.fill: parent
         hoverEnabled: true
-        onClicked: button.clicked()
-        // The second click of a double click presses nothing: what is under the
-        // pointer by then may have come with the first.
-        onDoubleClicked: {}
+        onClicked: {
+            hadFirstClick = true
+            button.clicked()
+        }
+        onDoubleClicked: if (hadFirstClick) button.clicked()
     }
 }

@@ -5,7 +5,7 @@ PlainButton {
     implicitWidth: 240
     implicitHeight: 44
     radius: 8
-    color: Palette.primaryTop
-    gradientEnd: Palette.primaryBottom
+    gradient: Palette.primaryFill
     textColor: "white"
+    opacity: enabled ? 1 : 0.25
 }

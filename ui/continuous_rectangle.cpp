@@ -58,10 +58,10 @@ ContinuousRectangle::ContinuousRectangle(QQuickItem* parent) : QQuickPaintedItem
 void ContinuousRectangle::paint(QPainter* painter) {
   const QRectF rect = boundingRect();
   const QPainterPath path = continuousPath(rect, radius_);
-  if (gradientEnd_.isValid()) {
+  if (!gradient_.isEmpty()) {
     QLinearGradient gradient(rect.topLeft(), rect.bottomRight());
-    gradient.setColorAt(0, color_);
-    gradient.setColorAt(1, gradientEnd_);
+    gradient.setColorAt(0, gradient_.first().value<QColor>());
+    gradient.setColorAt(1, gradient_.last().value<QColor>());
     painter->fillPath(path, gradient);
   } else if (color_.alpha() > 0) {
     painter->fillPath(path, color_);

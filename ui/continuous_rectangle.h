@@ -5,6 +5,7 @@
 #include <QColor>
 #include <QPainterPath>
 #include <QQuickPaintedItem>
+#include <QVariantList>
 
 /// The outline of a rectangle with continuous corners.
 QPainterPath continuousPath(const QRectF& rect, double radius);
@@ -17,8 +18,8 @@ class ContinuousRectangle : public QQuickPaintedItem {
   QML_ELEMENT
   Q_PROPERTY(double radius MEMBER radius_ NOTIFY changed)
   Q_PROPERTY(QColor color MEMBER color_ NOTIFY changed)
-  /// The colour at the bottom-right corner; `color` everywhere if not valid.
-  Q_PROPERTY(QColor gradientEnd MEMBER gradientEnd_ NOTIFY changed)
+  /// The colours at the top-left and at the bottom-right corner; `color` everywhere if empty.
+  Q_PROPERTY(QVariantList gradient MEMBER gradient_ NOTIFY changed)
   Q_PROPERTY(QColor strokeColor MEMBER strokeColor_ NOTIFY changed)
   Q_PROPERTY(double strokeWidth MEMBER strokeWidth_ NOTIFY changed)
 
@@ -32,7 +33,7 @@ class ContinuousRectangle : public QQuickPaintedItem {
  private:
   double radius_ = 0.0;
   QColor color_ = Qt::transparent;
-  QColor gradientEnd_;
+  QVariantList gradient_;
   QColor strokeColor_ = Qt::transparent;
   double strokeWidth_ = 0.0;
 };

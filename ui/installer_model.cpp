@@ -34,12 +34,7 @@ InstallerModel::InstallerModel(std::shared_ptr<ContentView> view, QObject* paren
       version_(shortVersion()),
       observations_{
           view_->installProgress.observe([this](auto, auto animation) { showState(animation); }),
-          view_->installationStatus.observe([this](const auto& status, auto) {
-            showState();
-            // After what the installation itself still opens.
-            if (status.is(InstallationStatus::success))
-              platform::asyncOnMain(platform::activateIgnoringOtherApps);
-          }),
+          view_->installationStatus.observe([this](auto&, auto) { showState(); }),
           view_->isInstalling.observe([this](auto, auto) { showState(); }),
           view_->showExitEnableConfirm.observe([this](auto, auto) { showState(); }),
       } {}
@@ -55,34 +50,11 @@ void InstallerModel::showState(std::optional<LinearAnimation> progressAnimation)
 }
 
 InstallerModel::Status InstallerModel::status() const {
-  switch (view_->installationStatus->value()) {
-    case InstallationStatus::failed:
-      return Status::Failed;
-    case InstallationStatus::notStarted:
-      return Status::NotStarted;
-    case InstallationStatus::installing:
-      return Status::Installing;
-    case InstallationStatus::waitingEnable:
-      return Status::WaitingEnable;
-    case InstallationStatus::success:
-      return Status::Success;
-    case InstallationStatus::needAdmin:
-      return Status::NeedAdmin;
-  }
-  Q_UNREACHABLE();
+  return static_cast<Status>(view_->installationStatus->value());
 }
 
 QString InstallerModel::failureMessage() const {
   return QString::fromStdString(view_->installationStatus->message());
-}
-
-QString InstallerModel::failureMessageInTwoLines() const {
-  QString message = failureMessage();
-  for (const QString& firstLine : {QStringLiteral("未检测到"), QStringLiteral("找不到安装脚本")}) {
-    if (message.startsWith(firstLine))
-      return firstLine + u'\n' + message.mid(firstLine.size()).trimmed();
-  }
-  return message;
 }
 
 QString InstallerModel::progressText() const {

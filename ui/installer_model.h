@@ -19,7 +19,6 @@ class InstallerModel : public QObject {
   QML_UNCREATABLE("There is one, which the window is given.")
   Q_PROPERTY(Status status READ status NOTIFY stateChanged)
   Q_PROPERTY(QString failureMessage READ failureMessage NOTIFY stateChanged)
-  Q_PROPERTY(QString failureMessageInTwoLines READ failureMessageInTwoLines NOTIFY stateChanged)
   Q_PROPERTY(bool isInstalling READ isInstalling NOTIFY stateChanged)
   Q_PROPERTY(bool showExitEnableConfirm READ showExitEnableConfirm NOTIFY stateChanged)
   Q_PROPERTY(double installProgress READ installProgress NOTIFY installProgressChanged)
@@ -29,6 +28,7 @@ class InstallerModel : public QObject {
   Q_PROPERTY(QString version READ version CONSTANT)
 
  public:
+  /// In the order of InstallationStatus::Case.
   enum class Status { Failed, NotStarted, Installing, WaitingEnable, Success, NeedAdmin };
   Q_ENUM(Status)
 
@@ -37,9 +37,6 @@ class InstallerModel : public QObject {
   Status status() const;
   /// Empty unless failed.
   QString failureMessage() const;
-  /// The same with a line break between two of its words, if a good place is known.
-  /// The toolkit breaks a Chinese text anywhere, in the middle of a word as well.
-  QString failureMessageInTwoLines() const;
   bool isInstalling() const { return view_->isInstalling; }
   bool showExitEnableConfirm() const { return view_->showExitEnableConfirm; }
   /// 0.0 to 1.0.

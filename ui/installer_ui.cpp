@@ -1,19 +1,12 @@
 #include "ui/installer_ui.h"
 
 #include <QFont>
-#include <QFontDatabase>
 #include <QGuiApplication>
-#include <QIcon>
-#include <QPixmap>
+#include <QQuickWindow>
 #include <QtGlobal>
 #include <string>
-#include <system_error>
 
 #include "platform/bundle.h"
-#include "platform/pictures.h"
-#include "ui/named_window.h"
-#include "ui/progress_item.h"
-#include "ui/system_image.h"
 
 // The build names these functions after the QML module. They must be called,
 // because nothing else keeps them in a static library.
@@ -40,33 +33,6 @@ void setApplicationLook() {
   QGuiApplication::setFont(font);
 }
 
-std::future<void> readFonts() {
-#ifdef Q_OS_LINUX  // on macOS there is no list to read
-  try {
-    return std::async(std::launch::async, [family = QGuiApplication::font().family()] {
-      [[maybe_unused]] const bool isThere = QFontDatabase::hasFamily(family);
-    });
-  } catch (const std::system_error&) {
-    // Without a thread to be had the list is read when a text needs it.
-  }
-#endif
-  return {};
-}
-
-void setIconOnceShown([[maybe_unused]] QQuickWindow& window) {
-#ifdef Q_OS_LINUX  // on macOS the bundle's own
-  const auto setIcon = [] {
-    QIcon icon;
-    for (const int side : {16, 32, 64, 128, 256})
-      icon.addPixmap(QPixmap::fromImage(toQImage(platform::applicationIcon(side))));
-    QGuiApplication::setWindowIcon(icon);
-  };
-  QObject::connect(
-      &window, &QQuickWindow::frameSwapped, &window, setIcon,
-      static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
-#endif
-}
-
 QString appDisplayName() {
   for (const char* key : {"CFBundleDisplayName", "CFBundleName"}) {
     const auto value = platform::bundleInfoValue(key);
@@ -79,8 +45,6 @@ QString appDisplayName() {
 void registerInstallerUi() {
   Q_INIT_RESOURCE(qmlcache_orvane_ui);
   qml_register_types_Orvane_Installer();
-  ProgressItem::installAccessibility();
-  NamedWindow::installAccessibility();
 }
 
 QUrl contentBodyUrl() {
