@@ -1,11 +1,15 @@
 #!/usr/bin/env python3
-"""Puts into the application what it needs of Qt: its frameworks, the plug-in for the
-window system, and the QML modules that the screens import.
+"""Puts the application together: what was built for each architecture, and of Qt its frameworks, the plug-in for the
+window system and the QML modules that the screens import. Writes beside it, to list.json, what has to lie in it.
 
-usage: bundle.py APPLICATION QT SCREENS SCANNER
+usage: bundle.py APPLICATION QT SCREENS SCANNER    beside APPLICATION lie arm64 and x86_64
 """
 
+import base64
+import csv
+import hashlib
 import json
+import os
 import pathlib
 import shutil
 import subprocess
@@ -13,23 +17,9 @@ import sys
 
 import macho
 
-PLUGINS = ["platforms/libqcocoa.dylib"]
+PROGRAMS = ["Orvane Installer", "orvane-install"]
+PLUGIN = "platforms/libqcocoa.dylib"
 QT_CONF = "[Paths]\nPlugins = PlugIns\nQmlImports = Resources/qml\n"
-
-
-def copy_module(module, contents, qt):
-    """Plug-ins lie with the other code, and a link to each where the module is."""
-    place = contents / "Resources/qml" / module["relativePath"]
-    place.mkdir(parents=True)
-    source = pathlib.Path(module["path"])
-    shutil.copy2(source / "qmldir", place)
-    plugin = f"lib{module['plugin']}.dylib"
-    code = contents / "PlugIns/quick" / plugin
-    code.parent.mkdir(parents=True, exist_ok=True)
-    shutil.copy2(source / plugin, code)
-    up = len(place.relative_to(contents).parts) * "../"
-    (place / plugin).symlink_to(f"{up}PlugIns/quick/{plugin}")
-    return code
 
 
 def imported_modules(qt, screens, scanner):
@@ -53,20 +43,62 @@ def frameworks_of(code, qt):
     return {name.split("/")[1] for name in found}
 
 
+def parts(builds, built, qt, screens, scanner):
+    """What the application consists of, by path: files to copy, and where links lead."""
+    files = {str(path.relative_to(built)): path for path in built.rglob("*")
+             if path.is_file() and path.parent.name != "MacOS"}
+    links = {}
+    for program in PROGRAMS:
+        files[f"Contents/MacOS/{program}"] = builds / program
+        lipo = shutil.which("llvm-lipo-14") or "llvm-lipo"
+        each = [builds / architecture / built.name / "Contents/MacOS" / program for architecture in ("arm64", "x86_64")]
+        subprocess.run([lipo, "-create", *each, "-output", builds / program], check=True)
+    files["Contents/Resources/qt.conf"] = builds / "qt.conf"
+    (builds / "qt.conf").write_text(QT_CONF)
+    files[f"Contents/PlugIns/{PLUGIN}"] = qt / "plugins" / PLUGIN
+    for module in imported_modules(qt, screens, scanner):
+        # Code lies with other code, and a link to it where the module is.
+        place, plugin = f"Contents/Resources/qml/{module['relativePath']}", f"lib{module['plugin']}.dylib"
+        files[f"{place}/qmldir"] = pathlib.Path(module["path"], "qmldir")
+        files[f"Contents/PlugIns/quick/{plugin}"] = pathlib.Path(module["path"], plugin)
+        links[f"{place}/{plugin}"] = f"{place.count('/') * '../'}PlugIns/quick/{plugin}"
+    code = [path for name, path in files.items() if name.startswith(("Contents/MacOS/", "Contents/PlugIns/"))]
+    for framework in frameworks_of(code, qt):
+        place, name = f"Contents/Frameworks/{framework}", framework.removesuffix(".framework")
+        for part in (name, "Resources/Info.plist"):
+            files[f"{place}/Versions/A/{part}"] = qt / "lib" / framework / "Versions/A" / part
+        links |= {f"{place}/Versions/Current": "A", f"{place}/{name}": f"Versions/Current/{name}",
+                  f"{place}/Resources": "Versions/Current/Resources"}
+    return files, links
+
+
+def hashes_of_wheel(qt):
+    """What the package of Qt says of its files."""
+    record = next(qt.parents[1].glob("*.dist-info/RECORD"))
+    return {qt.parents[1] / path: base64.urlsafe_b64decode(digest.removeprefix("sha256=") + "=").hex()
+            for path, digest, _ in csv.reader(record.open()) if digest}
+
+
 def main():
     application, qt, screens, scanner = map(pathlib.Path, sys.argv[1:])
-    contents = application / "Contents"
-    code = [path for path in (contents / "MacOS").iterdir()]
-    for plugin in PLUGINS:
-        copy = contents / "PlugIns" / plugin
-        copy.parent.mkdir(parents=True, exist_ok=True)
-        shutil.copy2(qt / "plugins" / plugin, copy)
-        code.append(copy)
-    for module in imported_modules(qt, screens, scanner):
-        code.append(copy_module(module, contents, qt))
-    for framework in sorted(frameworks_of(code, qt)):
-        shutil.copytree(qt / "lib" / framework, contents / "Frameworks" / framework, symlinks=True)
-    (contents / "Resources/qt.conf").write_text(QT_CONF)
+    builds = application.parent
+    files, links = parts(builds, builds / "arm64" / application.name, qt, screens, scanner)
+    of_wheel = hashes_of_wheel(qt)
+    os.umask(0o022)
+    shutil.rmtree(application, ignore_errors=True)
+    listed = {}
+    for name, source in files.items():
+        place, mode = application / name, 0o755 if "/MacOS/" in name else 0o644
+        place.parent.mkdir(parents=True, exist_ok=True)
+        shutil.copyfile(source, place)
+        place.chmod(mode)
+        listed[name] = ["file", f"{mode:o}", of_wheel.get(source) or hashlib.sha256(source.read_bytes()).hexdigest()]
+    for name, target in links.items():
+        (application / name).symlink_to(target)
+        listed[name] = ["link", target]
+    for name in list(listed):
+        listed |= {str(folder): ["folder", "755"] for folder in list(pathlib.Path(name).parents)[:-1]}
+    (builds / "list.json").write_text(json.dumps(listed))
 
 
 main()

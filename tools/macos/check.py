@@ -2,17 +2,21 @@
 """Looks at the macOS side of a build for macOS as closely as a Mac's tools would.
 
 usage: check.py analyse BUILD    the static analyser over platform/, with no finding
-       check.py prove BUILD      puts one mistake of each kind in, and shows that each is caught
+       check.py prove BUILD      puts one mistake of each kind in, damages the application beside BUILD in each way, and
+                                 shows that all of it is seen
 """
 
 import concurrent.futures
+import functools
 import json
 import os
 import pathlib
 import re
 import shlex
+import shutil
 import subprocess
 import sys
+import tempfile
 
 ANALYSER = "clang++-19"
 CHECKERS = "core,cplusplus,nullability,osx,security,unix"
@@ -83,129 +87,138 @@ MISTAKES = [
 ]
 
 
-class Build:
-    def __init__(self, folder):
-        self.folder = pathlib.Path(folder).resolve()
-        entries = json.loads((self.folder / "compile_commands.json").read_text())
-        self.commands = {entry["file"]: shlex.split(entry["command"]) for entry in entries}
-        self.library = self.library_options(next(iter(self.commands.values())))
 
-    def command(self, source):
-        """How the build compiles this file, less the file and its output."""
-        words = list(self.commands[str(source)])
-        del words[words.index("-o") : words.index("-o") + 2]
-        del words[words.index("-c") : words.index("-c") + 2]
-        return words
-
-    def library_options(self, command):
-        """Headers and settings of the libraries that the cross compiler brings."""
-        compiler, target = command[:2], next(word for word in command if word.startswith("--target"))
-        shown = subprocess.run([*compiler, target, "-v", "-E", "-x", "c++", "/dev/null"],
-                               check=True, capture_output=True, text=True, env=environment()).stderr
-        words = next(line for line in shown.splitlines() if " -cc1 " in line).split()
-        pairs = list(zip(words, words[1:]))
-        folders = [value for key, value in pairs if key == "-isystem"]
-        folders = [folder for folder in folders if not folder.endswith("/ziglang/lib/include")]
-        own = subprocess.run([ANALYSER, "-print-resource-dir"], check=True, capture_output=True,
-                             text=True).stdout.strip() + "/include"
-        folders.insert(len(folders) - 1, own)
-        settings = [f"-D{value}" for key, value in pairs if key == "-D" and value.startswith("_LIBC")]
-        return ["-nostdinc", *settings, *(f"-isystem{folder}" for folder in folders)]
-
-    def analysed(self, source, of):
-        words = [word for word in self.command(of)[2:] if not word.startswith("--target")]
-        return [ANALYSER, "--target=arm64-apple-macos11.5", "--analyze", "-Xclang",
-                "-analyzer-werror", "-Xclang", "-analyzer-output=text", "-Xclang",
-                f"-analyzer-checker={CHECKERS}", "-Xclang",
-                f"-analyzer-disable-checker={NOT_CHECKED}", *self.library, *words, str(source)]
-
-    def linked(self, program, with_object):
-        """The build's command for a program, with this object before its archives."""
-        commands = subprocess.run(["ninja", "-C", self.folder, "-t", "commands", "-s",
-                                   f"Orvane Installer.app/Contents/MacOS/{program}"],
-                                  check=True, capture_output=True, text=True).stdout
-        words = shlex.split(commands.strip().removeprefix(": && ").removesuffix(" && :"))
-        at = words.index("-o")
-        words[at : at + 2] = [str(with_object), "-o", f"{with_object}.linked"]
-        return words
+# What, the part of the application, what is done to it, by which words it is seen, and whether without the list, too.
+DAMAGES = [
+    ("a plug-in is gone", "PlugIns/platforms/libqcocoa.dylib", lambda path: path.unlink(), "there is no .*libqcocoa", False),
+    ("a script is empty", "Resources/install.sh", lambda path: path.write_text(""), "install.sh has another content", False),
+    ("nobody may start a program", "MacOS/orvane-install", lambda path: path.chmod(0o644),
+     "orvane-install is a file 644, not a file 755", False),
+    ("there is a file more", "Frameworks/QtGui.framework/more", lambda path: path.touch(), "more does not belong there", False),
+    ("a framework is gone", "Frameworks/QtGui.framework", shutil.rmtree,
+     "loads .*QtGui, which is neither the system's nor inside", True),
+    ("the application may show no window", "Info.plist",
+     lambda path: edit(path, b"<dict>", b"<dict><key>LSBackgroundOnly</key><true/>"), "LSBackgroundOnly", True),
+    ("a program was changed after it was signed", "MacOS/orvane-install", lambda path: edit(path, b"--purge", b"--merge"),
+     "orvane-install .*was changed at", True),
+]
 
 
-def environment():
-    return {**os.environ, "LC_ALL": "C.UTF-8"}
+def edit(path, old, new):
+    path.write_bytes(path.read_bytes().replace(old, new))
 
 
 def run(command, folder=None):
-    done = subprocess.run(command, capture_output=True, text=True, cwd=folder, env=environment())
+    done = subprocess.run(command, capture_output=True, text=True, cwd=folder)
     return done.returncode, done.stdout + done.stderr
 
 
-def in_parallel(action, items):
-    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        return all(list(pool.map(action, items)))
+def compiler(build, source):
+    """How the build compiles this file, less the file and its output."""
+    entries = json.loads((build / "compile_commands.json").read_text())
+    words = shlex.split(next(entry["command"] for entry in entries if entry["file"] == str(source)))
+    for option in ("-o", "-c"):
+        del words[words.index(option) : words.index(option) + 2]
+    return words
 
 
-def analyse(build):
-    sources = [file for file in build.commands if "/platform/" in file and "/tests/" not in file]
+@functools.cache
+def library_options(*compiler_and_target):
+    """Headers and settings of the libraries that the cross compiler brings."""
+    _, shown = run([*compiler_and_target, "-v", "-E", "-x", "c++", "/dev/null"])
+    words = next(line for line in shown.splitlines() if " -cc1 " in line).split()
+    pairs = list(zip(words, words[1:]))
+    folders = [value for key, value in pairs if key == "-isystem" and not value.endswith("/ziglang/lib/include")]
+    _, own = run([ANALYSER, "-print-resource-dir"])
+    folders.insert(len(folders) - 1, own.strip() + "/include")
+    settings = [f"-D{value}" for key, value in pairs if key == "-D" and value.startswith("_LIBC")]
+    return ["-nostdinc", *settings, *(f"-isystem{folder}" for folder in folders)]
 
-    def one(source):
-        status, output = run(build.analysed(source, source))
-        if status != 0:
-            print(output)
-        return status == 0
 
-    good = in_parallel(one, sources)
-    print(f"analyser: {len(sources)} files" + (", nothing found" if good else ""))
-    return good
+def analyser(build, source, copy=None):
+    words = compiler(build, source)
+    target = next(word for word in words if word.startswith("--target"))
+    return [ANALYSER, "--target=arm64-apple-macos11.5", "--analyze",
+            *(word for option in ("-analyzer-werror", "-analyzer-output=text", f"-analyzer-checker={CHECKERS}",
+                                  f"-analyzer-disable-checker={NOT_CHECKED}") for word in ("-Xclang", option)),
+            *library_options(*words[:2], target), *(word for word in words[2:] if word != target), str(copy or source)]
 
 
-def try_mistake(build, number, mistake):
+def linker(build, program, with_object):
+    """The build's command for a program, with this object before its archives."""
+    _, commands = run(["ninja", "-C", build, "-t", "commands", "-s", f"Orvane Installer.app/Contents/MacOS/{program}"])
+    words = shlex.split(commands.strip().splitlines()[-1].removeprefix(": && ").removesuffix(" && :"))
+    at = words.index("-o")
+    words[at : at + 2] = [str(with_object), "-o", f"{with_object}.linked"]
+    return words
+
+
+def analyse(build, source):
+    status, output = run(analyser(build, source))
+    return output if status else None
+
+
+def try_mistake(build, mistake):
+    """What is wrong if the mistake is not caught as it should be."""
     what, name, right, wrong, who, words = mistake
     source = pathlib.Path("platform/macos", name).resolve()
     text = source.read_text()
     if right not in text:
-        return f"{name} has no place for: {what}", ""
-    copy = build.folder / f"prove/{number}-{name}"
+        return f"{name} has no place for: {what}"
+    copy = build / f"prove/{MISTAKES.index(mistake)}-{name}"
     copy.parent.mkdir(exist_ok=True)
     changed = text.replace(right, wrong)
     if "NSNowhere" in wrong:  # declared; now it is used
         changed = changed.replace("  assertMainThread();", "  assertMainThread();\n  [NSNowhere new];")
     copy.write_text(changed)
-    compiled = [*build.command(source), "-c", str(copy), "-o", f"{copy}.o"]
     if who == "analyser":
-        status, output = run(build.analysed(copy, source), build.folder)
+        status, output = run(analyser(build, source, copy), build)
     else:
-        status, output = run(compiled, build.folder)
-        if who.startswith("linker"):
-            if status != 0:
-                return f"does not compile: {what}", output
-            program = who.removeprefix("linker of ")
-            status, output = run(build.linked(program, f"{copy}.o"), build.folder)
+        status, output = run([*compiler(build, source), "-c", str(copy), "-o", f"{copy}.o"], build)
+    if who.startswith("linker"):
+        if status != 0:
+            return f"does not compile: {what}\n{output}"
+        status, output = run(linker(build, who.removeprefix("linker of "), f"{copy}.o"), build)
     if status == 0:
-        return f"not caught: {what}", ""
+        return f"not caught: {what}"
     found = next((line for line in output.splitlines() if re.search(words, line)), None)
     if found is None:
-        return f"failed for another reason: {what}", output
+        return f"failed for another reason: {what}\n{output}"
     print(f"caught by the {who}: {what}\n    {found[-150:].strip()}")
-    return None, ""
+    return None
 
 
-def prove(build):
-    def one(numbered):
-        problem, output = try_mistake(build, *numbered)
-        if problem:
-            print(f"{output}\ncheck: {problem}", file=sys.stderr)
-        return problem is None
-
-    good = in_parallel(one, enumerate(MISTAKES, 1))
-    print(f"{len(MISTAKES)} kinds of mistakes" + (", all caught" if good else ""))
-    return good
+def try_damage(build, damage):
+    """What is wrong if the damage to a copy of the application is not seen as it should be."""
+    what, part, do, words, structure = damage
+    builds = build.parent
+    with tempfile.TemporaryDirectory(dir=builds) as folder:
+        copy = pathlib.Path(folder, "Orvane Installer.app")
+        shutil.copytree(builds / copy.name, copy, symlinks=True)
+        do(copy / "Contents" / part)
+        status, output = run([sys.executable, pathlib.Path(__file__).with_name("verify.py"), copy,
+                              *([] if structure else [builds / "list.json"])])
+    found = next((line for line in output.splitlines() if re.search(words, line)), None)
+    if status == 0 or found is None:
+        return f"not seen: {what}\n{output}"
+    print(f"seen: {what}\n    {found}")
+    return None
 
 
 def main():
-    actions = {"analyse": analyse, "prove": prove}
-    if len(sys.argv) != 3 or sys.argv[1] not in actions:
-        sys.exit(__doc__)
-    sys.exit(0 if actions[sys.argv[1]](Build(sys.argv[2])) else 1)
+    os.environ["LC_ALL"] = "C.UTF-8"
+    action, build = sys.argv[1], pathlib.Path(sys.argv[2]).resolve()
+    sources = [str(path.resolve()) for folder in ("common", "macos", "posix")
+               for path in pathlib.Path("platform", folder).iterdir() if path.suffix in (".cpp", ".mm")]
+    tasks = {"analyse": [(analyse, sources, "files analysed, nothing found")],
+             "prove": [(try_mistake, MISTAKES, "kinds of mistakes, all caught"),
+                       (try_damage, DAMAGES, "kinds of damage, all seen")]}
+    for task, items, what in tasks[action]:
+        with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+            problems = [problem for problem in pool.map(functools.partial(task, build), items) if problem]
+        if problems:
+            sys.exit("\n".join(problems))
+        print(f"{len(items)} {what}")
 
 
 main()

@@ -41,23 +41,15 @@ install_tools() {
     "$fresh/ziglang/lib/libc/darwin/SDKSettings.json"
 }
 
-# The wheel holds the frameworks without the links of a framework.
+# Without its Python. The linker goes by the extension.
 install_qt() {
-  pip download --dest "$fresh/wheel" --only-binary=:all: --no-deps --require-hashes \
+  pip install --target "$fresh" --no-compile --only-binary=:all: --no-deps --require-hashes \
     --platform macosx_11_0_universal2 --python-version 3.9 -r qt-requirements.txt || return
-  unzip -q "$fresh"/wheel/*.whl 'PySide6/Qt/lib/*' 'PySide6/Qt/plugins/*' 'PySide6/Qt/qml/*' \
-    -d "$fresh" || return
-  mv "$fresh"/PySide6/Qt/* "$fresh/" || return
-  rm -rf "$fresh/wheel" "$fresh/PySide6"
+  find "$fresh/PySide6" -mindepth 1 -maxdepth 1 ! -name Qt -exec rm -r {} +
   local framework name
-  for framework in "$fresh"/lib/*.framework; do
+  for framework in "$fresh"/PySide6/Qt/lib/*.framework; do
     name=$(basename "$framework" .framework)
-    rm -rf "$framework/Resources"
-    ln -s A "$framework/Versions/Current" || return
-    ln -s "Versions/Current/$name" "$framework/$name"
-    ln -s Versions/Current/Resources "$framework/Resources"
-    # The linker goes by the extension.
-    ln -s "$name.framework/$name" "$fresh/lib/lib$name.dylib"
+    ln -s "$name.framework/Versions/A/$name" "${framework%/*}/lib$name.dylib" || return
   done
 }
 
@@ -68,4 +60,4 @@ install_qt() {
 mkdir -p "$cache"
 get "$cache/tools" requirements.txt "the cross compiler (100 MB)" install_tools
 get "$cache/qt" qt-requirements.txt "Qt for macOS (140 MB)" install_qt
-printf '%s\n' "$cache/tools" "$cache/qt"
+printf '%s\n' "$cache/tools" "$cache/qt/PySide6/Qt"

@@ -10,6 +10,7 @@ import lief
 ARCHITECTURES = {lief.MachO.Header.CPU_TYPE.ARM64: "arm64", lief.MachO.Header.CPU_TYPE.X86_64: "x86_64"}
 MAGIC = {b"\xca\xfe\xba\xbe", b"\xcf\xfa\xed\xfe", b"\xce\xfa\xed\xfe", b"\xfe\xed\xfa\xcf"}
 SDK = pathlib.Path(__file__).parent.parent / "macos-sdk"
+lief.logging.disable()
 LOADS = {
     lief.MachO.LoadCommand.TYPE.LOAD_DYLIB,
     lief.MachO.LoadCommand.TYPE.LOAD_WEAK_DYLIB,
@@ -70,12 +71,17 @@ def expand(text, holder, program):
 class Stubs:
     """What the system's libraries export, by install name and architecture."""
 
-    def __init__(self, libsystem):
+    def __init__(self, more):
+        self.made_here = bool(more)
         self.symbols = {}
-        for path in [*SDK.glob("**/*.tbd"), pathlib.Path(libsystem)]:
+        for path in [*SDK.glob("**/*.tbd"), *map(pathlib.Path, more)]:
             self.read(path.read_text())
         listed = (SDK / "system-libraries.txt").read_text().splitlines()
         self.known = {line for line in listed if line.startswith("/")} | set(self.symbols)
+
+    def has(self, name):
+        """Whether it is a library of the system. On a Mac the linker has looked for it."""
+        return name in self.known or not self.made_here and name.startswith(("/System/Library/", "/usr/lib/"))
 
     def read(self, text):
         name = re.search(r"^install-name:\s*'?([^'\s]+)", text, re.M)[1]

@@ -15,8 +15,7 @@ if(ORVANE_ARCHITECTURE STREQUAL "arm64")
 else()
   set(CMAKE_CXX_COMPILER_TARGET x86_64-macos.11.5)
 endif()
-# CMake asks the system on which it runs how old it is, and takes no answer for very old.
-set(CMAKE_USER_MAKE_RULES_OVERRIDE "${CMAKE_CURRENT_LIST_DIR}/cmake/rpath.cmake")
+set(CMAKE_PROJECT_INCLUDE "${CMAKE_CURRENT_LIST_DIR}/cmake/project.cmake")
 find_program(CMAKE_AR NAMES llvm-ar-14 llvm-ar REQUIRED)
 find_program(CMAKE_RANLIB NAMES llvm-ranlib-14 llvm-ranlib REQUIRED)
 find_program(CMAKE_INSTALL_NAME_TOOL NAMES llvm-install-name-tool-14 llvm-install-name-tool REQUIRED)
@@ -28,7 +27,7 @@ get_filename_component(sdk "${CMAKE_CURRENT_LIST_DIR}/../macos-sdk" ABSOLUTE)
 string(JOIN " " CMAKE_CXX_FLAGS_INIT
   -U_LIBCPP_HAS_VENDOR_AVAILABILITY_ANNOTATIONS -D_LIBCPP_HAS_VENDOR_AVAILABILITY_ANNOTATIONS=1
   -U_LIBCPP_DISABLE_VISIBILITY_ANNOTATIONS -U_LIBCXXABI_DISABLE_VISIBILITY_ANNOTATIONS
-  "-iframework \"${sdk}/Frameworks\"")
+  "-iframework \"${sdk}/Frameworks\"" "-isystem \"${CMAKE_BINARY_DIR}/include\"")
 # One C++ library in the process, the system's: Qt uses it too.
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-nostdlib++ -F \"${sdk}/Frameworks\" -Wl,-dead_strip")
 set(CMAKE_CXX_LINKER_LAUNCHER "${CMAKE_CURRENT_LIST_DIR}/link.sh")
@@ -41,7 +40,11 @@ set(CMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE PRE_TEST)
 set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
 set(CMAKE_INSTALL_RPATH "@executable_path/../Frameworks")
 
-# Packages of this system that are headers alone, in a folder of their own, serve as
-# they are; the modules there stand for the others.
+# Packages of this system that are headers alone serve as they are, but without the
+# folder around them, which holds the system's own. The modules stand for the others.
+foreach(library IN ITEMS CLI gtest nlohmann)
+  file(MAKE_DIRECTORY "${CMAKE_BINARY_DIR}/include")
+  file(CREATE_LINK "/usr/include/${library}" "${CMAKE_BINARY_DIR}/include/${library}" SYMBOLIC)
+endforeach()
 list(PREPEND CMAKE_MODULE_PATH "${CMAKE_CURRENT_LIST_DIR}/cmake")
 set(CMAKE_LIBRARY_ARCHITECTURE x86_64-linux-gnu)

@@ -1,18 +1,17 @@
 #!/usr/bin/env python3
-"""Looks whether an application can start on every Mac that it is for, prints a table of
-its Mach-O files, and fails if anything is amiss.
+"""Looks whether an application is what bundle.py has listed, and copies of it the same, and whether it can start on every
+Mac that it is for. Prints a table of its Mach-O files, and fails if anything is amiss.
 
-usage: verify.py APPLICATION LIBSYSTEM-STUB [ARCHIVE]
+usage: verify.py APPLICATION [LIST [LIBSYSTEM-STUB [COPY…]]]    without a list, one that was made on a Mac
 """
 
 import hashlib
+import json
 import os
 import pathlib
 import plistlib
 import stat
-import subprocess
 import sys
-import tempfile
 
 import lief
 import macho
@@ -21,6 +20,9 @@ import signature
 MINIMUM = (11, 5)
 BUILT_FOR = (13, 0)  # in our own programs; see install_tools in get.sh
 NO_LIBRARY = {0: "itself", 253: "the main executable", 254: "any library", 255: "the main executable"}
+INFORMATION = {"CFBundleExecutable": "Orvane Installer", "CFBundleIconFile": "AppIcon",
+               "CFBundleIdentifier": "com.tessal.installer.Orvane", "CFBundlePackageType": "APPL",
+               "LSMinimumSystemVersion": "11.5", "NSPrincipalClass": "NSApplication"}
 problems = []
 
 
@@ -42,7 +44,7 @@ def check_libraries(where, part, path, program, stubs):
     found = []
     for name in names:
         inside = macho.resolve(name, part, path, program)
-        if inside is None and name not in stubs.known:
+        if inside is None and not stubs.has(name):
             problem(f"{where}: loads {name}, which is neither the system's nor inside")
         found.append(inside)
     return names, found
@@ -62,8 +64,8 @@ def check_symbols(where, part, architecture, libraries, stubs, is_ours):
         name, file = names[ordinal - 1], files[ordinal - 1]
         if file is not None:
             exported = macho.exports(file, architecture)
-        elif is_ours or name.startswith("/usr/lib/libc++") or name.startswith("/usr/lib/libSystem"):
-            exported = stubs.symbols.get(name, {}).get(architecture, ())
+        elif name in stubs.symbols and (is_ours or name.startswith(("/usr/lib/libc++", "/usr/lib/libSystem"))):
+            exported = stubs.symbols[name][architecture]
         else:
             trusted += 1
             continue
@@ -84,12 +86,10 @@ def check_code(path, application, program, stubs):
         minimum = minimum_of(part)
         if minimum is None or minimum > MINIMUM or (is_ours and minimum != MINIMUM):
             problem(f"{where}: is for macOS {minimum} or later")
-        if is_ours and tuple(part.build_version.sdk[:2]) != BUILT_FOR:
+        if is_ours and stubs.made_here and tuple(part.build_version.sdk[:2]) != BUILT_FOR:
             problem(f"{where}: says that it was made for macOS {part.build_version.sdk}")
         if not part.has_uuid:
             problem(f"{where}: has no identifier")
-        if architecture == "arm64" and not part.has_code_signature:
-            problem(f"{where}: is not signed")
         for rpath in macho.rpaths(part):
             inside = macho.expand(rpath, path, program)
             if not rpath.startswith("@") or not pathlib.Path(inside).is_relative_to(application):
@@ -103,85 +103,83 @@ def check_code(path, application, program, stubs):
         )
 
 
-def check_information(application):
-    contents = application / "Contents"
-    info = plistlib.loads((contents / "Info.plist").read_bytes())
-    for path in (
-        contents / "MacOS" / info["CFBundleExecutable"],
-        contents / "Resources" / (info["CFBundleIconFile"] + ".icns"),
-        contents / "MacOS/orvane-install",
-        contents / "Resources/install.sh",
-        contents / "Resources/Orvane.zip",
-    ):
-        if not path.is_file():
-            problem(f"there is no {path.relative_to(application)}")
-    if info["LSMinimumSystemVersion"] != ".".join(map(str, MINIMUM)):
-        problem(f"Info.plist asks for macOS {info['LSMinimumSystemVersion']}")
-    for framework in (contents / "Frameworks").iterdir():
-        inner = plistlib.loads((framework / "Resources/Info.plist").read_bytes())
-        if not (framework / inner["CFBundleExecutable"]).is_file():
-            problem(f"{framework.name} lacks its code")
-    return contents / "MacOS" / info["CFBundleExecutable"]
-
-
-def check_links(application):
-    for folder, folders, files in os.walk(application):
-        for name in folders + files:
-            path = pathlib.Path(folder, name)
-            if not path.is_symlink():
-                continue
-            target = pathlib.Path(os.path.realpath(path))
-            if path.readlink().is_absolute() or not target.is_relative_to(application):
-                problem(f"{path} leads outside")
-            elif not target.exists():
-                problem(f"{path} leads nowhere")
-
-
 def content(root):
-    """What an archive must keep of a folder: names, links, modes and bytes."""
+    """Of everything below a folder, by path: its kind, and its mode and hash, or where it leads."""
     found = {}
-    for folder, folders, files in os.walk(root):
-        for name in folders + files:
-            path = pathlib.Path(folder, name)
-            if path.is_symlink():
-                kept = ("link", os.readlink(path))
-            elif path.is_dir():
-                kept = ("folder", stat.S_IMODE(path.stat().st_mode))
-            else:
-                digest = hashlib.sha256(path.read_bytes()).hexdigest()
-                kept = ("file", stat.S_IMODE(path.stat().st_mode), digest)
-            found[str(path.relative_to(root))] = kept
+    for path in root.rglob("*"):
+        mode = f"{stat.S_IMODE(path.lstat().st_mode):o}"
+        if path.is_symlink():
+            kept = ["link", os.readlink(path)]
+        elif path.is_file():
+            kept = ["file", mode, hashlib.sha256(path.read_bytes()).hexdigest()]
+        else:
+            kept = ["folder" if path.is_dir() else "special", mode]
+        found[str(path.relative_to(root))] = kept
     return found
 
 
-def check_archive(application, archive):
-    with tempfile.TemporaryDirectory() as folder:
-        subprocess.run(["unzip", "-q", archive, "-d", folder], check=True)
-        packed = content(pathlib.Path(folder, application.name))
-    kept = content(application)
-    for name in sorted(kept.keys() | packed.keys()):
-        if kept.get(name) != packed.get(name):
-            problem(f"the archive has {name} as {packed.get(name)}, not {kept.get(name)}")
-    print(f"{archive}: {len(packed)} files, folders and links as they are in the application")
+def check_content(root, wanted, where=""):
+    """Whether that lies there which should, and nothing else."""
+    found = content(root)
+    for name in sorted(found.keys() | wanted.keys()):
+        there, listed = found.get(name), wanted.get(name)
+        if there is None:
+            problem(f"{where}there is no {name}")
+        elif listed is None:
+            problem(f"{where}{name} does not belong there")
+        elif there[:2] != listed[:2]:
+            problem(f"{where}{name} is a {' '.join(there[:2])}, not a {' '.join(listed[:2])}")
+        elif there != listed:
+            problem(f"{where}{name} has another content")
+
+
+def as_signed(listed, application):
+    """The list as signing leaves it: it changes code and adds seals, and both are looked at later."""
+    found = content(application)
+    return listed | {name: there for name, there in found.items()
+                     if "_CodeSignature" in name or there[:2] == listed.get(name, [])[:2] and macho.is_macho(application / name)}
+
+
+def check_information(application):
+    """What the system reads before anything else."""
+    info = plistlib.loads((application / "Contents/Info.plist").read_bytes())
+    for key, wanted in INFORMATION.items():
+        if info.get(key) != wanted:
+            problem(f"Info.plist: {key} is {info.get(key)}, not {wanted}")
+    for key in ("LSBackgroundOnly", "LSUIElement"):
+        if key in info:
+            problem(f"Info.plist: {key} keeps the window away")
+
+
+def stop_at_problems():
+    for text in problems:
+        print(f"verify: {text}", file=sys.stderr)
+    if problems:
+        sys.exit(1)
 
 
 def main():
-    lief.logging.disable()
     application = pathlib.Path(sys.argv[1]).resolve()
-    stubs = macho.Stubs(sys.argv[2])
-    program = check_information(application)
-    check_links(application)
+    if len(sys.argv) > 2:
+        listed = json.loads(pathlib.Path(sys.argv[2]).read_text())
+        if (application / "Contents/_CodeSignature").exists():
+            listed = as_signed(listed, application)
+        check_content(application, listed)
+        stop_at_problems()
+        for copy in sys.argv[4:]:
+            check_content(pathlib.Path(copy), content(application), f"{copy}: ")
+        print(f"{len(listed)} files, folders and links as they were put in")
+    check_information(application)
+    stop_at_problems()
+    stubs = macho.Stubs(sys.argv[3:4])
+    program = application / "Contents/MacOS" / INFORMATION["CFBundleExecutable"]
     print(f"{'':58} {'':7} {'macOS':6} libraries      symbols")
     print(f"{'file':58} {'for':7} {'from':6} {'inside':>6} {'system':>7} {'found':>8} {'trusted':>8}")
     for path in sorted(application.rglob("*")):
         if macho.is_macho(path):
             check_code(path, application, program, stubs)
     signature.check(application, program, problem)
-    if len(sys.argv) > 3:
-        check_archive(application, sys.argv[3])
-    for text in problems:
-        print(f"verify: {text}", file=sys.stderr)
-    sys.exit(1 if problems else 0)
+    stop_at_problems()
 
 
 main()
