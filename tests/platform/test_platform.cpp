@@ -25,15 +25,11 @@ Platform::Platform() {
   std::filesystem::create_directories(root / "tmp");
 }
 
-Platform::Platform(const std::filesystem::path& existing) : root(existing), ownsRoot_(false) {
-  active = this;
-}
-
 Platform::~Platform() {
   queue.clear();
   unowned.clear();
   workerBlocks.clear();
-  if (ownsRoot_) std::filesystem::remove_all(root);
+  std::filesystem::remove_all(root);
   active = nullptr;
 }
 

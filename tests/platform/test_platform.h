@@ -37,8 +37,6 @@ struct Scheduled;
 class Platform {
  public:
   Platform();
-  /// On a folder that is there, and stays.
-  explicit Platform(const std::filesystem::path& existing);
   ~Platform();
 
   // The virtual clock and the main queue. Time passes only here.
@@ -130,9 +128,6 @@ class Platform {
     std::function<bool()> shouldClose;
   } window;
   platform::HostWindow hostWindow();
-
- private:
-  bool ownsRoot_ = true;
 };
 
 /// The platform of the running test; null between two tests.
