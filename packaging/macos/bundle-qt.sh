@@ -11,7 +11,7 @@ set -eu
 
 macdeployqt=${MACDEPLOYQT:-macdeployqt}
 need "$macdeployqt" "put the bin folder of Qt into PATH, or set MACDEPLOYQT"
-$dry_run || python3 -c 'import lief' || fail "the reader of Mach-O files is missing: python3 -m pip install lief"
+$dry_run || python3 -c 'import lief' 2>/dev/null || fail "the reader of Mach-O files is missing: python3 -m pip install lief"
 
 # It signs only if it is told to; signing comes later, inside out: sign.sh.
 run "$macdeployqt" "$application" "-qmldir=$here/../../ui" -always-overwrite

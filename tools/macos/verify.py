@@ -64,7 +64,7 @@ def check_symbols(where, part, architecture, libraries, stubs, is_ours):
         name, file = names[ordinal - 1], files[ordinal - 1]
         if file is not None:
             exported = macho.exports(file, architecture)
-        elif name in stubs.symbols and (is_ours or name.startswith(("/usr/lib/libc++", "/usr/lib/libSystem"))):
+        elif stubs.made_here and name in stubs.symbols and (is_ours or name.startswith(("/usr/lib/libc++", "/usr/lib/libSystem"))):
             exported = stubs.symbols[name][architecture]
         else:
             trusted += 1
