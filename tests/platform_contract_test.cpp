@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <limits>
 #include <thread>
 
@@ -34,11 +35,11 @@ int runOnMainLoop(Block block) {
   return runMainLoop();
 }
 
-/// What the shell has written when it ends.
-std::string outputOfShell(std::vector<std::string> arguments) {
+/// What the program has written when it ends.
+std::string outputOf(const std::string& program, std::vector<std::string> arguments) {
   std::string output;
   {
-    ChildProcess child("/bin/sh", std::move(arguments), [&](std::string_view piece) {
+    ChildProcess child(program, std::move(arguments), [&](std::string_view piece) {
       EXPECT_FALSE(piece.empty());
       output += piece;
     });
@@ -115,7 +116,7 @@ TEST(Contract, ChildOutputArrivesWholeAndInOrder) {
       "i=0; while [ $i -lt 20000 ]; do echo line $i; i=$((i+1)); done; echo \"$1\" >&2";
   std::string expected;
   for (int i = 0; i < 20000; ++i) expected += "line " + std::to_string(i) + "\n";
-  EXPECT_EQ(outputOfShell({"-c", script, "-", "an argument with blanks"}),
+  EXPECT_EQ(outputOf("/bin/sh", {"-c", script, "-", "an argument with blanks"}),
             expected + "an argument with blanks\n");
 }
 
@@ -191,7 +192,7 @@ TEST(Contract, PropertyListsAreReadAndWrittenBackAsTheyCame) {
     <key>yes</key><true/><key>one</key><integer>1</integer><key>minus</key><integer>-5</integer>
     <key>max</key><integer>9223372036854775807</integer><key>name</key><string>澄枫 🍁 &amp;</string>
     <key>list</key><array><string>a</string><dict/><string/></array>
-    <key>foreign</key><array><integer>18446744073709551615</integer><real>0.5</real>
+    <key>foreign</key><array><integer>9223372036854775808</integer><real>0.5</real>
     <date>2001-01-02T00:00:00Z</date><data>AP8=</data></array></dict></plist>)";
   auto read = readPropertyListDictionary(file);
   std::filesystem::remove(file);
@@ -227,6 +228,46 @@ TEST(Contract, PropertyListsAreReadAndWrittenBackAsTheyCame) {
                        {"list", PropertyListArray{"a", PropertyListDictionary{}, ""}}}));
 }
 
+TEST(Contract, ListsBeyondTheLimitsOrOfAnotherKindAreRefused) {
+  // A dictionary of 60 arrays in each other, each of which holds the next one twice.
+  std::string bytes("bplist00\xD1\1\2Qa");
+  std::string offsets("\x08\x0B");
+  for (char next = 3; next <= 62; ++next) {
+    offsets += static_cast<char>(bytes.size());
+    bytes += {'\xA2', next, next};
+  }
+  offsets += static_cast<char>(bytes.size());
+  bytes += '\x09';
+  const auto table = static_cast<char>(bytes.size());
+  const auto number = [](char last) { return std::string(7, '\0') + last; };
+  const auto file = std::filesystem::temp_directory_path() / "orvane-contract.plist";
+  std::ofstream(file) << bytes << offsets << std::string(6, '\0') << "\1\1"
+                      << number(static_cast<char>(offsets.size())) << number(0) << number(table);
+  EXPECT_EQ(readPropertyListDictionary(file), std::nullopt);
+  std::ofstream(file) << "<plist><array/></plist>";
+  EXPECT_EQ(readPropertyListDictionary(file), std::nullopt);
+  std::filesystem::remove(file);
+}
+
+/// Where this program lies, and what makes it say where it finds a resource.
+std::filesystem::path ownProgram;
+constexpr const char* kFindResource = "--find-resource";
+
+TEST(Contract, BundlesAndResourcesMayHaveAnyName) {
+  namespace fs = std::filesystem;
+  const auto folder = fs::canonical(fs::temp_directory_path()) / "orvane contract %41 \"' 澄";
+  const auto bundle = folder / "澄 %20\"'.app";
+  const auto program = bundle / "Contents/MacOS/program";
+  const auto resource = bundle / "Contents/Resources/中 %41\"'.sh";
+  for (const auto& file : {program, resource}) fs::create_directories(file.parent_path());
+  fs::copy_file(ownProgram, program);
+  std::ofstream(resource) << "#";
+  EXPECT_EQ(outputOf(program, {kFindResource, "中 %41\"'", "sh"}),
+            resource.string() + "\n" + bundle.string() + "\n");
+  EXPECT_EQ(outputOf(program, {kFindResource, "none", "sh"}), "-\n" + bundle.string() + "\n");
+  fs::remove_all(folder);
+}
+
 TEST(Contract, ListedInputSourcesOutliveTheirList) {
   InputSource first;
   {
@@ -243,7 +284,7 @@ TEST(Contract, ListedInputSourcesOutliveTheirList) {
 TEST(Contract, BrokenPipesEndChildrenAndNotThisProcess) {
   onTerminationRequest([] {});
   ::raise(SIGPIPE);
-  EXPECT_EQ(outputOfShell({"-c", "echo before; kill -s PIPE $$; echo after"}), "before\n");
+  EXPECT_EQ(outputOf("/bin/sh", {"-c", "echo before; kill -s PIPE $$; echo after"}), "before\n");
 }
 
 TEST(Contract, UrlsAreParsedAndPathsEscaped) {
@@ -255,6 +296,12 @@ TEST(Contract, UrlsAreParsedAndPathsEscaped) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  if (argc == 4 && argv[1] == std::string(kFindResource)) {
+    const auto resource = bundleResource(argv[2], argv[3]);
+    std::cout << resource.value_or("-").string() << '\n' << bundleLocation().string() << '\n';
+    return 0;
+  }
+  ownProgram = std::filesystem::absolute(argv[0]);
   testing::InitGoogleTest(&argc, argv);
   std::string root = std::filesystem::temp_directory_path() / "orvane-contract-XXXXXX";
   ::mkdtemp(root.data());

@@ -43,8 +43,8 @@ void printCurrent() {
 int watch() {
   const auto observer = platform::observeEnabledInputSourcesChanged([] {
     std::cout << "enabled:";
-    for (const auto& source : *platform::createInputSourceList(std::nullopt, false))
-      std::cout << ' ' << source->id;
+    for (const auto& source : service::installedInputSources())
+      if (source->isEnabled) std::cout << ' ' << source->id;
     std::cout << std::endl;
   });
   return platform::runMainLoop();

@@ -13,19 +13,21 @@ inline constexpr std::size_t kPropertyListSizeLimit = std::size_t{256} * 1024;
 /// Counts what one list takes up while it is read.
 class PropertyListBudget {
  public:
-  /// Takes a value below this many others, with this many bytes of text. Whether
-  /// the list is still within the limits.
+  /// Takes a value below this many others, with a text of this size. Whether the
+  /// list is within the limits up to here.
   bool take(std::size_t depth, std::size_t textSize = 0) {
     constexpr std::size_t kDepthLimit = 128;
-    constexpr std::size_t kLimit = kPropertyListSizeLimit;
-    const std::size_t left = kLimit - used_;
-    used_ = depth <= kDepthLimit && textSize < left ? used_ + 1 + textSize : kLimit;
-    return used_ < kLimit;
+    isExceeded_ = isExceeded_ || depth > kDepthLimit || textSize >= left_;
+    if (!isExceeded_) left_ -= 1 + textSize;
+    return !isExceeded_;
   }
 
+  bool isExceeded() const { return isExceeded_; }
+
  private:
-  /// Values, and bytes of their texts.
-  std::size_t used_ = 0;
+  /// Values, and the size of their texts.
+  std::size_t left_ = kPropertyListSizeLimit;
+  bool isExceeded_ = false;
 };
 
 }  // namespace platform

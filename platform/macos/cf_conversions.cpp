@@ -58,11 +58,11 @@ OpaqueValue opaque(CFTypeRef object) {
   return {std::make_shared<const OpaqueObject>(OpaqueObject{retain(object)}), isDictionary};
 }
 
-/// Takes over one list, as long as that is within the limits.
+/// Takes over one list as far as the limits allow.
 class FromCf {
  public:
   PropertyListValue value(CFTypeRef object, std::size_t depth = 0) {
-    isWithinLimits = isWithinLimits && budget_.take(depth);
+    budget_.take(depth);
     const CFTypeID type = CFGetTypeID(object);
     // A CFBoolean is no CFNumber, though NSNumber stands for both.
     if (type == CFBooleanGetTypeID()) {
@@ -77,7 +77,7 @@ class FromCf {
     return opaque(object);
   }
 
-  bool isWithinLimits = true;
+  bool isBeyondLimits() const { return budget_.isExceeded(); }
 
  private:
   static PropertyListValue number(CFNumberRef number) {
@@ -92,15 +92,14 @@ class FromCf {
   }
 
   std::string text(CFStringRef text) {
-    const auto length = static_cast<std::size_t>(CFStringGetLength(text));
-    isWithinLimits = isWithinLimits && budget_.take(0, length);
-    return isWithinLimits ? toString(text) : std::string();
+    budget_.take(0, static_cast<std::size_t>(CFStringGetLength(text)));
+    return toString(text);
   }
 
   PropertyListArray array(CFArrayRef array, std::size_t depth) {
     PropertyListArray values;
     const CFIndex count = CFArrayGetCount(array);
-    for (CFIndex index = 0; index < count && isWithinLimits; ++index) {
+    for (CFIndex index = 0; index < count && !isBeyondLimits(); ++index) {
       values.push_back(value(CFArrayGetValueAtIndex(array, index), depth + 1));
     }
     return values;
@@ -112,7 +111,7 @@ class FromCf {
     std::vector<const void*> objects(count);
     CFDictionaryGetKeysAndValues(dictionary, keys.data(), objects.data());
     PropertyListDictionary values;
-    for (std::size_t index = 0; index < count && isWithinLimits; ++index) {
+    for (std::size_t index = 0; index < count && !isBeyondLimits(); ++index) {
       if (CFGetTypeID(keys[index]) != CFStringGetTypeID()) return opaque(dictionary);
       values.insert_or_assign(text(static_cast<CFStringRef>(keys[index])),
                               value(objects[index], depth + 1));
@@ -172,7 +171,7 @@ std::optional<PropertyListValue> toPropertyListValue(CFTypeRef object) {
   if (object == nullptr) return std::nullopt;
   FromCf reader;
   auto value = reader.value(object);
-  return reader.isWithinLimits ? std::move(value) : opaque(object);
+  return reader.isBeyondLimits() ? opaque(object) : std::move(value);
 }
 
 }  // namespace platform

@@ -26,7 +26,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     view->handleInstallLogChunk(piece);
     platform.drain();
     require(view->logText->size() >= before + piece.size() &&
-            view->logText->from(before).ends_with(piece));
+            view->logText->substr(before).ends_with(piece));
     require(view->installProgress >= 0.0 && view->installProgress <= 1.0);
     if (view->didTriggerActivation != wasTriggered) {
       require(piece.find("finish") != std::string::npos && view->installProgress >= progress);
