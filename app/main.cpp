@@ -15,14 +15,19 @@
 
 namespace {
 
-constexpr int kNoDisplay = 69;
+constexpr int kNoWindows = 69;
+#ifdef Q_OS_MACOS
+constexpr const char* kReason = "a part of this application is missing; download it again";
+#else
+constexpr const char* kReason = "there is no display; orvane-install needs none";
+#endif
 
-/// The toolkit aborts without a display; this ends the program with a reason.
-void endWithoutDisplay(QtMsgType type, const QMessageLogContext& /*context*/,
-                       const QString& message) {
+/// The toolkit aborts where it can open no window; this ends the program with a reason.
+void endWithoutWindows(QtMsgType type, const QMessageLogContext& /*context*/,
+                       const QString& /*message*/) {
   if (type != QtFatalMsg) return;
-  std::cerr << "Orvane Installer: no display to open a window on\n" << message.toStdString();
-  std::_Exit(kNoDisplay);
+  std::cerr << "Orvane Installer: cannot open its window: " << kReason << '\n';
+  std::_Exit(kNoWindows);
 }
 
 }  // namespace
@@ -34,7 +39,7 @@ int main(int argc, char** argv) {
     return *status;
 
   prepareToolkit();
-  qInstallMessageHandler(endWithoutDisplay);
+  qInstallMessageHandler(endWithoutWindows);
   argc = 1;
   QGuiApplication application(argc, argv);
   qInstallMessageHandler(nullptr);

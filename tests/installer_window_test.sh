@@ -46,6 +46,11 @@ for scale in 1 2; do
 done
 unset QT_SCALE_FACTOR
 
+env -u DISPLAY -u WAYLAND_DISPLAY "$app/Contents/MacOS/Orvane Installer" --root "$root" 2>"$work/messages"
+expect "status without a display" $? 69
+expect "words" "$(cat "$work/messages")" \
+  "Orvane Installer: cannot open its window: there is no display; orvane-install needs none"
+
 start_window_manager
 
 echo "closing while nothing is going on"

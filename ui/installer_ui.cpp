@@ -20,8 +20,7 @@ constexpr const char* kProductName = "澄枫输入法";
 void prepareToolkit() {
   // Needs no GPU, starts in a third of the time and memory, and paints on the main
   // thread. On macOS it also draws what was looked at here.
-  if (!qEnvironmentVariableIsSet("QT_QUICK_BACKEND"))
-    QQuickWindow::setSceneGraphBackend(QStringLiteral("software"));
+  QQuickWindow::setSceneGraphBackend(QStringLiteral("software"));
 }
 
 void setApplicationLook() {

@@ -1,7 +1,6 @@
 #include "ui/system_image.h"
 
 #include <QPainter>
-#include <QQuickWindow>
 #include <algorithm>
 #include <cmath>
 
@@ -13,41 +12,21 @@ QImage toQImage(const platform::Image& image) {
 
 SystemImage::SystemImage(QQuickItem* parent) : QQuickPaintedItem(parent) {
   setAntialiasing(true);
-  connect(this, &SystemImage::changed, this, &QQuickItem::polish);
-}
-
-double SystemImage::side() const {
-  return std::min(width(), height());
-}
-
-void SystemImage::geometryChange(const QRectF& newGeometry, const QRectF& oldGeometry) {
-  QQuickPaintedItem::geometryChange(newGeometry, oldGeometry);
-  polish();
-}
-
-void SystemImage::itemChange(ItemChange change, const ItemChangeData& data) {
-  QQuickPaintedItem::itemChange(change, data);
-  if (change == ItemSceneChange || change == ItemDevicePixelRatioHasChanged) polish();
-}
-
-void SystemImage::updatePolish() {
-  const double ratio = window() ? window()->effectiveDevicePixelRatio() : 1.0;
-  const int pixels = static_cast<int>(std::lround(side() * ratio));
-  image_ = QImage();
-  if (symbol_.isEmpty()) {
-    image_ = toQImage(platform::applicationIcon(pixels));
-  } else if (const auto found = platform::systemSymbol(symbol_.toStdString(), pixels)) {
-    image_ = toQImage(*found);
-    QPainter tint(&image_);
-    tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
-    tint.fillRect(image_.rect(), color_);
-  }
-  update();
+  connect(this, &SystemImage::changed, this, [this] { update(); });
 }
 
 void SystemImage::paint(QPainter* painter) {
-  if (image_.isNull()) return;
+  const double side = std::min(width(), height());
+  const int pixels = static_cast<int>(std::lround(side * painter->deviceTransform().m11()));
+  QImage image;
+  if (symbol_.isEmpty()) {
+    image = toQImage(platform::applicationIcon(pixels));
+  } else if (const auto found = platform::systemSymbol(symbol_.toStdString(), pixels)) {
+    image = toQImage(*found);
+    QPainter tint(&image);
+    tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    tint.fillRect(image.rect(), color_);
+  }
   painter->setRenderHint(QPainter::SmoothPixmapTransform);
-  painter->drawImage(QRectF((width() - side()) / 2, (height() - side()) / 2, side(), side()),
-                     image_);
+  painter->drawImage(QRectF((width() - side) / 2, (height() - side) / 2, side, side), image);
 }

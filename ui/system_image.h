@@ -13,8 +13,8 @@
 QImage toQImage(const platform::Image& image);
 
 /// A picture of the system's: the symbol of this name in one colour, or the
-/// application's icon if there is no name. Another thread may paint it, so it gets
-/// the picture before, on the main thread.
+/// application's icon if there is no name. It is painted on the main thread, where
+/// pictures are made.
 class SystemImage : public QQuickPaintedItem {
   Q_OBJECT
   QML_ELEMENT
@@ -28,15 +28,7 @@ class SystemImage : public QQuickPaintedItem {
  signals:
   void changed();
 
- protected:
-  void updatePolish() override;
-  void geometryChange(const QRectF& newGeometry, const QRectF& oldGeometry) override;
-  void itemChange(ItemChange change, const ItemChangeData& data) override;
-
  private:
-  double side() const;
-
   QString symbol_;
   QColor color_ = Qt::black;
-  QImage image_;
 };

@@ -94,7 +94,7 @@ HostWindow::HostWindow(QWindow& window) : impl_(std::make_unique<Impl>(window)) 
   native.collectionBehavior =
       (native.collectionBehavior & ~NSWindowCollectionBehaviorFullScreenPrimary) |
       NSWindowCollectionBehaviorFullScreenNone;
-  translateStandardMenu();
+  completeStandardMenu();
 }
 
 HostWindow::HostWindow(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}

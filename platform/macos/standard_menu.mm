@@ -39,13 +39,20 @@ void translate(NSMenu* menu, NSString* applicationName) {
 
 }  // namespace
 
-void translateStandardMenu() {
+void completeStandardMenu() {
   @autoreleasepool {
     NSMenu* menu = NSApplication.sharedApplication.mainMenu;
     if (menu == nil) return;
     const auto value = bundleInfoValue("CFBundleDisplayName");
     const auto* name = value ? value->as<std::string>() : nullptr;
-    translate(menu, toNSString(name ? *name : std::string()));
+    NSString* applicationName = toNSString(name ? *name : std::string());
+    translate(menu, applicationName);
+    // The standard panel shows Credits.html of the bundle.
+    [[menu itemAtIndex:0].submenu
+        insertItemWithTitle:[@"关于" stringByAppendingString:applicationName]
+                     action:@selector(orderFrontStandardAboutPanel:)
+              keyEquivalent:@""
+                    atIndex:0];
   }
 }
 

@@ -28,6 +28,7 @@ typedef enum NSApplicationActivationPolicy : NSInteger {
 - (void)activate API_AVAILABLE_MACOS(14.0);  // not used: shows that newer calls are caught
 - (void)terminate:(nullable id)sender;
 - (void)hide:(nullable id)sender;
+- (void)orderFrontStandardAboutPanel:(nullable id)sender;
 - (void)hideOtherApplications:(nullable id)sender;
 - (void)unhideAllApplications:(nullable id)sender;
 @end
@@ -40,6 +41,10 @@ typedef enum NSApplicationActivationPolicy : NSInteger {
 @interface NSMenu : NSObject
 @property(readonly) NSInteger numberOfItems;
 - (nullable NSMenuItem*)itemAtIndex:(NSInteger)index;
+- (NSMenuItem*)insertItemWithTitle:(NSString*)title
+                            action:(nullable SEL)action
+                     keyEquivalent:(NSString*)keyEquivalent
+                           atIndex:(NSInteger)index;
 @end
 
 typedef enum NSCompositingOperation : NSUInteger {
