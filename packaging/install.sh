@@ -1,9 +1,9 @@
 #!/bin/sh
 # Installs the bundles whose archives lie beside this script and notes each step in the log that the installer follows.
 #
-# All bundles are unpacked and checked in staging before the first one goes to its place, by two renames. The old ones
-# stay in staging until every bundle of the run stands. So whatever stops the script, a destination holds a whole bundle,
-# or nothing with the old one in staging. The next run puts that right.
+# All bundles are unpacked and checked in staging before the first one is swapped in, by two renames. The old ones stay
+# in staging until every bundle of the run stands. So whatever stops the script, a destination holds a whole bundle, or
+# nothing with the old one in staging. The next run puts that right.
 #
 # The log's fixed phrases move the progress bar and "finish" starts the activation: an error line holds none of them,
 # and no path, since a path could.

@@ -31,11 +31,14 @@ keeps() { # WHAT
   case $1 in
     'another identifier') sed -i s/com.tessal.Sondrel/com.tessal.Sondrel2/ "$plist" ;;
     'the identifier elsewhere') # in a quoted text, in an inner dictionary, as another key's value
-      printf '%s\n' '<plist><dict><key>A</key><dict><key>CFBundleIdentifier</key><string>com.tessal.Sondrel</string></dict>' \
-        '<key>B</key><string><![CDATA[<key>CFBundleIdentifier</key><string>com.tessal.Sondrel</string>]]></string>' \
+      inner='<key>CFBundleIdentifier</key><string>com.tessal.Sondrel</string>'
+      printf '%s\n' "<plist><dict><key>A</key><dict>$inner</dict><key>B</key><string><![CDATA[$inner]]></string>" \
         '<key>CFBundleName</key><string>com.tessal.Sondrel</string></dict></plist>' >"$plist"
       ;;
-    'deep') { printf '<plist>' && yes '<dict><key>a</key>' | head -n 50000; } >"$plist" ;;
+    deep)
+      { echo '<plist>' && yes '<dict><key>a</key>' | head -n 30000 && echo '<string>a</string>' &&
+        yes '</dict>' | head -n 30000 && echo '</plist>'; } >"$plist"
+      ;;
     'no property list') rm "$plist" ;;
     'a FIFO as property list') rm "$plist" && mkfifo "$plist" ;;
     'a file') rm -r "$sondrel" && echo precious >"$sondrel" ;;

@@ -60,7 +60,7 @@ log_has() { grep -qs "$1" "$root/tmp/tessal_installer_ui.log"; }
 # The steps of the script are slowed down, so that the bar can be seen moving.
 slow_app="$work/Orvane Installer.app"
 cp -R "$app" "$slow_app"
-sed -E 's/^( *)(log .*)/\1sleep 0.4; \2/' "$app/Contents/Resources/install.sh" \
+sed -E 's/^( *)((log|step) .*)/\1sleep 0.4; \2/' "$app/Contents/Resources/install.sh" \
   >"$slow_app/Contents/Resources/install.sh"
 
 "$slow_app/Contents/MacOS/Orvane Installer" --root "$root" & installer=$!
