@@ -6,7 +6,7 @@
 # make bench  what things cost, as a table and in build/bench.json
 # make macos  the whole application for macOS, made and checked on Linux
 # make format lays the sources out
-# make setup  sets up this machine; run, test, check, demo, bench and macos do so too
+# make setup  sets up this machine for all of these; each of them sets up what it needs
 # make clean
 
 PRESET := release
@@ -19,11 +19,11 @@ all:
 	@cmake --preset $(PRESET) --log-level=WARNING >/dev/null
 	@cmake --build --preset $(PRESET)
 
+# What the targets that were asked for need, before all of them.
 setup:
-	@tools/setup.sh
+	@tools/setup.sh $(MAKECMDGOALS)
 
-# What these targets need is set up before all of them.
-run test check demo bench macos: setup
+run test check demo bench macos format: setup
 run test check demo bench: all
 
 run:

@@ -108,7 +108,9 @@ std::optional<Lines> lastLines(const fs::path& file) {
 std::string ageText(const fs::path& file) {
   using namespace std::chrono;
   std::error_code error;
-  const auto age = fs::file_time_type::clock::now() - fs::last_write_time(file, error);
+  // On macOS a difference of these times is a number too wide for std::to_string.
+  const auto age =
+      duration_cast<seconds>(fs::file_time_type::clock::now() - fs::last_write_time(file, error));
   if (error) return "时间不明";
   if (age < 1min) return "不到 1 分钟前";
   if (age < 1h) return std::to_string(age / 1min) + " 分钟前";

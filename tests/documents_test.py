@@ -57,11 +57,7 @@ def check_links_and_targets():
             problems.append(f"{name}: there is no 'make {target}'")
 
 
-def check_packages_and_version():
-    lists = re.findall(r"^(?:build|screenshots|test|check|macos)='(.*?)'", (ROOT / "tools/setup.sh").read_text(), re.M | re.S)
-    for package in {package for packages in lists for package in packages.split()}:
-        if not re.search(rf"(?<![\w-]){re.escape(package)}(?![\w-])", DOCUMENTS["docs/third-party.md"]):
-            problems.append(f"docs/third-party.md: nothing about {package} of tools/setup.sh")
+def check_version():
     version = re.search(r"^project\(.* VERSION ([0-9.]*)", (ROOT / "CMakeLists.txt").read_text(), re.M)[1]
     newest = re.search(r"^## \[([0-9.]*)\]", DOCUMENTS["CHANGELOG.md"], re.M)[1]
     if version != newest:
@@ -70,5 +66,5 @@ def check_packages_and_version():
 
 check_architecture()
 check_links_and_targets()
-check_packages_and_version()
+check_version()
 sys.exit("\n".join(problems) or None)
