@@ -47,7 +47,7 @@ unanswered_request() { env -u DISPLAY "$helpers/input-sources" --root "$root" en
 env -u DISPLAY SUDO_ASKPASS=/bin/true "$app/Contents/MacOS/orvane-install" --root "$root" \
   --no-wait >/dev/null
 consent; xdotool key Escape alt+F4; sleep 0.5
-"$helpers/input-source-agent" --root "$root" --consent $base || fail "a second window"
+timeout 20 "$helpers/input-source-agent" --root "$root" --consent $base || fail "a second window"
 expect_state "unanswered" "disabled asked"
 click 265 180; ended "consent 好" 0; expect_state 好 enabled
 sources deny $base; unanswered_request

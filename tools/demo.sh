@@ -53,14 +53,19 @@ frame() {
   import -silent -window root "$work/$frames.ppm" || fail "no frame"
   animation="$animation -d $1 $work/$frames.png"
 }
-frames_until() { until "$@"; do frame 180; done; }
+frames_until() {
+  until "$@"; do
+    [ $frames -lt 200 ] || fail "not reached: $*"
+    frame 180
+  done
+}
 click() { xdotool mousemove --window "$1" "$2" "$3" sleep 0.1 click 1; }
 log_has() { grep -qs "$1" "$root/tmp/tessal_installer_ui.log"; }
 
 # The steps of the script are slowed down, so that the bar can be seen moving.
 slow_app="$work/Orvane Installer.app"
 cp -R "$app" "$slow_app"
-sed -E 's/^( *)((log|step) .*)/\1sleep 0.4; \2/' "$app/Contents/Resources/install.sh" \
+sed -E 's/^( *)(step |log )/\1sleep 0.5; \2/' "$app/Contents/Resources/install.sh" \
   >"$slow_app/Contents/Resources/install.sh"
 
 "$slow_app/Contents/MacOS/Orvane Installer" --root "$root" & installer=$!
