@@ -65,11 +65,10 @@ class Uninstallation {
     platform::emptyLogFile(platform::onDisk(kScriptLogPath));
     const std::string source =
         platform::composeAdminScriptSource({script->string(), adminPrompt()});
-    const auto problem = platform::asyncOnWorker([this, source] {
+    platform::asyncOnWorker([this, source] {
       const auto error = platform::executeAdminScript(source);
       platform::asyncOnMain([this, error] { scriptEnded(error); });
     });
-    if (problem) fail(*problem);
   }
 
  private:

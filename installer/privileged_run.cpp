@@ -59,9 +59,7 @@ void ContentView::startInstallation() {
       self->finishPrivilegedRun(error);
     });
   };
-  const auto problem = platform::asyncOnWorker(
-      [source, handOver] { handOver(platform::executeAdminScript(source)); });
-  if (problem) handOver(platform::AdminScriptError{std::nullopt, *problem});
+  platform::asyncOnWorker([source, handOver] { handOver(platform::executeAdminScript(source)); });
 }
 
 void ContentView::finishPrivilegedRun(const std::optional<platform::AdminScriptError>& error) {

@@ -6,8 +6,6 @@
 #include <chrono>
 #include <functional>
 #include <memory>
-#include <optional>
-#include <string>
 
 namespace platform {
 
@@ -15,11 +13,11 @@ using Block = std::function<void()>;
 using Seconds = std::chrono::duration<double>;
 using WallClock = std::chrono::system_clock;
 
-/// Puts `block` at the end of the main queue and returns at once. Callable on any
-/// thread. Blocks run on the main thread, one at a time, in the order of the
-/// calls. Timers, input and drawing run as well, but not after every block. A block that is still
-/// queued when the process ends may be destroyed unrun, or never. The calling thread does not
-/// destroy a block that it has put there.
+/// Puts `block` at the end of the main queue and returns at once. Any thread.
+/// Blocks run on the main thread, one at a time, in the order of the calls. Timers,
+/// input and drawing get their turn between them, but not after every block. The
+/// calling thread never destroys the block. One that is still queued when the
+/// process ends is not run.
 void asyncOnMain(Block block);
 
 /// Does the same, but not before `delay` has passed. Main thread only.
@@ -52,8 +50,7 @@ class Timer {
 WallClock::time_point now();
 
 /// Runs `block` on a background worker of quality of service userInitiated and
-/// returns at once. Absent, or why there is no worker for it, for the user. The
-/// process may end while the block runs.
-[[nodiscard]] std::optional<std::string> asyncOnWorker(Block block);
+/// returns at once. The process may end while the block runs.
+void asyncOnWorker(Block block);
 
 }  // namespace platform

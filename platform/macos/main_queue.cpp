@@ -85,10 +85,9 @@ WallClock::time_point now() {
   return WallClock::now();
 }
 
-std::optional<std::string> asyncOnWorker(Block block) {
+void asyncOnWorker(Block block) {
   dispatch_async_f(dispatch_get_global_queue(QOS_CLASS_USER_INITIATED, 0),
                    handOver(std::move(block)), runOnce);
-  return std::nullopt;  // the system makes one, sooner or later
 }
 
 }  // namespace platform

@@ -86,7 +86,6 @@ class Platform {
   std::function<void()> duringAdminScript;
   std::function<void()> duringLaunch;
   std::optional<std::string> launchProblem;
-  std::optional<std::string> workerProblem;
   /// Of the latest child, as long as there is one.
   platform::ChildProcess::OutputHandler outputHandler;
   const platform::ChildProcess* speaking = nullptr;
