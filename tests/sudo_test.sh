@@ -51,11 +51,9 @@ askpass() { # askpass NAME COMMAND
   chmod 755 "$machine/app/askpass-$1"
 }
 askpass right "cat /app/password"
-askpass slow "sleep 1; cat /app/password"
 askpass wrong "echo falsch"
 askpass closed "exit 1"
 askpass mistyped-then-closed 'if [ -e /tmp/mistyped ]; then exit 1; fi; : >/tmp/mistyped; echo falsch'
-askpass late ': >/tmp/late; until [ -e /tmp/answer ]; do sleep 0.1; done; cat /app/password'
 askpass asleep ': >/tmp/asleep; exec sleep 50'
 echo "$password" >"$machine/app/password"
 ui_log=$machine/tmp/tessal_installer_ui.log
@@ -63,8 +61,7 @@ ui_log=$machine/tmp/tessal_installer_ui.log
 # row NAME ENVIRONMENT EXPECTED_STATUS UI_LOG: the log is empty if that is "".
 row() {
   rm -f "$ui_log"
-  as_user "ulimit -c unlimited; cd /tmp; timeout 100 env $2 '$app/Contents/MacOS/orvane-install' --no-wait" \
-    >"$machine/out" 2>&1
+  as_user "cd /tmp; timeout 100 env $2 '$app/Contents/MacOS/orvane-install' --no-wait" >"$machine/out" 2>&1
   status=$?
   echo "$1: $status"
   expect "$1: exit status" $status "$3"
@@ -75,28 +72,21 @@ row() {
   fi
 }
 
-row closed SUDO_ASKPASS=/app/askpass-closed 2 ''
-for language in de zh_CN; do
-  row "closed, in $language" "LANG=$language.UTF-8 LANGUAGE=$language:fr SUDO_ASKPASS=/app/askpass-closed" 2 ''
-done
+row "closed, in German" "LANGUAGE=de SUDO_ASKPASS=/app/askpass-closed" 2 ''
 row mistyped-then-closed SUDO_ASKPASS=/app/askpass-mistyped-then-closed 2 ''
-row wrong SUDO_ASKPASS=/app/askpass-wrong 1 '管理员授权失败: .*'
-grep -q 'incorrect password' "$ui_log" || fail "the UI log does not say why"
 row "wrong, in German" "LANGUAGE=de SUDO_ASKPASS=/app/askpass-wrong" 1 'incorrect password'
 row "no askpass" SUDO_ASKPASS=/app/none 1 '/app/none: No such file'
-row "askpass that cannot run" SUDO_ASKPASS=/app/password 1 '/app/password: Permission denied'
-row "no display, no terminal" "-u DISPLAY setsid -w" 1 'cannot ask for the password'
+row "no display, no terminal" "-u DISPLAY setsid -w" 1 'a terminal is required'
+row "a display that is not there" "DISPLAY=:99" 1 'cannot ask for the password'
 mv "$rule" "$machine/rule"
-row "not allowed" SUDO_ASKPASS=/app/askpass-right 2 ''
 row "not allowed, in German" "LANGUAGE=de SUDO_ASKPASS=/app/askpass-right" 2 ''
 echo 'installer-tester ALL=(ALL:ALL) /bin/true' >"$rule"
 row "another command allowed" SUDO_ASKPASS=/app/askpass-right 2 ''
 mv -f "$machine/rule" "$rule"
-mv "$machine/app/password" "$machine/password"
 
-begin() { # begin ASKPASS [COMMANDS]: the installer, as $front
+begin() { # begin ASKPASS: the installer, as $front
   rm -f "$ui_log"
-  as_user "${2:-} SUDO_ASKPASS=/app/askpass-$1 exec '$app/Contents/MacOS/orvane-install'" >"$machine/out" 2>&1 & front=$!
+  as_user "SUDO_ASKPASS=/app/askpass-$1 exec '$app/Contents/MacOS/orvane-install'" >"$machine/out" 2>&1 & front=$!
 }
 
 # A prompt that is open when the installer is told to end. The names below are those
@@ -108,46 +98,26 @@ wait_for_end $front
 expect "SIGTERM at the prompt" $? 2
 await "the end of the prompt" sh -c '! pgrep -x sudo && ! pgrep -f "[a]skpass-asleep"'
 [ ! -e "$machine/Library" ] || fail "something was installed"
-mv "$machine/password" "$machine/app/password"
 
-# A password for an installer that is gone installs nothing.
-begin late
-await "the prompt" test -e "$machine/tmp/late"
-pkill -KILL -x orvane-install
-: >"$machine/tmp/answer"
-await "sudo's end" sh -c '! pgrep -x sudo'
-[ ! -e "$machine/Library" ] || fail "a killed installer's password installed"
-
-# The password is in nobody's arguments or environment while it is used.
-(
-  until [ -e "$machine/stop" ]; do
-    for process in /proc/[0-9]*; do
-      cat "$process/cmdline" "$process/environ" 2>/dev/null
-    done | grep -aq "[d]${password#d}" && : >"$machine/seen"
-  done
-) & watch=$!
-row right SUDO_ASKPASS=/app/askpass-slow 3 '启用路径：全新安装'
-: >"$machine/stop"
-wait $watch
-[ ! -e "$machine/seen" ] || fail "the password was in arguments or an environment"
-
-# In a terminal without a display. su would give it a session without the terminal.
+# In a terminal without a display, where sudo itself asks. su would give it a session
+# without the terminal.
 typed() { # typed KEYS EXPECTED_STATUS
-  in_terminal "$1" "$machine/typed" "env -u DISPLAY -u SUDO_ASKPASS HOME=/home/installer-tester chroot '$machine' \
+  : >"$machine/typed"
+  {
+    await "the prompt" grep -q 想要进行更改 "$machine/typed" >&2
+    sleep 0.3
+    # shellcheck disable=SC2059 # keys are escapes
+    printf "$1"
+    sleep 2
+  } | timeout 60 script -qefc "env -u DISPLAY -u SUDO_ASKPASS HOME=/home/installer-tester chroot '$machine' \
     setpriv --reuid=installer-tester --regid=installer-tester --init-groups \
-    '$app/Contents/MacOS/orvane-install' --no-wait"
+    '$app/Contents/MacOS/orvane-install' --no-wait" "$machine/typed" >/dev/null
   expect "typed in the terminal: $1" $? "$2"
   ! grep -qF "$password" "$machine/typed" || fail "the password is shown"
 }
-typed "$password\n" 3
 typed "das\003" 2
-
-# What a core file of the installer holds is looked through at the end.
-begin right "ulimit -c unlimited; cd /tmp;"
-await "the waiting phase" grep -q trigger=enter-waiting "$ui_log"
-pkill -ABRT -x orvane-install
-wait_for_end $front
-[ "$(cat /proc/sys/kernel/core_pattern)" != core ] || [ -s "$machine/tmp/core" ] || fail "no core file"
+typed "\004" 2
+typed "$password\n" 3
 
 echo "right, and allowed"
 begin right
@@ -157,29 +127,20 @@ sources allow com.tessal.inputmethod.Orvane
 wait_for_end $front
 expect "exit status" $? 0
 expect "current source" "$(sources current)" com.tessal.inputmethod.Orvane.pinyin
-[ "$(stat -c %U:%G "$machine/Library/Input Methods/Orvane.app")" = root:root ] ||
-  fail "the bundle is not root's"
+expect "owner" "$(stat -c %U:%G "$machine/Library/Input Methods/Orvane.app")" root:root
 grep -q finish "$machine/tmp/tessal_installer.log" || fail "no finish in the install log"
 grep -q 'Orvane Installer 想要进行更改' "$machine/tmp/prompts" || fail "another prompt"
 
 # Through the same prompt it goes again.
 removed() { # removed ASKPASS EXPECTED_STATUS
-  rm -f "$machine/tmp/mistyped"
   as_user "cd /tmp; SUDO_ASKPASS=/app/askpass-$1 timeout 100 '$app/Contents/MacOS/orvane-install' uninstall --yes" \
     >"$machine/out" 2>&1
   expect "uninstall, $1" $? "$2"
 }
 removed closed 2
-removed mistyped-then-closed 2
-removed wrong 1
 [ -d "$machine/Library/Input Methods/Orvane.app" ] || fail "removed without a password"
-expect "current source after refusals" "$(sources current)" com.tessal.inputmethod.Orvane.pinyin
 removed right 0
-for bundle in "$machine/Library/Input Methods"/*.app "$machine/Applications"/*.app; do
-  [ ! -e "$bundle" ] || fail "left: $bundle"
-done
-expect "current source after removal" "$(sources current)" com.apple.keylayout.ABC
-expect "owner of the log" "$(inside stat -c %U /tmp/tessal_uninstaller_ui.log)" installer-tester
+[ ! -e "$machine/Library/Input Methods/Orvane.app" ] || fail "not removed"
 
 # A script with root's rights is asked to stop, and cannot be killed, but the installer
 # ends.  told_to_end WHAT SCRIPT FILE TEXT: FILE then tells the text.
@@ -195,10 +156,5 @@ told_to_end() {
 readonly hold='echo holding >>/tmp/tessal_installer.log; sleep'
 told_to_end "root's script runs" "trap 'echo stopped >&2; exit 9' TERM; $hold 30 & wait" "$ui_log" '管理员授权失败: stopped'
 told_to_end "a script runs that ignores it" "trap '' TERM INT HUP; $hold 5" "$machine/out" 无法中止
-await "the script's end" sh -c '! pgrep -x sudo'
-
-rm -f "$machine/app/password" "$machine"/app/askpass-*
-! grep -raqF "$password" "$machine/tmp" "$machine/home" "$machine/var" "$machine/run" "$machine/out" "$machine/Library" ||
-  fail "the password was written: $(grep -ralF "$password" "$machine/tmp" "$machine/home" "$machine/var" "$machine/run")"
 
 finish

@@ -27,19 +27,6 @@ wait_for_end() {
   return $ended_with
 }
 
-# in_terminal KEYS TRANSCRIPT COMMAND: what somebody types in a terminal once it asks for a
-# password. The status is the command's, or 99 if the terminal does not echo afterwards.
-in_terminal() {
-  : >"$2"
-  {
-    await "the prompt" grep -q 想要进行更改 "$2" >&2
-    sleep 0.3
-    # shellcheck disable=SC2059 # keys are escapes
-    printf "$1"
-    sleep 2
-  } | timeout 60 script -qefc "$3; s=\$?; stty -a | grep -q ' echo ' || s=99; exit \$s" "$2" >/dev/null
-}
-
 # use_bundle APP_BUNDLE: $app, and $work, a folder of the test's own, which goes with the test.
 use_bundle() {
   app=$(cd "$1" && pwd -P) || exit 1
@@ -58,7 +45,7 @@ sources() { "$app/Contents/Helpers/input-sources" --root "$root" "$@"; }
 # finding itself.
 nothing_left() {
   grep -lsa -e "[/]${work#/}/" /proc/[0-9]*/cmdline >"$work/left"
-  grep -lsazxF -e "INSTALL_ROOT=$root" -e "ORVANE_INSTALLER_PROCESS=$front" /proc/[0-9]*/environ >>"$work/left"
+  grep -lsazxF -e "INSTALL_ROOT=$root" /proc/[0-9]*/environ >>"$work/left"
   [ ! -s "$work/left" ]
 }
 

@@ -1,43 +1,66 @@
 #include "platform/child_process.h"
 
 #include <poll.h>
-#include <sys/ioctl.h>
+#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
-#include <mutex>
 #include <system_error>
 #include <thread>
 #include <utility>
 
 #include "platform/posix/descriptor.h"
-#include "platform/posix/spawn.h"
+
+#ifdef __APPLE__
+#include <crt_externs.h>
+#define environ (*_NSGetEnviron())
+#else
+extern char** environ;  // NOLINT(readability-redundant-declaration): POSIX has no header for it
+#endif
 
 namespace platform {
 namespace {
 
-using namespace std::chrono_literals;
+/// Starts a program. Its output goes to this descriptor, its input is empty, and it
+/// leads a group of its own; without a descriptor it gets our streams and group.
+/// 0, or the error number.
+int spawn(pid_t& child, const std::string& program, const std::vector<std::string>& arguments,
+          int output = -1) {
+  std::vector<char*> words = {const_cast<char*>(program.c_str())};
+  for (const std::string& argument : arguments)
+    words.push_back(const_cast<char*>(argument.c_str()));
+  words.push_back(nullptr);
 
-// How long a child that is no longer wanted gets to end by itself.
-constexpr auto kPatience = 500ms;
-// As long as runAndWait() waits.
-constexpr auto kLongestRun = 2000ms;
-
-int exitStatus(int status) {
-  return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+  posix_spawn_file_actions_t streams{};
+  posix_spawn_file_actions_init(&streams);
+  posix_spawnattr_t attributes{};
+  posix_spawnattr_init(&attributes);
+  int flags = 0;
+  if (output >= 0) {
+    posix_spawn_file_actions_addopen(&streams, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    posix_spawn_file_actions_adddup2(&streams, output, STDOUT_FILENO);
+    posix_spawn_file_actions_adddup2(&streams, output, STDERR_FILENO);
+    flags |= POSIX_SPAWN_SETPGROUP;
+  }
+#ifdef __APPLE__
+  flags |= POSIX_SPAWN_CLOEXEC_DEFAULT;
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+    if (output < 0) posix_spawn_file_actions_addinherit_np(&streams, stream);
+#endif
+  posix_spawnattr_setflags(&attributes, static_cast<short>(flags));
+  const int error =
+      posix_spawn(&child, program.c_str(), &streams, &attributes, words.data(), environ);
+  posix_spawnattr_destroy(&attributes);
+  posix_spawn_file_actions_destroy(&streams);
+  return error;
 }
 
-/// Waits for the end of a child and leaves it to be reaped, so that its number
-/// stays taken.
-void awaitEnd(pid_t child) {
-  siginfo_t info;
-  while (::waitid(P_PID, static_cast<id_t>(child), &info, WEXITED | WNOWAIT) != 0 &&
-         errno == EINTR) {
+void reap(pid_t child) {
+  while (::waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
   }
 }
 
@@ -47,179 +70,79 @@ struct ChildProcess::Impl {
   std::string launchPath;
   std::vector<std::string> arguments;
   OutputHandler outputHandler;
-  ChildOptions options;
-
-  mutable std::mutex mutex;  // guards the next three
-  mutable pid_t child = 0;   // 0: not launched, or reaped
-  mutable int status = 0;
-  bool isEnding = false;
-
+  pid_t child = 0;  // 0: not launched; reaped at the very end, so that its number stays taken
   Descriptor output;
-  Pipe stop;  // its write end closed: nobody writes any more, read what is there
   std::thread reader;
 
-  /// Holding the mutex. Whether there is no child, or it has just been reaped.
-  bool reap() const {
-    if (child == 0) return true;
+  bool isRunning() const {
     siginfo_t info{};
-    if (::waitid(P_PID, static_cast<id_t>(child), &info, WEXITED | WNOHANG | WNOWAIT) == 0 &&
-        info.si_pid == 0)
-      return false;
-    // While the child is there to be reaped, its group bears its number.
-    if (isEnding) ::kill(-child, SIGKILL);
-    while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
-    }
-    child = 0;
-    return true;
+    const auto id = static_cast<id_t>(child);
+    return child != 0 && ::waitid(P_PID, id, &info, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+           info.si_pid == 0;
   }
 
-  bool hasEnded() const {
-    const std::lock_guard lock(mutex);
-    return reap();
-  }
-
-  void signalGroup(int number) const {
-    const std::lock_guard lock(mutex);
-    if (child != 0) ::kill(-child, number);
-  }
-
-  bool handOn(std::size_t limit, std::array<char, 64 * 1024>& buffer, std::size_t& count) const {
-    const ssize_t got = ::read(output.get(), buffer.data(), std::min(limit, buffer.size()));
-    if (got < 0) {
-      count = 0;
-      return errno == EINTR || errno == EAGAIN;
-    }
-    count = static_cast<std::size_t>(got);
-    if (count > 0) outputHandler({buffer.data(), count});
-    return count > 0;
-  }
-
+  /// Hands the output on until the pipe ends. A program that the child has started
+  /// may hold the pipe open: then until the child has ended and nothing more comes.
   void read() const {
+    constexpr int kGrace = 200;  // milliseconds
     std::array<char, 64 * 1024> buffer;
-    std::size_t count = 0;
+    pollfd pipe{output.get(), POLLIN, 0};
     for (;;) {
-      std::array<pollfd, 2> watched = {
-          {{output.get(), POLLIN, 0}, {stop.readEnd.get(), POLLIN, 0}}};
-      if (::poll(watched.data(), watched.size(), -1) < 0) {
-        if (errno != EINTR) return;
-      } else if (watched[1].revents != 0) {
-        break;
-      } else if (watched[0].revents != 0 && !handOn(buffer.size(), buffer, count)) {
+      const bool isAlive = isRunning();
+      const int ready = ::poll(&pipe, 1, kGrace);
+      if (ready == 0 && !isAlive) return;
+      if (ready <= 0) continue;
+      const ssize_t count = ::read(output.get(), buffer.data(), buffer.size());
+      if (count > 0)
+        outputHandler({buffer.data(), static_cast<std::size_t>(count)});
+      else if (count == 0 || errno != EINTR)
         return;
-      }
     }
-    // What is in the pipe now and no more: someone else may hold it and write on.
-    int left = 0;
-    if (::ioctl(output.get(), FIONREAD, &left) != 0) return;
-    for (auto rest = static_cast<std::size_t>(left); rest > 0; rest -= count)
-      if (!handOn(rest, buffer, count)) return;
-  }
-
-  int startReader() {
-    try {
-      reader = std::thread([this] { read(); });
-      return 0;
-    } catch (const std::system_error& error) {
-      return error.code().value();
-    }
-  }
-
-  void stopReader() {
-    stop.writeEnd.close();
-    if (reader.joinable()) reader.join();
   }
 };
 
 ChildProcess::ChildProcess(std::string launchPath, std::vector<std::string> arguments,
-                           OutputHandler outputHandler, ChildOptions options)
+                           OutputHandler outputHandler)
     : impl_(std::make_unique<Impl>()) {
   impl_->launchPath = std::move(launchPath);
   impl_->arguments = std::move(arguments);
   impl_->outputHandler = std::move(outputHandler);
-  impl_->options = std::move(options);
 }
 
 ChildProcess::~ChildProcess() {
-  end(kPatience);
-  impl_->stopReader();
+  if (impl_->child == 0) return;
+  ::kill(-impl_->child, SIGKILL);
+  if (impl_->reader.joinable()) impl_->reader.join();
+  reap(impl_->child);
 }
 
 std::optional<std::string> ChildProcess::launch() {
   Pipe pipe = makePipe();
-  impl_->stop = makePipe();
-  int error = pipe.readEnd && impl_->stop.readEnd ? 0 : errno;
+  pid_t child = 0;
+  const int error =
+      pipe.readEnd ? spawn(child, impl_->launchPath, impl_->arguments, pipe.writeEnd.get()) : errno;
+  if (error != 0) return impl_->launchPath + ": " + std::strerror(error);
+  impl_->child = child;
   impl_->output = std::move(pipe.readEnd);
-  // Before the child: one that nobody listens to must not run.
-  if (error == 0) error = impl_->startReader();
-  if (error == 0) {
-    SpawnOptions spawning;
-    spawning.environment = impl_->options.environment;
-    spawning.ownGroup = true;
-    spawning.standardInput = kNullDevice;
-    spawning.standardOutput =
-        impl_->options.capture == Capture::everything ? pipe.writeEnd.get() : kNullDevice;
-    spawning.standardError = pipe.writeEnd.get();
-    const std::lock_guard lock(impl_->mutex);
-    error = spawn(impl_->child, impl_->launchPath, impl_->arguments, spawning);
-    if (error != 0) impl_->child = 0;
+  try {
+    impl_->reader = std::thread([impl = impl_.get()] { impl->read(); });
+  } catch (const std::system_error& problem) {
+    return impl_->launchPath + ": " + problem.what();
   }
-  if (error == 0) return std::nullopt;
-  impl_->stopReader();
-  return impl_->launchPath + ": " + std::strerror(error);
+  return std::nullopt;
 }
 
 bool ChildProcess::isRunning() const {
-  return !impl_->hasEnded();
-}
-
-int ChildProcess::wait() {
-  pid_t child = 0;
-  {
-    const std::lock_guard lock(impl_->mutex);
-    child = impl_->child;
-  }
-  if (child != 0) awaitEnd(child);
-  impl_->hasEnded();
-  const std::lock_guard lock(impl_->mutex);
-  return exitStatus(impl_->status);
+  return impl_->isRunning();
 }
 
 void ChildProcess::terminate() {
-  impl_->signalGroup(SIGTERM);
-}
-
-bool ChildProcess::end(std::chrono::milliseconds patience) {
-  {
-    const std::lock_guard lock(impl_->mutex);
-    if (impl_->reap()) return true;
-    impl_->isEnding = true;
-  }
-  constexpr auto kStep = 5ms;
-  constexpr int kStepsBetweenRequests = 20;
-  for (int step = 0; step * kStep < patience; ++step) {
-    // More than once: a program that the child is just starting misses the first.
-    if (step % kStepsBetweenRequests == 0) impl_->signalGroup(SIGTERM);
-    if (impl_->hasEnded()) return true;
-    std::this_thread::sleep_for(kStep);
-  }
-  impl_->signalGroup(SIGKILL);
-  for (int step = 0; step < kStepsBetweenRequests; ++step) {
-    if (impl_->hasEnded()) return true;
-    std::this_thread::sleep_for(kStep);
-  }
-  return false;
+  if (impl_->child != 0) ::kill(-impl_->child, SIGTERM);
 }
 
 void runAndWait(const std::string& launchPath, const std::vector<std::string>& arguments) {
   pid_t child = 0;
-  if (spawn(child, launchPath, arguments, {}) != 0) return;
-  constexpr auto kStep = 1ms;
-  for (auto waited = 0ms; waited < kLongestRun; waited += kStep) {
-    if (::waitpid(child, nullptr, WNOHANG) != 0) return;
-    std::this_thread::sleep_for(kStep);
-  }
-  ::kill(child, SIGKILL);
-  ::waitpid(child, nullptr, WNOHANG);
+  if (spawn(child, launchPath, arguments) == 0) reap(child);
 }
 
 }  // namespace platform

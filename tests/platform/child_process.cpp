@@ -11,7 +11,7 @@ struct ChildProcess::Impl {
   bool isRunning = false;
 };
 ChildProcess::ChildProcess(std::string launchPath, std::vector<std::string> arguments,
-                           OutputHandler outputHandler, ChildOptions /*options*/)
+                           OutputHandler outputHandler)
     : impl_(std::make_unique<Impl>()) {
   impl_->command = std::move(launchPath);
   for (const auto& argument : arguments) impl_->command += " " + argument;
@@ -36,13 +36,6 @@ bool ChildProcess::isRunning() const {
 void ChildProcess::terminate() {
   test::note("terminate");
   if (std::exchange(impl_->isRunning, false)) --test::active->runningChildren;
-}
-int ChildProcess::wait() {
-  return 0;
-}
-bool ChildProcess::end(std::chrono::milliseconds /*patience*/) {
-  terminate();
-  return true;
 }
 void runAndWait(const std::string& launchPath, const std::vector<std::string>& arguments) {
   std::string command = launchPath;
