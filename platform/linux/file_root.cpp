@@ -8,46 +8,39 @@ namespace platform {
 
 namespace {
 
-std::optional<std::filesystem::path>& root() {
-  static std::optional<std::filesystem::path> folder;
-  return folder;
-}
-
-std::optional<std::filesystem::path>& store() {
-  static std::optional<std::filesystem::path> folder;
-  return folder;
-}
+std::optional<std::filesystem::path> root;
+std::optional<std::filesystem::path> store;
 
 }  // namespace
 
 std::filesystem::path onDisk(const std::filesystem::path& path) {
-  return root() ? *root() / path.relative_path() : path;
+  return root ? *root / path.relative_path() : path;
 }
 
 namespace linux_ {
 
 void setUserStore(const std::filesystem::path& folder) {
-  store() = folder;
+  store = folder;
 }
 
 void setFileRoot(const std::filesystem::path& folder) {
-  root() = folder;
+  root = folder;
 }
 
 std::optional<std::filesystem::path> fileRoot() {
-  return root();
+  return root;
 }
 
 std::vector<std::string> rootArguments() {
   std::vector<std::string> arguments;
-  if (root()) arguments = {"--root", root()->string()};
-  if (store()) arguments.insert(arguments.end(), {"--home", store()->string()});
+  if (root) arguments = {"--root", root->string()};
+  if (store) arguments.insert(arguments.end(), {"--home", store->string()});
   return arguments;
 }
 
 std::filesystem::path userStore() {
-  if (store()) return *store();
-  if (root()) return *root() / "user";
+  if (store) return *store;
+  if (root) return *root / "user";
   const QString dataHome = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
   return std::filesystem::path(dataHome.toStdString()) / "orvane-workbench";
 }

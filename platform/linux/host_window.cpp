@@ -4,7 +4,6 @@
 
 #include <QEvent>
 #include <QWindow>
-#include <cmath>
 #include <utility>
 
 namespace platform {
@@ -19,50 +18,27 @@ Rect toRect(const QRect& rect) {
           static_cast<double>(rect.width()), static_cast<double>(rect.height())};
 }
 
-/// The largest size in whole points, up to this one, that is one in whole pixels too.
-/// The edge of another is drawn only in part, and stays dark.
-QSize wholeSize(const QWindow& window, const QSizeF& size) {
-  const auto whole = [ratio = window.devicePixelRatio()](double length) {
-    constexpr int kMostLost = 4;  // points: every quarter of a scale is whole within these
-    for (int points = static_cast<int>(length); points > length - kMostLost; --points)
-      if (points * ratio == std::floor(points * ratio)) return points;
-    return static_cast<int>(length);
-  };
-  return {whole(size.width()), whole(size.height())};
-}
-
-/// What the window does when the user asks it to close or minimises it. Belongs
-/// to the window and so outlives the HostWindow.
-class WindowGuard : public QObject {
+/// Asks when the user wants to close the window. Belongs to the window and so
+/// outlives the HostWindow.
+class CloseQuestion : public QObject {
  public:
-  static WindowGuard& of(QWindow& window) {
+  static CloseQuestion& of(QWindow& window) {
     for (QObject* child : window.children())
-      if (auto* guard = dynamic_cast<WindowGuard*>(child)) return *guard;
-    return *new WindowGuard(window);  // the window owns it
+      if (auto* question = dynamic_cast<CloseQuestion*>(child)) return *question;
+    return *new CloseQuestion(window);  // the window owns it
   }
 
-  std::function<bool()> shouldClose = [] { return true; };
+  std::function<bool()> shouldClose;
 
  protected:
   bool eventFilter(QObject* /*watched*/, QEvent* event) override {
-    if (event->type() == QEvent::Close && !shouldClose()) {
-      event->ignore();
-      return true;
-    }
-    // Not every window manager keeps to the hint.
-    if (event->type() == QEvent::WindowStateChange &&
-        window_.windowStates().testFlag(Qt::WindowMinimized) &&
-        !window_.flags().testFlag(Qt::WindowMinimizeButtonHint))
-      window_.showNormal();
-    return false;
+    if (event->type() != QEvent::Close || shouldClose()) return false;
+    event->ignore();
+    return true;
   }
 
  private:
-  explicit WindowGuard(QWindow& window) : QObject(&window), window_(window) {
-    window.installEventFilter(this);
-  }
-
-  QWindow& window_;
+  explicit CloseQuestion(QWindow& window) : QObject(&window) { window.installEventFilter(this); }
 };
 
 }  // namespace
@@ -92,15 +68,13 @@ Rect HostWindow::frameRectForContentRect(const Rect& content) const {
 }
 
 void HostWindow::setFrame(const Rect& frame) {
-  const QRectF content = QRectF(frame.x, frame.y, frame.width, frame.height)
-                             .marginsRemoved(QMarginsF(impl_->window.frameMargins()));
-  const QSize size = wholeSize(impl_->window, content.size());
-  impl_->window.setGeometry(
-      QRectF(content.center() - QPointF(size.width(), size.height()) / 2, size).toRect());
+  impl_->window.setGeometry(QRectF(frame.x, frame.y, frame.width, frame.height)
+                                .marginsRemoved(QMarginsF(impl_->window.frameMargins()))
+                                .toRect());
 }
 
 void HostWindow::setFixedContentSize(const Size& size) {
-  const QSize fixed = wholeSize(impl_->window, {size.width, size.height});
+  const QSize fixed = QSizeF(size.width, size.height).toSize();
   impl_->window.setMinimumSize(fixed);
   impl_->window.setMaximumSize(fixed);
 }
@@ -117,7 +91,7 @@ void HostWindow::removeSizeControls() {
 }
 
 void HostWindow::setShouldClose(std::function<bool()> shouldClose) {
-  WindowGuard::of(impl_->window).shouldClose = std::move(shouldClose);
+  CloseQuestion::of(impl_->window).shouldClose = std::move(shouldClose);
 }
 
 }  // namespace platform

@@ -1,6 +1,5 @@
 #include "platform/program.h"
 
-#include <fcntl.h>
 #include <unistd.h>
 #include <utf8.h>
 
@@ -32,49 +31,6 @@ std::optional<std::string> useFolder(const std::string& directory,
   return std::nullopt;
 }
 
-/// Carries a signal out of its handler onto the main queue.
-class TerminationSignals {
- public:
-  static TerminationSignals& instance() {
-    static TerminationSignals carrier;
-    return carrier;
-  }
-
-  void onSignal(Block block) {
-    block_ = std::move(block);
-    if (pipe_.readEnd) return;
-    pipe_ = makePipe();
-    if (!pipe_.readEnd) return;
-    for (const Descriptor* end : {&pipe_.readEnd, &pipe_.writeEnd})
-      ::fcntl(end->get(), F_SETFL, O_NONBLOCK);
-    // Once the main loop is there to watch it.
-    asyncOnMain([this] {
-      notifier_ = std::make_unique<QSocketNotifier>(pipe_.readEnd.get(), QSocketNotifier::Read);
-      QObject::connect(notifier_.get(), &QSocketNotifier::activated, [this] {
-        char signal = 0;
-        while (::read(pipe_.readEnd.get(), &signal, 1) > 0) asyncOnMain(block_);
-      });
-    });
-    struct sigaction action {};
-    action.sa_handler = [](int signal) {
-      const char byte = static_cast<char>(signal);
-      [[maybe_unused]] const auto written = ::write(instance().pipe_.writeEnd.get(), &byte, 1);
-    };
-    action.sa_flags = SA_RESTART;
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT})
-      ::sigaction(signal, &action, nullptr);
-    // When the reader of our output goes, the run goes on.
-    ::signal(SIGPIPE, SIG_IGN);
-  }
-
-  void stop() { notifier_.reset(); }
-
- private:
-  Pipe pipe_;
-  std::unique_ptr<QSocketNotifier> notifier_;
-  Block block_;
-};
-
 }  // namespace
 
 std::vector<PlatformOption> platformOptions() {
@@ -89,9 +45,7 @@ int runMainLoop() {
   static std::array<char, 8> name = {"orvane"};
   static std::array<char*, 2> argv = {name.data(), nullptr};
   QCoreApplication application(argc, argv.data());
-  const int status = QCoreApplication::exec();
-  TerminationSignals::instance().stop();
-  return status;
+  return QCoreApplication::exec();
 }
 
 void endMainLoop(int status) {
@@ -99,7 +53,31 @@ void endMainLoop(int status) {
 }
 
 void onTerminationRequest(Block block) {
-  TerminationSignals::instance().onSignal(std::move(block));
+  static Block latest;
+  const bool isFirst = !latest;
+  latest = std::move(block);
+  if (!isFirst) return;
+  // The way of a signal out of its handler.
+  static const Pipe pipe = makePipe();
+  // Once there is an application to watch it.
+  asyncOnMain([] {
+    // NOLINTNEXTLINE(cppcoreguidelines-owning-memory): the application owns it
+    const auto* notifier = new QSocketNotifier(pipe.readEnd.get(), QSocketNotifier::Read,
+                                               QCoreApplication::instance());
+    QObject::connect(notifier, &QSocketNotifier::activated, [] {
+      char signal = 0;
+      if (::read(pipe.readEnd.get(), &signal, 1) == 1) asyncOnMain(latest);
+    });
+  });
+  struct sigaction action {};
+  action.sa_handler = [](int /*signal*/) {
+    [[maybe_unused]] const auto written = ::write(pipe.writeEnd.get(), "", 1);
+  };
+  action.sa_flags = SA_RESTART;
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) ::sigaction(signal, &action, nullptr);
+  // When the reader of our output goes, the run goes on. Not SIG_IGN, which children
+  // would inherit.
+  ::signal(SIGPIPE, [](int /*signal*/) {});
 }
 
 }  // namespace platform
