@@ -26,10 +26,9 @@ inline constexpr int kAdminScriptCancelled = -128;
 /// error as the message; a source of another form gives an error that says so.
 std::optional<AdminScriptError> executeAdminScript(const std::string& source);
 
-/// Ends the script that is being executed, within a second and as far as the
-/// system lets this process do so: a pending password prompt is dismissed, and a
-/// script is sent SIGTERM; one of the same user is killed if it does not heed that.
-/// None is started any more. False if a script with higher rights runs on. Main thread.
+/// Asks the script or password prompt that is running to end, and waits for that
+/// for a second at most. No script is started afterwards. False if it still runs:
+/// macOS and root's rights keep this process from ending it. Main thread.
 bool interruptAdminScript();
 
 }  // namespace platform

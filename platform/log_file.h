@@ -1,8 +1,8 @@
 // The files of an installation's log. They lie in a folder that everybody may
-// write, so anything may have been put in their place. Only a regular file with
-// one name is opened, never through a link; all else counts as a log that cannot
-// be opened, and a log that cannot be written stops nothing. Any thread; no call
-// blocks.
+// write, so anything may have been put in their place. A log is a regular file with
+// one name that belongs to this user or to root; a link is none, wherever it leads.
+// Nothing else is written, and a log that cannot be written stops nothing. Any
+// thread; no call blocks.
 
 #pragma once
 
@@ -18,8 +18,7 @@ void emptyLogFile(const std::filesystem::path& path);
 /// is ignored.
 void appendToLogFile(const std::filesystem::path& path, std::string_view entry);
 
-/// Whether a log lies there that can be believed: a regular file with one name that
-/// belongs to this user or to root. A link is none, wherever it leads.
+/// Whether such a log lies there.
 bool isOwnLogFile(const std::filesystem::path& path);
 
 }  // namespace platform

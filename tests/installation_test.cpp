@@ -1,5 +1,7 @@
 // The state, the logs, the privileged run and the progress from its log.
 
+#include <unistd.h>
+
 #include "tests/view_test.h"
 
 namespace {
@@ -184,6 +186,17 @@ TEST_F(InstallationTest, LogOfSomebodyElseIsNotFollowed) {
   platform.duringLaunch = nullptr;
   std::filesystem::remove(log);
   EXPECT_TRUE(isFollowed());
+
+  // Only root can give a file away.
+  const auto giveAway = [](const std::filesystem::path& file) {
+    return ::chown(file.c_str(), 54321, -1) == 0;
+  };
+  if (!giveAway(log)) return;
+  EXPECT_FALSE(isFollowed());
+  const std::string before = uiLog();
+  ASSERT_TRUE(giveAway(platform.root / "tmp/tessal_installer_ui.log"));
+  view->userPressedInstall();
+  EXPECT_EQ(uiLog(), before) << "a log of somebody else was written";
 }
 
 TEST_F(InstallationTest, RefusalAndFailureKeepTheRunOnScreen) {

@@ -21,19 +21,12 @@ if [ "${1:-}" != --inside ]; then
 fi
 
 app=$2 machine=$3
-mount -t tmpfs -o mode=755 tmpfs "$machine" || exit 1
-# What is installed is shared; what is written is a copy, or starts empty.
-for folder in /usr /bin /sbin /lib* /opt /dev /sys /var/lib/locales; do
-  [ -e "$folder" ] || continue
-  if [ -L "$folder" ]; then
-    cp -P "$folder" "$machine$folder"
-  else
-    mkdir -p "$machine$folder" && mount --rbind "$folder" "$machine$folder"
-  fi
-done
-mkdir -p "$machine/proc" "$machine/home" "$machine/root" "$machine/run" "$machine/app" \
-  "$machine/var/log" "$machine/var/mail" "$machine/var/lib" && mkdir -m 1777 "$machine/tmp" &&
-  mount -t proc proc "$machine/proc" && cp -a /etc "$machine/" && cp -R "$app" "$machine/app/" || exit 1
+# What is there is seen, and what is written goes to memory.
+mount -t tmpfs -o mode=755 tmpfs "$machine" && mkdir "$machine/upper" "$machine/work" &&
+  mount -t overlay -o "lowerdir=/,upperdir=$machine/upper,workdir=$machine/work" overlay "$machine" 2>/dev/null ||
+  skip "no overlays here"
+mount --rbind /dev "$machine/dev" && mount -t proc proc "$machine/proc" &&
+  mount -t tmpfs -o mode=1777 tmpfs "$machine/tmp" && mkdir "$machine/app" && cp -R "$app" "$machine/app/" || exit 1
 app=/app/$(basename "$app")
 
 inside() { chroot "$machine" "$@"; }
@@ -80,9 +73,7 @@ row "no display, no terminal" "-u DISPLAY setsid -w" 1 'a terminal is required'
 row "a display that is not there" "DISPLAY=:99" 1 'cannot ask for the password'
 mv "$rule" "$machine/rule"
 row "not allowed, in German" "LANGUAGE=de SUDO_ASKPASS=/app/askpass-right" 2 ''
-echo 'installer-tester ALL=(ALL:ALL) /bin/true' >"$rule"
-row "another command allowed" SUDO_ASKPASS=/app/askpass-right 2 ''
-mv -f "$machine/rule" "$rule"
+mv "$machine/rule" "$rule"
 
 begin() { # begin ASKPASS: the installer, as $front
   rm -f "$ui_log"
@@ -116,7 +107,6 @@ typed() { # typed KEYS EXPECTED_STATUS
   ! grep -qF "$password" "$machine/typed" || fail "the password is shown"
 }
 typed "das\003" 2
-typed "\004" 2
 typed "$password\n" 3
 
 echo "right, and allowed"
@@ -130,17 +120,6 @@ expect "current source" "$(sources current)" com.tessal.inputmethod.Orvane.pinyi
 expect "owner" "$(stat -c %U:%G "$machine/Library/Input Methods/Orvane.app")" root:root
 grep -q finish "$machine/tmp/tessal_installer.log" || fail "no finish in the install log"
 grep -q 'Orvane Installer 想要进行更改' "$machine/tmp/prompts" || fail "another prompt"
-
-# Through the same prompt it goes again.
-removed() { # removed ASKPASS EXPECTED_STATUS
-  as_user "cd /tmp; SUDO_ASKPASS=/app/askpass-$1 timeout 100 '$app/Contents/MacOS/orvane-install' uninstall --yes" \
-    >"$machine/out" 2>&1
-  expect "uninstall, $1" $? "$2"
-}
-removed closed 2
-[ -d "$machine/Library/Input Methods/Orvane.app" ] || fail "removed without a password"
-removed right 0
-[ ! -e "$machine/Library/Input Methods/Orvane.app" ] || fail "not removed"
 
 # A script with root's rights is asked to stop, and cannot be killed, but the installer
 # ends.  told_to_end WHAT SCRIPT FILE TEXT: FILE then tells the text.

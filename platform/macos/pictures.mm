@@ -15,7 +15,6 @@ namespace {
 // Draws the picture into the middle of a transparent square, as large as fits.
 Image draw(NSImage* picture, int side) {
   Image image{side, side, {}};
-  if (side <= 0) return image;
   const std::size_t bytesPerRow = static_cast<std::size_t>(side) * 4;
   image.pixels.resize(bytesPerRow * static_cast<std::size_t>(side));
 
@@ -25,6 +24,7 @@ Image draw(NSImage* picture, int side) {
                                   static_cast<std::size_t>(side), 8, bytesPerRow, colours.get(),
                                   static_cast<std::uint32_t>(kCGImageAlphaPremultipliedLast) |
                                       static_cast<std::uint32_t>(kCGBitmapByteOrder32Big)));
+  if (!bitmap) return image;
   const NSSize size = picture.size;
   const double scale = side / std::max({size.width, size.height, 1.0});
   const NSSize fitted = NSMakeSize(size.width * scale, size.height * scale);

@@ -6,12 +6,19 @@
 
 #include <cerrno>
 #include <system_error>
+#include <utility>
 
 #include "platform/posix/regular_file.h"
 
 namespace platform {
 
 namespace {
+
+/// A file with a second name may be one that its owner wants to keep.
+bool isOwnLog(const struct stat& status) {
+  return S_ISREG(status.st_mode) && status.st_nlink == 1 &&
+         (status.st_uid == ::geteuid() || status.st_uid == 0);
+}
 
 /// The log, open for writing; none if it cannot be opened or must not be.
 Descriptor openLog(const std::filesystem::path& path) {
@@ -26,9 +33,8 @@ Descriptor openLog(const std::filesystem::path& path) {
         ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644));
   }
   struct stat status {};
-  // A second name may be that of a file which the user wants to keep.
-  if (!file || ::fstat(file.get(), &status) != 0 || status.st_nlink != 1) return {};
-  return file;
+  return file && ::fstat(file.get(), &status) == 0 && isOwnLog(status) ? std::move(file)
+                                                                       : Descriptor();
 }
 
 }  // namespace
@@ -41,7 +47,7 @@ void emptyLogFile(const std::filesystem::path& path) {
 
 void appendToLogFile(const std::filesystem::path& path, std::string_view entry) {
   const Descriptor file = openLog(path);
-  if (!file || ::lseek(file.get(), 0, SEEK_END) < 0) return;
+  ::lseek(file.get(), 0, SEEK_END);  // the write is tried even if this fails
   while (!entry.empty()) {
     const ssize_t count = ::write(file.get(), entry.data(), entry.size());
     if (count < 0 && errno == EINTR) continue;
@@ -52,8 +58,7 @@ void appendToLogFile(const std::filesystem::path& path, std::string_view entry) 
 
 bool isOwnLogFile(const std::filesystem::path& path) {
   struct stat status {};
-  return ::lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink == 1 &&
-         (status.st_uid == ::geteuid() || status.st_uid == 0);
+  return ::lstat(path.c_str(), &status) == 0 && isOwnLog(status);
 }
 
 }  // namespace platform
