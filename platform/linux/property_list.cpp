@@ -152,8 +152,8 @@ bool linux_::editPropertyListFile(const std::filesystem::path& file,
                           Encoder{}(after) + "</plist>\n";
   if (decode(xml) != after) return refuse(file, "a value cannot be written");
   QSaveFile fresh(name);
-  const auto size = static_cast<qint64>(xml.size());
-  if (fresh.open(QIODevice::WriteOnly) && fresh.write(xml.data(), size) == size && fresh.commit())
+  if (fresh.open(QIODevice::WriteOnly) && fresh.write(QByteArray::fromStdString(xml)) >= 0 &&
+      fresh.commit())
     return true;
   return refuse(file, fresh.errorString().toStdString());
 }

@@ -93,6 +93,20 @@ void setAllEnabled(InputSourceState& state, const std::string& bundleId, bool is
   }
 }
 
+/// Runs `block` each time `read` returns something new, until the result is destroyed.
+Observation follow(auto read, Block block) {
+  auto look = [read, seen = read(), block = std::move(block)]() mutable {
+    const auto before = std::exchange(seen, read());
+    if (seen != before) block();
+  };
+  auto timer = std::make_shared<std::unique_ptr<Timer>>();
+  // A timer needs the main loop. What changes before it runs is seen then.
+  asyncOnMain([weak = std::weak_ptr(timer), look = std::move(look)] {
+    if (const auto observed = weak.lock()) *observed = scheduleTimer(Seconds(0.2), look);
+  });
+  return timer;
+}
+
 }  // namespace
 
 std::optional<std::vector<InputSource>> createInputSourceList(
@@ -191,12 +205,7 @@ Status deselectInputSource(const InputSource& /*source*/) {
 }
 
 Observation observeEnabledInputSourcesChanged(Block block) {
-  const auto enabled = [] { return linux_::readInputSourceState().enabled; };
-  return linux_::observeInputSources(
-      [enabled, seen = enabled(), block = std::move(block)]() mutable {
-        const auto before = std::exchange(seen, enabled());
-        if (seen != before) block();
-      });
+  return follow([] { return linux_::readInputSourceState().enabled; }, std::move(block));
 }
 
 namespace linux_ {
@@ -220,16 +229,7 @@ Status answerForUser(const InputSource& source, bool isAllowed) {
 }
 
 Observation observeInputSources(Block block) {
-  auto look = [seen = readInputSourceState(), block = std::move(block)]() mutable {
-    const auto before = std::exchange(seen, readInputSourceState());
-    if (seen != before) block();
-  };
-  auto timer = std::make_shared<std::unique_ptr<Timer>>();
-  // Once the main loop is there. A change that comes before is seen then.
-  asyncOnMain([weak = std::weak_ptr(timer), look = std::move(look)] {
-    if (const auto observed = weak.lock()) *observed = scheduleTimer(Seconds(0.2), look);
-  });
-  return timer;
+  return follow(readInputSourceState, std::move(block));
 }
 
 bool startInputSourceAgent(std::vector<std::string> arguments) {
