@@ -14,7 +14,6 @@
 #include "platform/bundle.h"
 #include "platform/common/property_list_lookups.h"
 #include "platform/file_root.h"
-#include "platform/workspace.h"
 
 namespace {
 
@@ -93,8 +92,10 @@ std::string accessProblemIn(const fs::path& folder) {
   return error ? folder.string() + " 无法查看：" + error.message() : "";
 }
 
-/// The lines at the end of a log; absent if it cannot be read.
+/// The lines at the end of a log; absent if it cannot be read or is no regular file.
 std::optional<Lines> lastLines(const fs::path& file) {
+  std::error_code error;
+  if (!fs::is_regular_file(fs::symlink_status(file, error))) return std::nullopt;
   constexpr std::streamoff kMostBytes = 65536;
   std::ifstream stream(file, std::ios::binary | std::ios::ate);
   stream.seekg(std::max(std::streamoff(stream.tellg()) - kMostBytes, std::streamoff(0)));
@@ -239,8 +240,7 @@ class Diagnosis {
     std::string left;
     std::string damaged;
     for (const fs::path& path : leftovers()) {
-      const bool isDamage = path.extension() == ".staging" || path.extension() == ".backup";
-      std::string& list = isDamage ? damaged : left;
+      std::string& list = path.extension() == ".staging" ? damaged : left;
       list += (list.empty() ? "" : "、") + path.string();
     }
     if (row("leftovers", damaged.empty() ? "" : "上一次安装或移除被中断，留下了：" + damaged,
@@ -289,10 +289,8 @@ class Diagnosis {
           return has(source, InputSourceProperty::bundleID,
                      std::string(TessalInstaller::kBaseBundleID));
         });
-    const bool isKnown = platform::findApplication(std::string(TessalInstaller::kBaseBundleID)) ==
-                         platform::onDisk(TessalInstaller::appDir());
     if (!row("registered", isRegistered ? "" : "系统的输入法服务不知道它：没有登记", kActivate,
-             isKnown ? "已登记为输入法，也已登记为应用" : "已登记为输入法"))
+             "已登记为输入法"))
       return;
     const bool hasBase =
         installer_.keyboardInputMethodSource(/*includeAllInstalled=*/true) != nullptr;

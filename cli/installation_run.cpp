@@ -1,12 +1,14 @@
 // An installation, or an activation alone, in the terminal.
 
-#include <functional>
+#include <algorithm>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "cli/commands.h"
+#include "cli/diagnosis.h"
 #include "cli/installed_files.h"
 #include "inputsource/tessal_installer.h"
 #include "installer/content_view.h"
@@ -20,27 +22,21 @@ namespace {
 /// Shows one run of a view and waits for its end. Lives on the main queue.
 class InstallationRun {
  public:
-  /// What the user reads at the end.
-  struct Texts {
-    std::string success;
-    /// Follows the message of a failure.
-    std::string failureHint;
-  };
+  enum class Kind { installation, activation };
 
-  InstallationRun(EventOutput& output, const WaitOptions& options, Texts texts)
-      : output_(output), options_(options), texts_(std::move(texts)) {}
+  InstallationRun(EventOutput& output, const WaitOptions& options, Kind kind)
+      : output_(output), options_(options), isActivation_(kind == Kind::activation) {}
 
-  /// Runs the main loop from `begin` to the end of what it has begun. The exit
-  /// status.
-  int run(const std::function<void(ContentView&)>& begin) {
-    platform::asyncOnMain([this, begin] { start(begin); });
+  /// Runs the main loop from the beginning to the end of the run. The exit status.
+  int run() {
+    platform::asyncOnMain([this] { start(); });
     const int status = platform::runMainLoop();
     output_.result(status);
     return status;
   }
 
  private:
-  void start(const std::function<void(ContentView&)>& begin) {
+  void start() {
     platform::onTerminationRequest([this] { terminationRequested(); });
     const auto showProgress = [this] { output_.progress(view_->installProgress); };
     watches_.push_back(
@@ -51,10 +47,19 @@ class InstallationRun {
     }));
     watches_.push_back(view_->installationStatus.observe(
         [this](const InstallationStatus& status, auto) { statusChanged(status); }));
-    begin(*view_);
+    if (!isActivation_) return view_->userPressedInstall();
+    // As after a run of the script over the same bundle: another account has its
+    // settings application already.
+    view_->installPathExistedBeforeStart = TessalInstaller().isInstalled();
+    view_->isInstalling = true;
+    view_->installationStatus = InstallationStatus::installing;
+    view_->postInstallActivation();
   }
 
   void statusChanged(const InstallationStatus& status) {
+    if (isActivation_ && status.is(InstallationStatus::success) &&
+        TessalInstaller().enabledModes().empty())
+      return statusChanged(InstallationStatus::failure("输入法已启用，但拼音模式没有启用"));
     output_.status(status);
     switch (status.value()) {
       case InstallationStatus::notStarted:
@@ -65,16 +70,34 @@ class InstallationRun {
       case InstallationStatus::success:
         output_.progress(view_->installProgress);
         view_->enableWaitingViewDidDisappear();
-        output_.say(texts_.success);
+        output_.say(isActivation_ ? "已启用" : "安装成功");
         return leaveSoon(kSuccess);
       case InstallationStatus::needAdmin:
         output_.complain("未获得管理员授权，安装未进行");
         return leaveSoon(kRefused);
       case InstallationStatus::failed:
-        output_.complain(status.message());
-        output_.complain(texts_.failureHint);
+        output_.complain(isAskedToLeave_ ? "安装被中断" : status.message());
+        if (const auto reason = failureReason(); !reason.empty()) output_.complain(reason);
+        output_.complain(failureHint());
         return leaveSoon(kFailed);
     }
+  }
+
+  /// What the script, or the system in its place, has said last; empty if nothing.
+  std::string failureReason() const {
+    const std::string& log = view_->logText;
+    constexpr std::string_view kBefore = "管理员授权失败: ";
+    const auto at = log.rfind(kBefore);
+    if (at == std::string::npos) return "";
+    std::string reason = log.substr(at + kBefore.size());
+    std::replace(reason.begin(), reason.end(), '\r', '\n');  // macOS ends the lines so
+    return reason.substr(0, reason.find_last_not_of('\n') + 1);
+  }
+
+  std::string failureHint() const {
+    if (!isActivation_) return "日志：" + platform::onDisk(kUILogPath).string();
+    return TessalInstaller().isInstalled() ? "运行 orvane-install doctor 查看原因"
+                                           : "请先运行 orvane-install install 安装输入法";
   }
 
   void startWaiting() {
@@ -115,7 +138,7 @@ class InstallationRun {
 
   EventOutput& output_;
   WaitOptions options_;
-  Texts texts_;
+  bool isActivation_;
   bool isAskedToLeave_ = false;
   std::shared_ptr<ContentView> view_ = ContentView::create();
   std::vector<platform::Observation> watches_;
@@ -125,9 +148,9 @@ class InstallationRun {
 
 int runInstall(EventOutput& output, const WaitOptions& options) {
   output.phase("script");
-  InstallationRun run(output, options,
-                      {"安装成功", "日志：" + platform::onDisk(kUILogPath).string()});
-  return run.run([](ContentView& view) { view.userPressedInstall(); });
+  if (const auto notice = newerVersionNotice(); !notice.empty())
+    output.say(notice + "，现在换成安装器里的版本");
+  return InstallationRun(output, options, InstallationRun::Kind::installation).run();
 }
 
 int runActivate(EventOutput& output, const WaitOptions& options, bool once) {
@@ -138,15 +161,7 @@ int runActivate(EventOutput& output, const WaitOptions& options, bool once) {
     return kSuccess;
   }
   output.phase("activation");
-  InstallationRun run(output, options, {"已启用", "请先运行 orvane-install install 安装输入法"});
-  const int status = run.run([](ContentView& view) {
-    // As after a run of the script over the same bundle: another account has its
-    // settings application already.
-    view.installPathExistedBeforeStart = TessalInstaller().isInstalled();
-    view.isInstalling = true;
-    view.installationStatus = InstallationStatus::installing;
-    view.postInstallActivation();
-  });
+  const int status = InstallationRun(output, options, InstallationRun::Kind::activation).run();
   if (status == kSuccess) {
     std::filesystem::create_directories(activationStamp().parent_path(), error);
     // Without the note the next login does this again, which harms nothing.

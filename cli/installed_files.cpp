@@ -12,17 +12,13 @@ std::vector<fs::path> installedBundles() {
 
 std::vector<fs::path> leftovers() {
   std::vector<fs::path> found;
-  for (const char* folder : {"/Library/Input Methods", "/Applications"}) {
-    std::error_code error;
-    for (fs::directory_iterator entry(platform::onDisk(folder), error), end; !error && entry != end;
-         entry.increment(error)) {
-      // The names that the installation script uses.
-      const std::string name = entry->path().filename().string();
-      for (const fs::path& bundle : installedBundles())
-        if (name.starts_with('.') && name.find(bundle.filename().string() + ".") == 1)
-          found.push_back(entry->path());
-    }
-  }
+  std::error_code error;
+  for (fs::directory_iterator
+           entry(platform::onDisk(TessalInstaller::appDir().parent_path()), error),
+       end;
+       !error && entry != end; entry.increment(error))
+    // The names that the installation script uses.
+    if (entry->path().filename().string().starts_with(".Orvane.app.")) found.push_back(*entry);
   return found;
 }
 

@@ -1,18 +1,55 @@
+#include <sys/ioctl.h>
 #include <unistd.h>
+#include <utf8.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <iostream>
+#include <iterator>
 #include <map>
+#include <string_view>
 #include <utility>
 
 #include "cli/event_output.h"
 
 namespace {
 
+/// The text with pictures in the place of control characters: others may have
+/// written it, and a terminal would obey it.
+std::string visible(const std::string& text) {
+  std::string valid;
+  utf8::replace_invalid(text.begin(), text.end(), std::back_inserter(valid));
+  std::string shown;
+  for (auto at = valid.begin(); at != valid.end();) {
+    auto character = utf8::next(at, valid.end());
+    if (character < 0x20 && character != '\n' && character != '\t')
+      character += 0x2400;
+    else if (character >= 0x7f && character < 0xa0)
+      character = 0xfffd;
+    utf8::append(character, std::back_inserter(shown));
+  }
+  return shown;
+}
+
+bool isSet(const char* variable) {
+  const char* value = std::getenv(variable);
+  return value && *value;
+}
+
+/// The width of a terminal that can draw a line anew; 0 if standard output is none.
+int terminalColumns() {
+  if (::isatty(STDOUT_FILENO) != 1 || !isSet("TERM") ||
+      std::string_view(std::getenv("TERM")) == "dumb")
+    return 0;
+  winsize size{};
+  constexpr int kUsual = 80;
+  return ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : kUsual;
+}
+
 class TextOutput : public EventOutput {
  public:
+  /// Without an activity no progress is shown.
   explicit TextOutput(std::string activity) : activity_(std::move(activity)) {}
 
   void phase(const std::string& /*name*/) override {}
@@ -20,50 +57,52 @@ class TextOutput : public EventOutput {
 
   void progress(double value) override {
     const std::string text = activity_ + " " + std::to_string(static_cast<int>(value * 100)) + "%";
-    if (text == shown_) return;
+    if (activity_.empty() || text == shown_) return;
     shown_ = text;
-    if (!isTerminal_) {
+    const int columns = terminalColumns();
+    // A password prompt follows the first one, and begins a line.
+    if (columns == 0 || value == 0.0) {
       std::cout << text << std::endl;
       return;
     }
-    constexpr int kCells = 40;
-    const int filled = static_cast<int>(std::lround(value * kCells));
-    std::cout << "\r\033[K[" << std::string(filled, '=') << std::string(kCells - filled, ' ')
-              << "] " << text << std::flush;
+    // Beside the bar there are its ends, a blank and the text. The last column stays free.
+    constexpr int kOthers = 17;
+    const int cells = std::clamp(columns - kOthers, 0, 40);
+    const int filled = static_cast<int>(std::lround(value * cells));
+    std::cout << "\r\033[K";
+    if (cells > 0)
+      std::cout << '[' << std::string(filled, '=') << std::string(cells - filled, ' ') << "] ";
+    std::cout << text << std::flush;
     isLineOpen_ = true;
   }
 
   void say(const std::string& line) override {
     endLine();
-    std::cout << line << std::endl;
+    std::cout << visible(line) << std::endl;
   }
 
   void complain(const std::string& line) override {
     endLine();
-    std::cerr << line << std::endl;
+    std::cerr << visible(line) << std::endl;
   }
 
   void finding(const Finding& finding) override {
-    const bool isPass = finding.level == Finding::Level::pass;
-    // Lines of a log follow the first line.
-    const auto end = std::min(finding.text.find('\n'), finding.text.size());
-    std::cout << mark(finding.level) << ' ' << finding.text.substr(0, end);
-    if (isPass) std::cout << "（" << finding.next << "）";
-    std::cout << finding.text.substr(end) << '\n';
-    if (!isPass) std::cout << "       → " << finding.next << '\n';
+    std::cout << mark(finding.level) << ' ' << visible(finding.text) << '\n';
+    if (finding.level != Finding::Level::pass)
+      std::cout << "       → " << visible(finding.next) << '\n';
     std::cout << std::flush;
   }
 
   void result(int /*exitStatus*/) override { endLine(); }
 
  private:
-  std::string mark(Finding::Level level) const {
+  static std::string mark(Finding::Level level) {
     const std::map<Finding::Level, std::pair<std::string, std::string>> marks = {
         {Finding::Level::pass, {"\033[32m", "[通过]"}},
         {Finding::Level::warn, {"\033[33m", "[警告]"}},
         {Finding::Level::fail, {"\033[31m", "[失败]"}}};
     const auto& [colour, text] = marks.at(level);
-    return isTerminal_ && !std::getenv("NO_COLOR") ? colour + text + "\033[0m" : text;
+    return terminalColumns() > 0 && !isSet("NO_COLOR") ? colour + text + "\033[0m" : text;
   }
 
   void endLine() {
@@ -71,7 +110,6 @@ class TextOutput : public EventOutput {
   }
 
   std::string activity_;
-  bool isTerminal_ = ::isatty(STDOUT_FILENO) == 1;
   bool isLineOpen_ = false;
   std::string shown_;
 };
@@ -79,7 +117,8 @@ class TextOutput : public EventOutput {
 }  // namespace
 
 std::unique_ptr<EventOutput> makeTextOutput(const std::string& command) {
+  // An activation waits for the user for most of its time, and has no steps to show.
   return std::make_unique<TextOutput>(command == "uninstall"  ? "正在移除"
-                                      : command == "activate" ? "正在启用"
+                                      : command == "activate" ? ""
                                                               : "正在安装");
 }

@@ -23,19 +23,18 @@ namespace fs = std::filesystem;
 constexpr const char* kScriptLogPath = "/tmp/tessal_uninstaller.log";
 constexpr const char* kUILogPathOfUninstaller = "/tmp/tessal_uninstaller_ui.log";
 
+bool lies(const fs::path& path) {
+  std::error_code error;
+  return fs::exists(fs::symlink_status(path, error));
+}
+
 /// Where the input method keeps the user's dictionary and settings.
 std::vector<fs::path> userFiles() {
   const fs::path library = platform::userLibrary();
   const std::string identifier(TessalInstaller::kBaseBundleID);
-  std::vector<fs::path> found;
-  for (const fs::path& file :
-       {library / "Application Support" / "Orvane", library / "Caches" / identifier,
-        library / "Preferences" / (identifier + ".plist"),
-        library / "Preferences" / (identifier + ".settings.plist")}) {
-    std::error_code error;
-    if (fs::exists(fs::symlink_status(file, error))) found.push_back(file);
-  }
-  return found;
+  return {library / "Application Support" / "Orvane", library / "Caches" / identifier,
+          library / "Preferences" / (identifier + ".plist"),
+          library / "Preferences" / (identifier + ".settings.plist")};
 }
 
 /// One removal. Lives on the main queue.
@@ -47,6 +46,7 @@ class Uninstallation {
   void start() {
     platform::onTerminationRequest([this] {
       // How the script ends now decides the result.
+      isInterrupted_ = true;
       if (!platform::interruptAdminScript()) fail("卸载脚本仍以管理员权限运行，无法中止");
     });
     platform::emptyLogFile(platform::onDisk(kUILogPathOfUninstaller));
@@ -76,10 +76,8 @@ class Uninstallation {
   static bool isAnythingOnDisk() {
     const auto bundles = installedBundles();
     return !leftovers().empty() ||
-           std::any_of(bundles.begin(), bundles.end(), [](const fs::path& bundle) {
-             std::error_code error;
-             return fs::exists(fs::symlink_status(platform::onDisk(bundle), error));
-           });
+           std::any_of(bundles.begin(), bundles.end(),
+                       [](const auto& bundle) { return lies(platform::onDisk(bundle)); });
   }
 
   void scriptEnded(const std::optional<platform::AdminScriptError>& error) {
@@ -89,11 +87,11 @@ class Uninstallation {
     }
     if (error) {
       log("卸载脚本失败: " + error->message.value_or(""));
-      return fail("移除失败：" + error->message.value_or(""));
+      return fail((isInterrupted_ ? "移除被中断：" : "移除失败：") + error->message.value_or(""));
     }
     output_.progress(0.8);
     for (const fs::path& bundle : installedBundles())
-      if (std::error_code ignored; fs::exists(platform::onDisk(bundle), ignored))
+      if (lies(platform::onDisk(bundle)))
         say("保留了 " + platform::onDisk(bundle).string() + "：它不是这个安装器装的");
     if (TessalInstaller().isInstalled()) return fail("输入法没有移除");
     say("已移除程序包");
@@ -103,10 +101,19 @@ class Uninstallation {
   void cleanUp() {
     output_.phase("cleanup");
     const TessalInstaller installer;
-    installer.retire(sources_);
-    say("已停用 " + std::to_string(sources_.size()) + " 个输入源");
-    const int removed = installer.removeOrvaneFromHIToolboxDefaults(bundleID_);
-    say("已从偏好列表中取出 " + std::to_string(removed) + " 条");
+    say("已停用 " + std::to_string(installer.retire(sources_)) + " 个输入源");
+    const auto enabled =
+        std::count_if(sources_.begin(), sources_.end(), [](const platform::InputSource& source) {
+          return platform::getInputSourceProperty(source,
+                                                  platform::InputSourceProperty::isEnabled) ==
+                 platform::PropertyListValue(true);
+        });
+    if (enabled > 0) miss("还有 " + std::to_string(enabled) + " 个输入源没有停用");
+    const auto removed = installer.removeOrvaneFromHIToolboxDefaults(bundleID_);
+    if (removed)
+      say("已从偏好列表中取出 " + std::to_string(*removed) + " 条");
+    else
+      miss("没有写入偏好列表，其中的条目还在");
     // As long as a source was enabled, the system may have started it anew.
     if (platform::onDisk("/") == "/")
       for (const char* process : {"Orvane", "OrvaneSettings"})
@@ -115,33 +122,37 @@ class Uninstallation {
     std::error_code error;
     fs::remove(activationStamp(), error);
     fs::remove(activationStamp().parent_path(), error);  // if that was all
-    if (!purgeOrName()) return fail("有文件没有删除");
+    for (const fs::path& file : userFiles()) purgeOrName(file);
+    if (!isComplete_) return fail("移除没有完成");
     output_.progress(1.0);
     output_.say("移除完成");
     platform::endMainLoop(kSuccess);
   }
 
-  /// Removes the user's files if that is wanted, else says where they are. Whether
-  /// what was wanted is done.
-  bool purgeOrName() {
-    bool isDone = true;
-    for (const fs::path& file : userFiles()) {
-      std::error_code error;
-      if (!options_.purge) {
-        say("保留了用户词库和设置：" + file.string() + "（uninstall --purge 会删除）");
-        continue;
-      }
-      // The preferences service of macOS would write a mere file anew.
-      if (file.extension() == ".plist")
-        ContentView::runCommand("/usr/bin/defaults", {"delete", file.stem().string()});
-      if (fs::remove_all(file, error); error) {
-        output_.complain("无法删除 " + file.string() + "：" + error.message());
-        isDone = false;
-      } else {
-        say("已删除 " + file.string());
-      }
-    }
-    return isDone;
+  /// Removes a file of the user if that is wanted, else says where it is.
+  void purgeOrName(const fs::path& file) {
+    if (!lies(file)) return;
+    if (!options_.purge)
+      return say("保留了用户词库和设置：" + file.string() + "（uninstall --purge 会删除）");
+    // Behind a link lies somebody else's.
+    for (fs::path folder = file.parent_path(); folder != platform::userLibrary().parent_path();
+         folder = folder.parent_path())
+      if (fs::is_symlink(folder))
+        return miss("没有删除 " + file.string() + "：" + folder.string() + " 是链接");
+    // The preferences service of macOS would write a mere file anew.
+    if (file.extension() == ".plist")
+      ContentView::runCommand("/usr/bin/defaults", {"delete", file.stem().string()});
+    std::error_code error;
+    if (fs::remove_all(file, error); error)
+      return miss("无法删除 " + file.string() + "：" + error.message());
+    say("已删除 " + file.string());
+  }
+
+  /// Something stays that should have gone.
+  void miss(const std::string& line) {
+    log(line);
+    output_.complain(line);
+    isComplete_ = false;
   }
 
   void fail(const std::string& message) {
@@ -163,14 +174,17 @@ class Uninstallation {
   UninstallOptions options_;
   std::vector<platform::InputSource> sources_;
   std::string bundleID_;
+  bool isInterrupted_ = false;
+  bool isComplete_ = true;
 };
 
 bool isConfirmed() {
   std::cout << "将移除「澄枫输入法」和随它安装的应用，并停用它的输入源。继续吗？[y/N] "
             << std::flush;
   std::string answer;
-  std::getline(std::cin, answer);
-  return answer == "y" || answer == "Y" || answer == "yes" || answer == "是";
+  if (!std::getline(std::cin, answer)) std::cout << std::endl;
+  const auto yes = {"y", "Y", "yes", "Yes", "YES", "是"};
+  return std::find(yes.begin(), yes.end(), answer) != yes.end();
 }
 
 }  // namespace

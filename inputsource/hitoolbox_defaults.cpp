@@ -46,8 +46,9 @@ void writeList(const std::string& key, const PropertyListArray& elements) {
                                 PreferencesHost::current);
 }
 
-void synchronizeLists() {
-  platform::synchronizePreferences(kDomain, PreferencesUser::current, PreferencesHost::current);
+bool synchronizeLists() {
+  return platform::synchronizePreferences(kDomain, PreferencesUser::current,
+                                          PreferencesHost::current);
 }
 
 bool holdsText(const PropertyListDictionary& entry, const char* key, const std::string& text) {
@@ -128,7 +129,8 @@ std::vector<TessalInstaller::ListedEntries> TessalInstaller::listedEntries(Input
   return found;
 }
 
-int TessalInstaller::removeOrvaneFromHIToolboxDefaults(const std::string& bundleID) const {
+std::optional<int> TessalInstaller::removeOrvaneFromHIToolboxDefaults(
+    const std::string& bundleID) const {
   int removed = 0;
   for (const auto& [key, position] : kLists) {
     // The list as it is, with what is no dictionary in it: that is not ours to clean.
@@ -142,6 +144,5 @@ int TessalInstaller::removeOrvaneFromHIToolboxDefaults(const std::string& bundle
     removed += static_cast<int>(count);
     writeList(key, kept);
   }
-  synchronizeLists();
-  return removed;
+  return synchronizeLists() ? std::optional(removed) : std::nullopt;
 }

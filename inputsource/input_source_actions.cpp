@@ -93,9 +93,11 @@ std::vector<Status> TessalInstaller::disableInputModesBestEffort(
   return statuses;
 }
 
-void TessalInstaller::retire(const std::vector<InputSource>& sources) const {
+int TessalInstaller::retire(const std::vector<InputSource>& sources) const {
+  int disabled = 0;
   for (const InputSource& source : sources) {
     platform::deselectInputSource(source);
-    platform::disableInputSource(source);
+    if (platform::disableInputSource(source) == platform::kNoError) ++disabled;
   }
+  return disabled;
 }

@@ -75,8 +75,8 @@ class TessalInstaller {
       const std::vector<InputMode>& modes) const;
 
   /// Deselects and disables sources that ownSources() gave, also when their bundle
-  /// is gone by now.
-  void retire(const std::vector<platform::InputSource>& sources) const;
+  /// is gone by now. How many the service has disabled.
+  int retire(const std::vector<platform::InputSource>& sources) const;
 
   // Preferences (hitoolbox_defaults.cpp).
   /// Adds the mode's entry to the user's three input-source lists where it is
@@ -94,8 +94,9 @@ class TessalInstaller {
   };
   std::vector<ListedEntries> listedEntries(InputMode mode) const;
   /// Takes the entries of the input method's bundle out of the three lists. All
-  /// others stay as they are, in their order. How many it took.
-  int removeOrvaneFromHIToolboxDefaults(const std::string& bundleID) const;
+  /// others stay as they are, in their order. How many it took; absent if that could
+  /// not be stored.
+  std::optional<int> removeOrvaneFromHIToolboxDefaults(const std::string& bundleID) const;
   /// The bundle identifier that the entries carry: of the installed bundle, or the
   /// one that it should have.
   std::string entryBundleID() const;

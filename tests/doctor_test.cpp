@@ -145,7 +145,7 @@ TEST_F(DoctorTest, PreferencesAndLeftoversAndLogs) {
   EXPECT_EQ(problems(), (Lines{"warn leftovers", "warn installLog", "warn uiLog",
                                "warn AppleEnabledInputSources"}));
   platform.preferences = {{"AppleEnabledInputSources", PropertyListArray{own}}};
-  platform.putFile("/Library/Input Methods/.Cogwen.app.backup/x", "");
+  platform.putFile("/Library/Input Methods/.Orvane.app.staging/x", "");
   platform.putFile("/tmp/tessal_installer.log", "unzip package\nfinish\n");
   EXPECT_EQ(problems(), (Lines{"fail leftovers", "warn uiLog"}));
   platform.putFile("/tmp/tessal_installer.log", "error: Orvane.zip is missing\n");

@@ -2,7 +2,7 @@
 
 _orvane_install() {
   local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-  local everywhere='--json --help --version' linux='' command='' index
+  local everywhere='--json -h --help --version' linux='' command='' index
   [[ $OSTYPE == linux* ]] && linux='--root --home'
   COMPREPLY=()
 

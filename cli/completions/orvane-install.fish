@@ -11,7 +11,7 @@ complete -c orvane-install -n "$none" -a doctor -d 'look at the installation and
 complete -c orvane-install -n "$none" -a uninstall -d 'remove the input method'
 
 complete -c orvane-install -l json -d 'tell what happens in lines of JSON'
-complete -c orvane-install -l help -d 'show the options of the command'
+complete -c orvane-install -s h -l help -d 'show what the command does, and its options'
 complete -c orvane-install -l version -d 'show the version'
 if test (uname) = Linux
     complete -c orvane-install -l root -x -a '(__fish_complete_directories)' -d 'keep everything below this folder'

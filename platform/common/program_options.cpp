@@ -8,7 +8,7 @@
 namespace platform {
 
 void addCommonOptions(CLI::App& program) {
-  program.set_help_flag("--help", "show this");
+  program.set_help_flag("-h,--help", "show this");
   program.set_version_flag("--version", ORVANE_VERSION, "show the version");
   for (const auto& option : platformOptions()) {
     program
