@@ -3,7 +3,7 @@
 # make test   runs every test
 # make check  format, clang-tidy, shellcheck, qmllint, sanitized unit tests
 # make demo   the whole installation with real clicks, a screenshot a step
-# make bench  what things cost, as a table and in build/bench.json
+# make bench  what things cost, as a table
 # make macos  the whole application for macOS, made and checked on Linux
 # make format lays the sources out
 # make setup  sets up this machine for all of these; each of them sets up what it needs
