@@ -28,8 +28,9 @@ ContinuousRectangle {
         radius: 6
     }
     component PromptButton: ContinuousRectangle {
+        id: promptButton
         property alias text: label.text
-        property alias font: label.font
+        property int weight
         property alias textColor: label.color
         width: 108
         height: 34
@@ -39,7 +40,7 @@ ContinuousRectangle {
         Text {
             id: label
             anchors.centerIn: parent
-            font.pixelSize: 14
+            font { pixelSize: 14; weight: promptButton.weight }
         }
     }
 
@@ -131,14 +132,14 @@ ContinuousRectangle {
                 spacing: 16
                 PromptButton {
                     text: "不允许"
-                    font.weight: Font.Medium
+                    weight: Font.Medium
                     textColor: Palette.black(0.78)
                     strokeColor: Palette.black(0.08)
                 }
                 PromptButton {
                     objectName: "guideOk"
                     text: "好"
-                    font.weight: Palette.semibold
+                    weight: Palette.semibold
                     textColor: Palette.black(0.82)
                     strokeColor: Palette.primaryStroke
                     strokeWidth: 2
