@@ -24,7 +24,7 @@ using Case = InstallationStatus::Case;
 
 class Pictures {
  public:
-  explicit Pictures(QDir output) : output_(std::move(output)) {}
+  explicit Pictures(const QDir& output) : output_(output) {}
 
   void open(const QUrl& screen, const QVariantMap& properties, QSize size) {
     auto view = std::make_unique<QQuickView>();
