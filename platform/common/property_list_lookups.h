@@ -4,7 +4,6 @@
 
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "platform/property_list.h"
 
@@ -31,19 +30,6 @@ inline const PropertyListDictionary* dictionaryIn(const PropertyListDictionary* 
                                                   const std::string& key) {
   const auto* value = dictionary ? valueIn(*dictionary, key) : nullptr;
   return value ? value->as<PropertyListDictionary>() : nullptr;
-}
-
-/// The strings of the array under `key`, in its order; other kinds are skipped.
-inline std::vector<std::string> textsIn(const PropertyListDictionary& dictionary,
-                                        const std::string& key) {
-  std::vector<std::string> texts;
-  const auto* value = valueIn(dictionary, key);
-  if (const auto* array = value ? value->as<PropertyListArray>() : nullptr) {
-    for (const auto& item : *array) {
-      if (const auto* text = item.as<std::string>()) texts.push_back(*text);
-    }
-  }
-  return texts;
 }
 
 }  // namespace platform

@@ -17,8 +17,12 @@ std::filesystem::path stateFile() {
 
 InputSourceState stateFrom(const PropertyListDictionary& stored) {
   const auto setIn = [&](const char* key) {
-    const auto texts = textsIn(stored, key);
-    return std::set<std::string>(texts.begin(), texts.end());
+    std::set<std::string> texts;
+    const auto* value = valueIn(stored, key);
+    const auto* array = value ? value->as<PropertyListArray>() : nullptr;
+    for (const auto& item : array ? *array : PropertyListArray())
+      if (const auto* text = item.as<std::string>()) texts.insert(*text);
+    return texts;
   };
   return {setIn("registered"), setIn("allowed"), setIn("asked"), setIn("enabled"),
           textIn(stored, "current").value_or("")};
