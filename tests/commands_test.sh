@@ -102,6 +102,8 @@ echo "outcomes"
 SUDO_ASKPASS=/bin/false
 outcome 2 未获得管理员授权
 [ ! -s "$ui_log" ] && [ ! -e "$root/Library" ] || fail "a refused prompt has changed something"
+SUDO_ASKPASS=$work/none # a prompt that does not come is not refused
+outcome 1 安装失败
 SUDO_ASKPASS=/bin/true
 scripted install 'exit 0'
 outcome 1 未检测到已安装的输入法
