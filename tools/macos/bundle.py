@@ -95,7 +95,7 @@ def main():
         listed[name] = ["file", f"{mode:o}", of_wheel.get(source) or hashlib.sha256(source.read_bytes()).hexdigest()]
     for name, target in links.items():
         (application / name).symlink_to(target)
-        listed[name] = ["link", target]
+        listed[name] = ["link to", target]
     for name in list(listed):
         listed |= {str(folder): ["folder", "755"] for folder in list(pathlib.Path(name).parents)[:-1]}
     (builds / "list.json").write_text(json.dumps(listed))

@@ -33,7 +33,7 @@ def parsed(path):
 
 def slices(path):
     """The parts of a file by architecture. They live as long as the whole, which is kept."""
-    return {ARCHITECTURES.get(part.header.cpu_type, "?"): part for part in parsed(path)}
+    return {ARCHITECTURES.get(part.header.cpu_type, "?"): part for part in parsed(path) or ()}
 
 
 def loaded_libraries(part):
@@ -107,4 +107,5 @@ def exported_names(lists):
 
 @functools.cache
 def exports(path, architecture):
-    return {symbol.name for symbol in slices(path)[architecture].exported_symbols}
+    part = slices(path).get(architecture)
+    return {symbol.name for symbol in part.exported_symbols} if part else set()

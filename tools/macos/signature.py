@@ -73,7 +73,7 @@ def unsealed(root, seal):
 
 def check(application, program, problem):
     seals = {program: (application / "Contents", "Info.plist")}
-    for framework in (application / "Contents/Frameworks").iterdir():
+    for framework in application.glob("Contents/Frameworks/*.framework"):
         seals[framework / "Versions/A" / framework.stem] = (framework / "Versions/A", "Resources/Info.plist")
     is_signed = (application / "Contents/_CodeSignature").exists()
 

@@ -12,6 +12,7 @@ import pathlib
 import plistlib
 import stat
 import sys
+import xml.parsers.expat
 
 import lief
 import macho
@@ -109,7 +110,7 @@ def content(root):
     for path in root.rglob("*"):
         mode = f"{stat.S_IMODE(path.lstat().st_mode):o}"
         if path.is_symlink():
-            kept = ["link", os.readlink(path)]
+            kept = ["link to", os.readlink(path)]
         elif path.is_file():
             kept = ["file", mode, hashlib.sha256(path.read_bytes()).hexdigest()]
         else:
@@ -142,7 +143,10 @@ def as_signed(listed, application):
 
 def check_information(application):
     """What the system reads before anything else."""
-    info = plistlib.loads((application / "Contents/Info.plist").read_bytes())
+    try:
+        info = plistlib.loads((application / "Contents/Info.plist").read_bytes())
+    except (OSError, ValueError, xml.parsers.expat.ExpatError) as error:
+        return problem(f"Info.plist cannot be read: {error}")
     for key, wanted in INFORMATION.items():
         if info.get(key) != wanted:
             problem(f"Info.plist: {key} is {info.get(key)}, not {wanted}")
@@ -170,9 +174,11 @@ def main():
             check_content(pathlib.Path(copy), content(application), f"{copy}: ")
         print(f"{len(listed)} files, folders and links as they were put in")
     check_information(application)
+    program = application / "Contents/MacOS" / INFORMATION["CFBundleExecutable"]
+    if not macho.is_macho(program):
+        problem(f"{program} is no program for macOS")
     stop_at_problems()
     stubs = macho.Stubs(sys.argv[3:4])
-    program = application / "Contents/MacOS" / INFORMATION["CFBundleExecutable"]
     print(f"{'':58} {'':7} {'macOS':6} libraries      symbols")
     print(f"{'file':58} {'for':7} {'from':6} {'inside':>6} {'system':>7} {'found':>8} {'trusted':>8}")
     for path in sorted(application.rglob("*")):
