@@ -182,6 +182,7 @@ def run():
     environment["SUDO_ASKPASS"] = "/bin/true"
     with folder() as place:
         root, copy = pathlib.Path(place, "root"), pathlib.Path(place, "Copy.app/Contents")
+        root.mkdir()
         shutil.copytree(BUNDLE, copy)
         (copy / "Resources/install.sh").rename(copy / "Resources/script.sh")
         (copy / "Resources/install.sh").write_text(NOTING_SCRIPT)
