@@ -118,8 +118,9 @@ def waiting():
         poller = subprocess.Popen([sys.executable, "-c", "import time\nwhile True: time.sleep(1.5)"])
         os.environ["SUDO_ASKPASS"] = "/bin/true"
         installer, _ = screen.start([WINDOW, "--root", root])
-        subprocess.run(["xdotool", "search", "--sync", "--onlyvisible", "--pid", str(installer.pid), "windowfocus",
-                        "--sync", "key", "Tab", "space"], check=True)
+        window = subprocess.run(["xdotool", "search", "--onlyvisible", "--pid", str(installer.pid)], check=True,
+                                capture_output=True, text=True).stdout.split()[-1]
+        subprocess.run(["xdotool", "windowfocus", "--sync", window, "key", "Tab", "space"], check=True)
         ui_log = pathlib.Path(root, "tmp/tessal_installer_ui.log")
         while not ui_log.exists() or "trigger=" not in ui_log.read_text():
             time.sleep(0.1)
@@ -181,6 +182,7 @@ def run():
     environment["SUDO_ASKPASS"] = "/bin/true"
     with folder() as place:
         root, copy = pathlib.Path(place, "root"), pathlib.Path(place, "Copy.app/Contents")
+        root.mkdir()
         shutil.copytree(BUNDLE, copy)
         (copy / "Resources/install.sh").rename(copy / "Resources/script.sh")
         (copy / "Resources/install.sh").write_text(NOTING_SCRIPT)
