@@ -110,7 +110,9 @@ class Uninstallation {
         });
     if (enabled > 0) miss("还有 " + std::to_string(enabled) + " 个输入源没有停用");
     const auto removed = installer.removeOrvaneFromHIToolboxDefaults(bundleID_);
-    if (removed)
+    const auto lists = installer.listedEntries(TessalInstaller::InputMode::pinyin);
+    if (removed &&
+        std::all_of(lists.begin(), lists.end(), [](const auto& list) { return list.own == 0; }))
       say("已从偏好列表中取出 " + std::to_string(*removed) + " 条");
     else
       miss("没有写入偏好列表，其中的条目还在");
