@@ -179,16 +179,18 @@ class Diagnosis {
     return wrong.empty();
   }
 
-  /// Whether there is one.
+  /// Whether there is a bundle; what else is wrong with it does not matter here.
   bool bundle() {
     const fs::path place = platform::onDisk(TessalInstaller::appDir());
-    if (!row("bundle", installer_.isInstalled() ? "" : "没有安装：" + place.string() + " 不存在",
-             "运行 orvane-install install 安装", ""))
-      return false;
     std::error_code error;
-    const bool isFolder = fs::is_directory(fs::symlink_status(place, error));
-    if (!row("bundle", isFolder ? "" : place.string() + " 不是程序包", kReinstall,
-             "已安装：" + place.string(), place.string()))
+    std::string wrong;
+    if (!installer_.isInstalled())
+      wrong = "没有安装：" + place.string() + " 不存在";
+    else if (!fs::is_directory(fs::symlink_status(place, error)))
+      wrong = place.string() + " 不是程序包";
+    if (!row("bundle", wrong,
+             installer_.isInstalled() ? kReinstall : "运行 orvane-install install 安装",
+             "已安装：" + place.string(), wrong.empty() ? place.string() : ""))
       return false;
     const auto info = installer_.installedInfo();
     if (row("info", info ? "" : "Info.plist 缺失或损坏", kReinstall, "")) content(place, *info);
@@ -215,12 +217,12 @@ class Diagnosis {
     const std::string version = versionIn(info);
     const std::string brought = broughtVersion();
     const std::string newer = newerVersionNotice();
-    const bool isOther = newer.empty() && !brought.empty() && version != brought;
-    if (row("version", version.empty() ? "Info.plist 里没有版本号" : "", kReinstall, "", "",
-            Level::warn))
-      row("version", isOther ? "已安装的版本是 " + version + "，安装器里的是 " + brought : "",
-          "运行 orvane-install install 换成安装器里的版本",
-          newer.empty() ? "版本 " + version : newer, version, Level::warn);
+    wrong = version.empty() ? "Info.plist 里没有版本号" : "";
+    if (!version.empty() && newer.empty() && !brought.empty() && version != brought)
+      wrong = "已安装的版本是 " + version + "，安装器里的是 " + brought;
+    row("version", wrong,
+        version.empty() ? kReinstall : "运行 orvane-install install 换成安装器里的版本",
+        newer.empty() ? "版本 " + version : newer, version, Level::warn);
 
     const std::string mode = TessalInstaller::rawValue(kMode);
     const bool hasMode = dictionaryIn(

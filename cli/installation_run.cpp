@@ -4,7 +4,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "cli/commands.h"
@@ -38,15 +37,14 @@ class InstallationRun {
  private:
   void start() {
     platform::onTerminationRequest([this] { terminationRequested(); });
-    const auto showProgress = [this] { output_.progress(view_->installProgress); };
-    watches_.push_back(
-        view_->installProgress.observe([showProgress](double, auto) { showProgress(); }));
-    watches_.push_back(view_->isInstalling.observe([showProgress](bool, auto) { showProgress(); }));
-    watches_.push_back(view_->didTriggerActivation.observe([this](bool isTriggered, auto) {
-      if (isTriggered) output_.phase("activation");
-    }));
-    watches_.push_back(view_->installationStatus.observe(
-        [this](const InstallationStatus& status, auto) { statusChanged(status); }));
+    const auto showProgress = [this](auto, auto) { output_.progress(view_->installProgress); };
+    watches_ = {view_->installProgress.observe(showProgress),
+                view_->isInstalling.observe(showProgress),
+                view_->didTriggerActivation.observe([this](bool isTriggered, auto) {
+                  if (isTriggered) output_.phase("activation");
+                }),
+                view_->installationStatus.observe(
+                    [this](const InstallationStatus& status, auto) { statusChanged(status); })};
     if (!isActivation_) return view_->userPressedInstall();
     // As after a run of the script over the same bundle: another account has its
     // settings application already.
@@ -124,8 +122,8 @@ class InstallationRun {
     leaveSoon(kFailed);
   }
 
-  /// Leaves when all that is on the main queue now has run: the last pieces of the log may be part
-  /// of that.
+  /// Leaves when all that is on the main queue now has run. The last pieces of the
+  /// log may be part of that.
   void leaveSoon(ExitStatus status) {
     platform::asyncOnMain([this, status] {
       if (!view_) return;

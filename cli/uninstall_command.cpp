@@ -102,15 +102,12 @@ class Uninstallation {
     output_.phase("cleanup");
     const TessalInstaller installer;
     say("已停用 " + std::to_string(installer.retire(sources_)) + " 个输入源");
-    const auto enabled =
-        std::count_if(sources_.begin(), sources_.end(), [](const platform::InputSource& source) {
-          return platform::getInputSourceProperty(source,
-                                                  platform::InputSourceProperty::isEnabled) ==
-                 platform::PropertyListValue(true);
-        });
-    if (enabled > 0) miss("还有 " + std::to_string(enabled) + " 个输入源没有停用");
+    if (installer.isBaseEnabledBestEffort() || !installer.enabledModes().empty())
+      miss("还有输入源没有停用");
     const auto removed = installer.removeOrvaneFromHIToolboxDefaults(bundleID_);
-    if (removed)
+    const auto lists = installer.listedEntries(TessalInstaller::InputMode::pinyin);
+    if (removed &&
+        std::all_of(lists.begin(), lists.end(), [](const auto& list) { return list.own == 0; }))
       say("已从偏好列表中取出 " + std::to_string(*removed) + " 条");
     else
       miss("没有写入偏好列表，其中的条目还在");
@@ -134,15 +131,15 @@ class Uninstallation {
     if (!lies(file)) return;
     if (!options_.purge)
       return say("保留了用户词库和设置：" + file.string() + "（uninstall --purge 会删除）");
+    std::error_code error;
     // Behind a link lies somebody else's.
     for (fs::path folder = file.parent_path(); folder != platform::userLibrary().parent_path();
          folder = folder.parent_path())
-      if (fs::is_symlink(folder))
+      if (fs::is_symlink(folder, error))
         return miss("没有删除 " + file.string() + "：" + folder.string() + " 是链接");
     // The preferences service of macOS would write a mere file anew.
     if (file.extension() == ".plist")
       ContentView::runCommand("/usr/bin/defaults", {"delete", file.stem().string()});
-    std::error_code error;
     if (fs::remove_all(file, error); error)
       return miss("无法删除 " + file.string() + "：" + error.message());
     say("已删除 " + file.string());

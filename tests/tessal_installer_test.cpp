@@ -230,7 +230,7 @@ TEST_F(TessalInstallerTest, RetiringUsesTheSourcesThatWereThere) {
   platform.addInputMethod();
   const auto sources = installer.ownSources();
   platform.sources.clear();
-  installer.retire(sources);
+  EXPECT_EQ(installer.retire(sources), 2);
   EXPECT_EQ(platform.journal, (Lines{"deselect " + kPinyin, "disable " + kPinyin,
                                      "deselect " + kBase, "disable " + kBase}));
 }
