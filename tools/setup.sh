@@ -12,7 +12,7 @@ build='
   qml6-module-qtquick qml6-module-qtquick-templates qml6-module-qtquick-window
   libcli11-dev nlohmann-json3-dev libplist-utils libutfcpp-dev
   fonts-noto-cjk fonts-noto-cjk-extra librsvg2-bin
-  zip unzip libarchive-tools openssl perl-base sudo procps
+  zip libarchive-tools openssl perl-base sudo procps
 '
 screenshots='xvfb xauth xdotool openbox x11-utils imagemagick webp'
 test='
