@@ -8,7 +8,6 @@
 #include <iostream>
 #include <iterator>
 #include <map>
-#include <string_view>
 #include <utility>
 
 #include "cli/event_output.h"
@@ -32,16 +31,16 @@ std::string visible(const std::string& text) {
   return shown;
 }
 
-bool isSet(const char* variable) {
-  const char* value = std::getenv(variable);
-  return value && *value;
+/// The value of this environment variable; empty if it has none.
+std::string variable(const char* name) {
+  const char* value = std::getenv(name);
+  return value ? value : "";
 }
 
 /// The width of a terminal that can draw a line anew; 0 if standard output is none.
 int terminalColumns() {
-  if (::isatty(STDOUT_FILENO) != 1 || !isSet("TERM") ||
-      std::string_view(std::getenv("TERM")) == "dumb")
-    return 0;
+  const std::string kind = variable("TERM");
+  if (::isatty(STDOUT_FILENO) != 1 || kind.empty() || kind == "dumb") return 0;
   winsize size{};
   constexpr int kUsual = 80;
   return ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : kUsual;
@@ -102,7 +101,7 @@ class TextOutput : public EventOutput {
         {Finding::Level::warn, {"\033[33m", "[警告]"}},
         {Finding::Level::fail, {"\033[31m", "[失败]"}}};
     const auto& [colour, text] = marks.at(level);
-    return terminalColumns() > 0 && !isSet("NO_COLOR") ? colour + text + "\033[0m" : text;
+    return terminalColumns() > 0 && variable("NO_COLOR").empty() ? colour + text + "\033[0m" : text;
   }
 
   void endLine() {
