@@ -47,6 +47,7 @@ void emptyLogFile(const std::filesystem::path& path) {
 
 void appendToLogFile(const std::filesystem::path& path, std::string_view entry) {
   const Descriptor file = openLog(path);
+  if (!file) return;
   ::lseek(file.get(), 0, SEEK_END);  // the write is tried even if this fails
   while (!entry.empty()) {
     const ssize_t count = ::write(file.get(), entry.data(), entry.size());
