@@ -6,17 +6,17 @@
 set -eu
 
 build='
-  cmake g++ ninja-build pkg-config
+  cmake g++ ninja-build
   qt6-base-dev qt6-declarative-dev qt6-declarative-dev-tools
   qml6-module-qtqml qml6-module-qtqml-models qml6-module-qtqml-workerscript
   qml6-module-qtquick qml6-module-qtquick-templates qml6-module-qtquick-window
   libcli11-dev nlohmann-json3-dev libplist-utils libutfcpp-dev
   fonts-noto-cjk fonts-noto-cjk-extra librsvg2-bin
-  zip libarchive-tools openssl perl-base sudo procps
+  zip libarchive-tools openssl perl-base sudo
 '
 screenshots='xvfb xauth xdotool openbox x11-utils imagemagick webp'
 test='
-  libgtest-dev dbus-daemon at-spi2-core python3-gi gir1.2-atspi-2.0
+  libgtest-dev procps dbus-daemon at-spi2-core python3-gi gir1.2-atspi-2.0
   ansible-core openssh-client mandoc zsh fish
 '
 check='libgtest-dev clang-14 libclang-rt-14-dev clang-format clang-tidy shellcheck'
