@@ -13,7 +13,6 @@
 #include "ui/system_image.h"
 
 namespace {
-constexpr int kIconSide = 128;
 // The size until the window is configured. Its centre stays then.
 constexpr QSize kFirstSize{500, 450};
 }  // namespace
@@ -26,7 +25,10 @@ TessalInputInstallerApp::TessalInputInstallerApp(QGuiApplication& application) {
   window_.setResizeMode(QQuickView::SizeRootObjectToView);
   window_.setInitialProperties({{"model", QVariant::fromValue(&model_)}});
   window_.setSource(contentBodyUrl());
+#ifdef Q_OS_LINUX  // on macOS the bundle's own
+  constexpr int kIconSide = 128;
   window_.setIcon(QPixmap::fromImage(toQImage(platform::applicationIcon(kIconSide))));
+#endif
   QRect frame(QPoint(), kFirstSize);
   frame.moveCenter(window_.screen()->availableGeometry().center());
   window_.setGeometry(frame);

@@ -1,3 +1,5 @@
+#include <unistd.h>
+
 #include <algorithm>
 #include <iostream>
 #include <string>
@@ -179,7 +181,8 @@ bool isConfirmed() {
   std::cout << "将移除「澄枫输入法」和随它安装的应用，并停用它的输入源。继续吗？[y/N] "
             << std::flush;
   std::string answer;
-  if (!std::getline(std::cin, answer)) std::cout << std::endl;
+  // Only somebody at a terminal ends the line.
+  if (!std::getline(std::cin, answer) || ::isatty(STDIN_FILENO) == 0) std::cout << std::endl;
   const auto yes = {"y", "Y", "yes", "Yes", "YES", "是"};
   return std::find(yes.begin(), yes.end(), answer) != yes.end();
 }

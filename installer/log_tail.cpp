@@ -45,7 +45,7 @@ std::shared_ptr<platform::ChildProcess> ContentView::startFollowingInstallLog() 
   };
   const std::string log = platform::onDisk(kInstallLogPath).string();
   const std::vector<std::string> arguments = {"-n", "+1", "-F", log};
-  const auto tail = std::make_shared<platform::ChildProcess>("/usr/bin/tail", arguments, handle);
+  auto tail = std::make_shared<platform::ChildProcess>("/usr/bin/tail", arguments, handle);
   tails_.push_back(tail);
   // Everybody may put a file there: "finish" in one of another account would start the
   // activation, and a link would show what only this user may read.

@@ -12,7 +12,7 @@ Item {
     property alias radius: fill.radius
     property alias color: fill.color
     property alias gradient: fill.gradient
-    readonly property bool isDown: area.pressed && area.containsMouse
+    readonly property bool isDown: isSpaceDown || (area.pressed && area.containsMouse)
     readonly property real labelWidth: label.implicitWidth
     readonly property real labelHeight: label.implicitHeight
 
@@ -25,10 +25,19 @@ Item {
     Accessible.onPressAction: if (enabled) button.clicked()
     Accessible.ignored: !enabled
 
+    // Space presses as the pointer does: on release, and not if the focus has gone meanwhile.
+    property bool isSpaceDown: false
+    onActiveFocusChanged: isSpaceDown = false
     Keys.onPressed: event => {
         if (![Qt.Key_Space, Qt.Key_Return, Qt.Key_Enter].includes(event.key)) return
         event.accepted = true
-        if (!event.isAutoRepeat) button.clicked()
+        if (event.key === Qt.Key_Space) isSpaceDown = true
+        else if (!event.isAutoRepeat) button.clicked()
+    }
+    Keys.onReleased: event => {
+        if (event.key !== Qt.Key_Space || event.isAutoRepeat || !isSpaceDown) return
+        isSpaceDown = false
+        button.clicked()
     }
 
     onEnabledChanged: area.hadFirstClick = false
@@ -49,7 +58,7 @@ Item {
     // What lies over the fill under the pointer, and while pressed.
     ContinuousRectangle {
         visible: opacity > 0
-        opacity: area.containsMouse ? 1 : 0
+        opacity: area.containsMouse || button.isSpaceDown ? 1 : 0
         anchors.fill: parent
         radius: fill.radius
         color: Palette.black(button.isDown ? 0.10 : 0.04)
@@ -62,8 +71,8 @@ Item {
     }
     MouseArea {
         id: area
-        // The first click of a double click was here too. If it was not, it made this
-        // button appear, and the second click is not meant for it.
+        // Whether this button was clicked since it can be. If not, the first click of a
+        // double click was on another one, and the second is not meant for this one.
         property bool hadFirstClick: false
         anchors.fill: parent
         hoverEnabled: true

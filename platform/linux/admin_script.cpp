@@ -40,7 +40,7 @@ constexpr std::array kNotAllowed = {"is not in the sudoers file"sv, "may not run
 std::mutex oneAtATime;
 
 std::mutex mutex;     // guards the next three
-pid_t running = 0;    // the prompt or script that is being run
+pid_t running = 0;    // the prompt or script that is being run; its group as a negative number
 bool isSudo = false;  // what runs is sudo with a script of root
 bool isInterrupted = false;
 
@@ -76,6 +76,7 @@ Outcome run(const std::string& program, const std::vector<std::string>& argument
     if (!child.waitForStarted(-1))
       return {std::nullopt, program + ": " + child.errorString().toStdString()};
     running = static_cast<pid_t>(child.processId());
+    if (!usesTerminal) running = -running;
     isSudo = program == kSudo;
   }
   child.waitForFinished(-1);
@@ -151,7 +152,7 @@ bool interruptAdminScript() {
       if (running == 0) return true;
       // A program that is just being started misses the first request. sudo passes
       // them on; it is not killed, because its script would go on without it.
-      ::kill(-running, request < kRequests / 2 || isSudo ? SIGTERM : SIGKILL);
+      ::kill(running, request < kRequests / 2 || isSudo ? SIGTERM : SIGKILL);
     }
     std::this_thread::sleep_for(100ms);
   }

@@ -58,18 +58,29 @@ OpaqueValue opaque(CFTypeRef object) {
   return {std::make_shared<const OpaqueObject>(OpaqueObject{retain(object)}), isDictionary};
 }
 
-/// Takes over one list as far as the limits allow.
+/// Whether text is UTF-8 as a whole: half a character has none.
+bool isWhole(CFStringRef text) {
+  const CFIndex length = CFStringGetLength(text);
+  return CFStringGetBytes(text, CFRangeMake(0, length), kCFStringEncodingUTF8, 0, false, nullptr, 0,
+                          nullptr) == length;
+}
+
+/// Takes over one list, as far as the limits allow if they hold for it.
 class FromCf {
  public:
+  explicit FromCf(bool isLimited) : isLimited_(isLimited) {}
+
   PropertyListValue value(CFTypeRef object, std::size_t depth = 0) {
-    budget_.take(depth);
+    take(depth);
     const CFTypeID type = CFGetTypeID(object);
     // A CFBoolean is no CFNumber, though NSNumber stands for both.
     if (type == CFBooleanGetTypeID()) {
       return CFBooleanGetValue(static_cast<CFBooleanRef>(object)) != 0;
     }
     if (type == CFNumberGetTypeID()) return number(static_cast<CFNumberRef>(object));
-    if (type == CFStringGetTypeID()) return text(static_cast<CFStringRef>(object));
+    if (type == CFStringGetTypeID() && isWhole(static_cast<CFStringRef>(object))) {
+      return text(static_cast<CFStringRef>(object));
+    }
     if (type == CFArrayGetTypeID()) return array(static_cast<CFArrayRef>(object), depth);
     if (type == CFDictionaryGetTypeID()) {
       return dictionary(static_cast<CFDictionaryRef>(object), depth);
@@ -92,7 +103,7 @@ class FromCf {
   }
 
   std::string text(CFStringRef text) {
-    budget_.take(0, static_cast<std::size_t>(CFStringGetLength(text)));
+    take(0, static_cast<std::size_t>(CFStringGetLength(text)));
     return toString(text);
   }
 
@@ -112,13 +123,21 @@ class FromCf {
     CFDictionaryGetKeysAndValues(dictionary, keys.data(), objects.data());
     PropertyListDictionary values;
     for (std::size_t index = 0; index < count && !isBeyondLimits(); ++index) {
-      if (CFGetTypeID(keys[index]) != CFStringGetTypeID()) return opaque(dictionary);
+      if (CFGetTypeID(keys[index]) != CFStringGetTypeID() ||
+          !isWhole(static_cast<CFStringRef>(keys[index]))) {
+        return opaque(dictionary);
+      }
       values.insert_or_assign(text(static_cast<CFStringRef>(keys[index])),
                               value(objects[index], depth + 1));
     }
     return values;
   }
 
+  void take(std::size_t depth, std::size_t textSize = 0) {
+    if (isLimited_) budget_.take(depth, textSize);
+  }
+
+  bool isLimited_;
   PropertyListBudget budget_;
 };
 
@@ -167,11 +186,11 @@ CfRef<CFPropertyListRef> toCfPropertyList(const PropertyListValue& value) {
   return std::visit(ToCf{}, static_cast<const PropertyListValue::variant&>(value));
 }
 
-std::optional<PropertyListValue> toPropertyListValue(CFTypeRef object) {
+std::optional<PropertyListValue> toPropertyListValue(CFTypeRef object, bool isLimited) {
   if (object == nullptr) return std::nullopt;
-  FromCf reader;
+  FromCf reader(isLimited);
   auto value = reader.value(object);
-  return reader.isBeyondLimits() ? opaque(object) : std::move(value);
+  return reader.isBeyondLimits() ? std::nullopt : std::optional(std::move(value));
 }
 
 }  // namespace platform

@@ -24,8 +24,8 @@ std::optional<std::filesystem::path> toPath(CFURLRef url);
 
 /// Never null.
 CfRef<CFPropertyListRef> toCfPropertyList(const PropertyListValue& value);
-/// Absent for null. Opaque as a whole if it is beyond the limits of
-/// property_list_limits.h: so it can still be written back as it came.
-std::optional<PropertyListValue> toPropertyListValue(CFTypeRef object);
+/// Absent for null and, if `isLimited`, for what is beyond the limits of
+/// property_list_limits.h.
+std::optional<PropertyListValue> toPropertyListValue(CFTypeRef object, bool isLimited = false);
 
 }  // namespace platform

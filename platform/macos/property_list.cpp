@@ -15,7 +15,7 @@ std::optional<PropertyListDictionary> readPropertyListDictionary(
                                        static_cast<CFIndex>(bytes->size())));
   const auto list = adopt(CFPropertyListCreateWithData(nullptr, data.get(),
                                                        kCFPropertyListImmutable, nullptr, nullptr));
-  const auto value = toPropertyListValue(list.get());
+  const auto value = toPropertyListValue(list.get(), /*isLimited=*/true);
   const auto* dictionary = value ? value->as<PropertyListDictionary>() : nullptr;
   return dictionary ? std::optional(*dictionary) : std::nullopt;
 }
