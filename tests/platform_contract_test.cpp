@@ -24,7 +24,6 @@
 #include "platform/preferences.h"
 #include "platform/program.h"
 #include "platform/text_input_sources.h"
-#include "platform/workspace.h"
 
 namespace {
 
@@ -68,22 +67,6 @@ TEST(Contract, MainQueueKeepsOrderAcrossThreads) {
   EXPECT_EQ(status, 7);
   ASSERT_EQ(order.size(), 1000U);
   EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
-}
-
-TEST(Contract, DelayedBlocksGetTheirTurnInLongQueues) {
-  // Blocks that keep coming must not hold back what is due.
-  int turns = 0;
-  bool isDue = false;
-  Block again = [&] {
-    ++turns;
-    isDue ? endMainLoop(0) : asyncOnMain(again);
-  };
-  runOnMainLoop([&] {
-    asyncOnMainAfter(20ms, [&] { isDue = true; });
-    again();
-  });
-  EXPECT_TRUE(isDue);
-  EXPECT_GT(turns, 1);
 }
 
 TEST(Contract, WorkItemsAndTimersEndWithTheirHandles) {
@@ -272,12 +255,6 @@ TEST(Contract, BrokenPipesEndChildrenAndNotThisProcess) {
   onTerminationRequest([] {});
   ::raise(SIGPIPE);
   EXPECT_EQ(outputOf("/bin/sh", {"-c", "echo before; kill -s PIPE $$; echo after"}), "before\n");
-}
-
-TEST(Contract, UrlsAreParsedAndPathsEscaped) {
-  EXPECT_TRUE(parseUrl("x-apple.systempreferences:com.apple.preference.keyboard?InputSources"));
-  EXPECT_EQ(fileUrl("/Library/Input Methods/澄.app").text,
-            "file:///Library/Input%20Methods/%E6%BE%84.app");
 }
 
 }  // namespace
