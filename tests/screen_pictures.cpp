@@ -9,7 +9,6 @@
 #include <QTest>
 #include <cmath>
 #include <filesystem>
-#include <iostream>
 
 #include "platform/linux/file_root_linux.h"
 #include "ui/installer_model.h"
@@ -72,10 +71,6 @@ void takeAll(const QDir& output) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 3) {
-    std::cerr << "usage: screen_pictures ROOT OUTPUT_FOLDER\n";
-    return 64;
-  }
   platform::linux_::setFileRoot(std::filesystem::canonical(argv[1]));
   qputenv("QT_QPA_PLATFORM", "offscreen");
   prepareToolkit();

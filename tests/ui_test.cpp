@@ -116,7 +116,6 @@ TEST_F(UiTest, GuideTakesAnyName) {
     view->installationStatus = Case::waitingEnable;
     open();
     EXPECT_EQ(item("guideText")->property("truncated").toBool(), !isWhole) << name;
-    EXPECT_EQ(place("guideWindow"), place("enableGuideIllustration").adjusted(76, 18, -76, -18));
     EXPECT_TRUE(button.isNull() || button == place("guideOk")) << name;
     button = place("guideOk");
   }
@@ -187,8 +186,9 @@ TEST_F(UiTest, RefusedCloseShowsTheOverlayAboveEverything) {
   auto host = platform.hostWindow();
   view->configureWindow(&host);
   become(Case::waitingEnable);
+  EXPECT_FALSE(item("focusRing"));
   key(Qt::Key_Tab);
-  EXPECT_EQ(focused(), "goEnableButton");
+  EXPECT_TRUE(item("focusRing"));
   EXPECT_FALSE(platform.window.shouldClose());
   settle();
   platform.takeJournal();
@@ -197,11 +197,12 @@ TEST_F(UiTest, RefusedCloseShowsTheOverlayAboveEverything) {
   click({2, 2});
   EXPECT_TRUE(item("exitConfirmOverlay"));
   EXPECT_EQ(platform.journal, Lines{});
-  for (const char* expected : {"exitButton", "exitGoEnableButton", "exitButton"}) {
+  for (const char* expected :
+       {"exitButton", "exitGoEnableButton", "exitButton", "exitGoEnableButton"}) {
     key(Qt::Key_Tab);
     EXPECT_EQ(focused(), expected);
   }
-  press("exitGoEnableButton");
+  key(Qt::Key_Return);
   EXPECT_FALSE(item("exitConfirmOverlay"));
   EXPECT_EQ(focused(), "goEnableButton");
   EXPECT_FALSE(platform.window.shouldClose());
@@ -236,25 +237,6 @@ TEST_F(UiTest, SecondClickPressesNothingNew) {
     EXPECT_LE(openedByDoubleClick(button), 1U) << button;
   }
   EXPECT_EQ(calls({"terminate"}).size(), 1U);
-}
-
-TEST_F(UiTest, KeyboardReachesTheButtons) {
-  open();
-  become(InstallationStatus::failure("安装失败"));
-  press("keyboardSettingsButton");
-  EXPECT_FALSE(item("focusRing"));
-  platform.takeJournal();
-  for (const char* expected : {"keyboardSettingsButton", "retryButton", "keyboardSettingsButton"}) {
-    key(Qt::Key_Tab);
-    EXPECT_EQ(focused(), expected);
-    EXPECT_TRUE(item("focusRing"));
-  }
-  key(Qt::Key_Space);
-  key(Qt::Key_Return);
-  EXPECT_EQ(calls({"open"}).size(), 2U);
-  key(Qt::Key_Backtab);
-  key(Qt::Key_Return);
-  EXPECT_TRUE(view->isInstalling);
 }
 
 }  // namespace
