@@ -13,7 +13,6 @@
 namespace {
 
 using Case = InstallationStatus::Case;
-using Names = std::vector<std::string>;
 
 /// Animations move when it does, while it exists.
 class AnimationClock : public QAnimationDriver {
@@ -86,21 +85,19 @@ class UiTest : public ViewTest {
   std::unique_ptr<QQuickView> window;
 };
 
-TEST_F(UiTest, ActionAreaFollowsTheState) {
+TEST_F(UiTest, ProgressTakesThePlaceOfAllButTheWaitingScreen) {
   open();
-  const Names areas = {"installButton", "quitButton",        "needAdminNotice",
-                       "failureNotice", "enableWaitingView", "progressBar"};
   for (const auto& [status, area] :
-       {std::pair{InstallationStatus(Case::notStarted), areas[0]},
-        std::pair{InstallationStatus(Case::installing), areas[0]},
-        std::pair{InstallationStatus(Case::success), areas[1]},
-        std::pair{InstallationStatus(Case::needAdmin), areas[2]},
-        std::pair{InstallationStatus::failure("安装失败"), areas[3]},
-        std::pair{InstallationStatus(Case::waitingEnable), areas[4]}}) {
+       {std::pair{InstallationStatus(Case::installing), "installButton"},
+        std::pair{InstallationStatus(Case::success), "quitButton"},
+        std::pair{InstallationStatus(Case::needAdmin), "needAdminNotice"},
+        std::pair{InstallationStatus::failure("安装失败"), "failureNotice"},
+        std::pair{InstallationStatus(Case::waitingEnable), "enableWaitingView"}}) {
+    const bool isWaiting = status.value() == Case::waitingEnable;
     for (const bool isInstalling : {true, false}) {
       become(status, isInstalling);
-      const auto& shown = isInstalling && area != areas[4] ? areas[5] : area;
-      for (const auto& each : areas) EXPECT_EQ(item(each) != nullptr, each == shown) << each;
+      EXPECT_EQ(item(area) != nullptr, isWaiting || !isInstalling) << area;
+      EXPECT_EQ(item("progressBar") != nullptr, isInstalling && !isWaiting) << area;
     }
   }
 }
