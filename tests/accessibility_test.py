@@ -63,9 +63,9 @@ def await_node(role, name, program=INSTALLER):
     return await_that(f"{role} {name}", lambda: nodes(program).get((role, name)))
 
 
-def expect(role, *names, program=INSTALLER):
+def expect(role, *names):
     for name in names:
-        check(f"{role} {name}", (role, name) in nodes(program), nodes(program).keys())
+        check(f"{role} {name}", (role, name) in nodes(INSTALLER), nodes(INSTALLER).keys())
 
 
 def await_spoken(name, description=""):
@@ -78,20 +78,16 @@ def press(node):
 
 
 @contextlib.contextmanager
-def running(program, *arguments, askpass="/bin/true"):
+def installer(app=bundle, askpass="/bin/true"):
     spoken.clear()
+    command = [f"{app}/Contents/MacOS/{INSTALLER}", "--root", work + "/root"]
     environment = {**os.environ, "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1", "SUDO_ASKPASS": askpass}
-    with open(os.devnull, "w") as null:
-        process = subprocess.Popen([program, *arguments], env=environment, stdout=null, stderr=null)
+    process = subprocess.Popen(command, env=environment, stderr=subprocess.DEVNULL)
     try:
         yield process
     finally:
         process.terminate()
         process.wait(LONGEST_WAIT)
-
-
-def installer(app=bundle, **options):
-    return running(f"{app}/Contents/MacOS/{INSTALLER}", "--root", work + "/root", **options)
 
 
 def unhappy_ends():
@@ -106,7 +102,6 @@ def unhappy_ends():
     with installer(incomplete):
         press(await_node("push button", "安装"))
         await_spoken("找不到安装脚本 install.sh")
-        expect("label", "找不到安装脚本 install.sh")
         expect("push button", "打开键盘设置", "重试")
 
 
@@ -126,7 +121,6 @@ def whole_installation():
 
         # The consent window takes the focus when it opens: only then is the key safe.
         consent = await_node("push button", "好", AGENT)
-        expect("label", question, program=AGENT)
         search = ["xdotool", "search", "--onlyvisible", "--pid", str(process.pid)]
         window = subprocess.check_output(search, text=True, timeout=LONGEST_WAIT).split()[-1]
         spoken.clear()
@@ -146,18 +140,10 @@ def whole_installation():
         press(await_node("push button", "去启用"))
         await_spoken("启用输入法", instruction)
 
-        switch = await_node("check box", "ABC", AGENT)
-        check("a fixed switch says so", switch.get_description() == "不能更改", switch.get_description())
         press(consent)
         await_spoken("安装成功")
         press(await_node("push button", "安装成功"))
         process.wait(LONGEST_WAIT)
-
-
-def password_window():
-    with running(f"{bundle}/Contents/Helpers/askpass", "Orvane Installer 想要进行更改"):
-        await_node("password text", "", "askpass")
-        expect("label", "Orvane Installer 想要进行更改", "输入密码以允许此操作。", program="askpass")
 
 
 def on_event(event):
@@ -169,6 +155,5 @@ listener = Atspi.EventListener.new(on_event)
 listener.register("object:state-changed:focused")
 unhappy_ends()
 whole_installation()
-password_window()
 if failures:
     sys.exit(f"{failures} failed")

@@ -27,36 +27,18 @@ ended() { wait_for_end "$running"; expect "$1: status" $? "$2"; running=; }
 expect_state() { expect "$1" "$(sources list | grep "^$base	" | cut -f 2)" "$2"; }
 
 ask() { start "$(basename "$app" .app)" askpass '想要 100% "更改"'; }
-export QT_LOGGING_RULES='*=true' # the password stays out even of a full log
 ask; xdotool type --delay 30 'a "B%1\'; xdotool key ctrl+a ctrl+c End ctrl+v Return; ended Return 0
 expect "password, which is not copied" "$(cat "$work/out")" 'a "B%1\'
-! grep -q -i key "$work/err" || fail "keys in the log"
-unset QT_LOGGING_RULES
-ask; xdotool type --delay 30 xyz; click 240 290; ended 好 0
-expect "password by click" "$(cat "$work/out")" xyz
-for keys in Escape alt+F4 "Tab space"; do
-  ask; xdotool type --delay 30 abc; xdotool key $keys; ended "$keys" 1
-  [ ! -s "$work/out" ] || fail "$keys gives the password away"
-done
-DISPLAY=:none "$helpers/askpass" >"$work/out" 2>"$work/err"
-expect "status without a display" $? 69
-grep -q 'cannot ask for the password' "$work/err" || fail "no reason: $(cat "$work/err")"
+ask; xdotool type --delay 30 abc; xdotool key Escape; ended Escape 1
+[ ! -s "$work/out" ] || fail "Escape gives the password away"
 
 consent() { start 输入法许可 input-source-agent --root "$root" --consent $base; }
-unanswered_request() { env -u DISPLAY "$helpers/input-sources" --root "$root" enable $base; }
 env -u DISPLAY SUDO_ASKPASS=/bin/true "$app/Contents/MacOS/orvane-install" --root "$root" \
   --no-wait >/dev/null
-consent; xdotool key Escape alt+F4; sleep 0.5
-timeout 20 "$helpers/input-source-agent" --root "$root" --consent $base || fail "a second window"
 expect_state "unanswered" "disabled asked"
-click 265 180; ended "consent 好" 0; expect_state 好 enabled
-sources deny $base; unanswered_request
 consent; click 140 180; ended "consent 不允许" 0; expect_state 不允许 disabled
-unanswered_request
-consent; sources deny $base; ended "answered elsewhere" 0
 settings() { start '键盘 · 输入法' input-source-agent --root "$root" --settings; }
 settings; xdotool key Tab space; sleep 0.5; expect_state "switched on" enabled
 xdotool key alt+F4; ended settings 0
-"$helpers/input-source-agent" --consent 2>/dev/null; expect "bad usage" $? 64
 
 finish

@@ -37,10 +37,6 @@ for scale in 1 2; do
   expect "size at scale $scale" "$(size)" 1000x900
   expect "centre at scale $scale" "$(content_centre)" 640,512
   expect "corner at scale $scale" "$(colour 998 898)" "#FFFFFF"
-  # The button's gradient runs from sky blue to lavender.
-  left=$(colour $((500 - scale * 112)) $((450 + scale * 78)))
-  right=$(colour $((500 + scale * 112)) $((450 + scale * 78)))
-  case $left-$right in "#7"?[BC]*-"#9"?[89]*) ;; *) fail "the button runs from $left to $right" ;; esac
   kill -TERM $installer
   ended "SIGTERM at scale $scale"
 done
@@ -55,11 +51,9 @@ start_window_manager
 
 echo "closing while nothing is going on"
 open_installer
-centre=$(content_centre)
 xdotool windowsize "$window" 700 600 2>/dev/null
 sleep 0.5
 expect "size after resizing" "$(size)" 1000x900
-expect "centre" "$(content_centre)" "$centre"
 xdotool windowactivate --sync "$window" key alt+F4
 ended close
 

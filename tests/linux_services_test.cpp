@@ -1,10 +1,14 @@
 // The services that the Linux workbench embeds, on real files and processes.
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstdlib>
-#include <iterator>
+#include <fstream>
+#include <sstream>
 
+#include "platform/common/property_list_limits.h"
 #include "platform/linux/file_root_linux.h"
 #include "platform/linux/input_source_service.h"
 #include "platform/linux/property_list_file.h"
@@ -14,81 +18,64 @@ namespace platform::linux_ {
 namespace {
 namespace fs = std::filesystem;
 
-const std::string kBase = "com.example.inputmethod.Sample";
-const std::string kMode = kBase + ".pinyin";
+const std::string kSample = "com.example.inputmethod.Sample";
 
 class LinuxServices : public testing::Test {
  protected:
   LinuxServices() { setFileRoot(root_); }
   ~LinuxServices() override { fs::remove_all(root_); }
 
-  static Status install() {
-    const fs::path bundle = onDisk("/Library/Input Methods/Sample.app");
-    const PropertyListDictionary modes{{kMode, PropertyListDictionary{}}};
-    const PropertyListDictionary component{{"tsInputModeListKey", modes}};
-    EXPECT_TRUE(editPropertyListFile(bundle / "Contents/Info.plist", [&](auto& info) {
-      info = {{"CFBundleIdentifier", kBase}, {"ComponentInputModeDict", component}};
-    }));
-    return registerInputSource(bundle);
-  }
-
-  /// Exit status of the command-line tool, run as another process.
-  int inputSources(const std::string& arguments) const {
-    const std::string tool = std::string("'") + INPUT_SOURCES_PATH + "' --root '";
-    return WEXITSTATUS(std::system((tool + root_.string() + "' " + arguments).c_str()));
-  }
-
-  /// Number of enabled sources beside the built-in layout.
-  static std::ptrdiff_t enabledCount() {
-    return std::ssize(*createInputSourceList(std::nullopt, /*includeAllInstalled=*/false)) - 1;
-  }
-
   std::string template_ = (fs::temp_directory_path() / "linux_services.XXXXXX").string();
   fs::path root_ = ::mkdtemp(template_.data());
+  fs::path list_ = root_ / "list.plist";
 };
 
-TEST_F(LinuxServices, ASourceIsEnabledOnceTheUserAllowsIt) {
-  EXPECT_EQ(install(), kNoError);
-  EXPECT_EQ(disableInputSource(findInputSource(kBase)), kNoError);
-  EXPECT_EQ(enableInputSource(findInputSource(kBase)), kNoError);
-  EXPECT_TRUE(findInputSource(kMode)->isAsked);
-  EXPECT_EQ(enabledCount(), 0);
-  EXPECT_EQ(selectInputSource(findInputSource(kMode)), kParameterError);
-  EXPECT_EQ(inputSources("allow " + kMode), 0);
-  EXPECT_EQ(enabledCount(), 2);
-  EXPECT_EQ(selectInputSource(findInputSource(kBase)), kParameterError);
-  EXPECT_EQ(inputSources("select " + kMode), 0);
-  EXPECT_TRUE(findInputSource(kMode)->isCurrent);
-  EXPECT_EQ(disableInputSource(findInputSource(kMode)), kNoError);
-  EXPECT_EQ(enableInputSource(findInputSource(kBase)), kNoError);
-  EXPECT_EQ(enabledCount(), 2);
-  EXPECT_TRUE(findInputSource(kBuiltInLayoutId)->isCurrent);
-  EXPECT_EQ(answerForUser(findInputSource(kBase), false), kNoError);
-  EXPECT_EQ(enableInputSource(findInputSource(kMode)), kNoError);
-  EXPECT_EQ(enabledCount(), 0);
-  EXPECT_TRUE(findInputSource(kBase)->isAsked);
-  EXPECT_EQ(inputSources("select " + kMode), 1);
-}
-
-TEST_F(LinuxServices, ObserversSeeEachChangeOfTheEnabledSetOnce) {
-  install();
-  answerForUser(findInputSource(kBase), true);
-  int seen = 0;
+TEST_F(LinuxServices, ChangesMadeByAnotherProcessAreHeardOnce) {
+  const fs::path bundle = onDisk("/Library/Input Methods/Sample.app");
+  EXPECT_TRUE(editPropertyListFile(bundle / "Contents/Info.plist",
+                                   [](auto& info) { info["CFBundleIdentifier"] = kSample; }));
+  registerInputSource(bundle);
+  const std::string allow =
+      std::string("'") + INPUT_SOURCES_PATH + "' --root '" + root_.string() + "' allow " + kSample;
+  int heard = 0;
   std::unique_ptr<WorkItem> end;
-  Observation once = observeEnabledInputSourcesChanged([&] {
-    EXPECT_TRUE(once);
-    once.reset();
-  });
   const auto observer = observeEnabledInputSourcesChanged([&] {
-    if (++seen == 1) return (void)enableInputSource(findInputSource(kMode));
-    inputSources("select " + kMode);
+    ++heard;
     end = scheduleWorkItem(Seconds(0.3), [] { endMainLoop(0); });
   });
-  inputSources("disable " + kMode);  // before the main loop runs
-  asyncOnMain([&] { end = scheduleWorkItem(Seconds(30), [] { endMainLoop(1); }); });
+  asyncOnMain([&] {
+    end = scheduleWorkItem(Seconds(30), [] { endMainLoop(1); });
+    EXPECT_EQ(std::system(allow.c_str()), 0);
+  });
   EXPECT_EQ(runMainLoop(), 0);
-  EXPECT_EQ(seen, 2);
-  EXPECT_FALSE(once);
+  EXPECT_EQ(heard, 1);
+}
+
+TEST_F(LinuxServices, ListsThatCannotBeReadStayAsTheyAre) {
+  std::string deep = "<plist><dict><key>k</key>";
+  for (int i = 0; i < 200'000; ++i) deep += "<array>";
+  for (const std::string& bytes :
+       {std::string("<plist><dict>"), deep,
+        "<plist><dict/></plist>" + std::string(kPropertyListSizeLimit, ' ')}) {
+    std::ofstream(list_) << bytes;
+    EXPECT_FALSE(editPropertyListFile(list_, [](auto& stored) { stored["new"] = true; }));
+    std::ostringstream after;
+    after << std::ifstream(list_).rdbuf();
+    EXPECT_EQ(after.str(), bytes);
+  }
+}
+
+TEST_F(LinuxServices, ConcurrentEditsAreAllKept) {
+  for (const std::string name : {"a", "b", "c", "d"}) {
+    if (::fork() != 0) continue;
+    bool isStored = true;
+    for (int i = 0; i < 25; ++i)
+      isStored &= editPropertyListFile(
+          list_, [&](auto& stored) { stored[name + std::to_string(i)] = true; });
+    ::_exit(isStored ? 0 : 1);
+  }
+  for (int status = 0; ::wait(&status) > 0;) EXPECT_EQ(status, 0);
+  EXPECT_EQ(readPropertyListDictionary(list_)->size(), 100U);
 }
 
 }  // namespace

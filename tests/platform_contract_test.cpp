@@ -24,7 +24,6 @@
 #include "platform/preferences.h"
 #include "platform/program.h"
 #include "platform/text_input_sources.h"
-#include "platform/workspace.h"
 
 namespace {
 
@@ -68,22 +67,6 @@ TEST(Contract, MainQueueKeepsOrderAcrossThreads) {
   EXPECT_EQ(status, 7);
   ASSERT_EQ(order.size(), 1000U);
   EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
-}
-
-TEST(Contract, DelayedBlocksGetTheirTurnInLongQueues) {
-  // Blocks that keep coming must not hold back what is due.
-  int turns = 0;
-  bool isDue = false;
-  Block again = [&] {
-    ++turns;
-    isDue ? endMainLoop(0) : asyncOnMain(again);
-  };
-  runOnMainLoop([&] {
-    asyncOnMainAfter(20ms, [&] { isDue = true; });
-    again();
-  });
-  EXPECT_TRUE(isDue);
-  EXPECT_GT(turns, 1);
 }
 
 TEST(Contract, WorkItemsAndTimersEndWithTheirHandles) {
@@ -215,24 +198,33 @@ TEST(Contract, PropertyListsAreReadAndWrittenBackAsTheyCame) {
                        {"list", PropertyListArray{"a", PropertyListDictionary{}, ""}}}));
 }
 
-TEST(Contract, ListsBeyondTheLimitsOrOfAnotherKindAreRefused) {
-  // A dictionary of 60 arrays in each other, each of which holds the next one twice.
+/// A binary list: a dictionary of so many arrays in each other, each of which holds
+/// the next one twice, and the last one "true".
+std::string doubledList(char arrays) {
   std::string bytes("bplist00\xD1\1\2Qa");
   std::string offsets("\x08\x0B");
-  for (char next = 3; next <= 62; ++next) {
+  for (int i = 0; i < arrays; ++i) {
     offsets += static_cast<char>(bytes.size());
+    const auto next = static_cast<char>(i + 3);
     bytes += {'\xA2', next, next};
   }
   offsets += static_cast<char>(bytes.size());
   bytes += '\x09';
   const auto table = static_cast<char>(bytes.size());
   const auto number = [](char last) { return std::string(7, '\0') + last; };
+  return bytes + offsets + std::string(6, '\0') + "\1\1" +
+         number(static_cast<char>(offsets.size())) + number(0) + number(table);
+}
+
+TEST(Contract, ListsBeyondTheLimitsOrOfAnotherKindAreRefused) {
   const auto file = std::filesystem::temp_directory_path() / "orvane-contract.plist";
-  std::ofstream(file) << bytes << offsets << std::string(6, '\0') << "\1\1"
-                      << number(static_cast<char>(offsets.size())) << number(0) << number(table);
-  EXPECT_EQ(readPropertyListDictionary(file), std::nullopt);
-  std::ofstream(file) << "<plist><array/></plist>";
-  EXPECT_EQ(readPropertyListDictionary(file), std::nullopt);
+  std::ofstream(file) << doubledList(1);
+  EXPECT_EQ(readPropertyListDictionary(file),
+            (PropertyListDictionary{{"a", PropertyListArray{true, true}}}));
+  for (const std::string& bytes : {doubledList(60), std::string("<plist><array/></plist>")}) {
+    std::ofstream(file) << bytes;
+    EXPECT_EQ(readPropertyListDictionary(file), std::nullopt);
+  }
   std::filesystem::remove(file);
 }
 
@@ -272,12 +264,6 @@ TEST(Contract, BrokenPipesEndChildrenAndNotThisProcess) {
   onTerminationRequest([] {});
   ::raise(SIGPIPE);
   EXPECT_EQ(outputOf("/bin/sh", {"-c", "echo before; kill -s PIPE $$; echo after"}), "before\n");
-}
-
-TEST(Contract, UrlsAreParsedAndPathsEscaped) {
-  EXPECT_TRUE(parseUrl("x-apple.systempreferences:com.apple.preference.keyboard?InputSources"));
-  EXPECT_EQ(fileUrl("/Library/Input Methods/澄.app").text,
-            "file:///Library/Input%20Methods/%E6%BE%84.app");
 }
 
 }  // namespace

@@ -13,7 +13,6 @@
 namespace {
 
 using Case = InstallationStatus::Case;
-using Names = std::vector<std::string>;
 
 /// Animations move when it does, while it exists.
 class AnimationClock : public QAnimationDriver {
@@ -32,14 +31,14 @@ class AnimationClock : public QAnimationDriver {
 
 class UiTest : public ViewTest {
  protected:
-  void open(QSize size = {500, 450}) {
+  void open() {
     window.reset();
     model = std::make_unique<InstallerModel>(view);
     window = std::make_unique<QQuickView>();
     window->setResizeMode(QQuickView::SizeRootObjectToView);
     window->setInitialProperties({{"model", QVariant::fromValue(model.get())}});
     window->setSource(contentBodyUrl());
-    window->resize(size);
+    window->resize(500, 450);
     window->show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
     settle();
@@ -86,70 +85,19 @@ class UiTest : public ViewTest {
   std::unique_ptr<QQuickView> window;
 };
 
-TEST_F(UiTest, SizesFollowTheWindow) {
-  for (const auto& [content, progressWidth, illustration, card] :
-       {std::tuple{QSize(500, 450), 388, QSizeF(436, 200), QSizeF(400, 350)},
-        std::tuple{QSize(1000, 900), 888, QSizeF(936, 560), QSizeF(520, 420)},
-        std::tuple{QSize(400, 340), 288, QSizeF(336, 200), QSizeF(320, 260)}}) {
-    view = ContentView::create();
-    open(content);
-    const QPointF centre = QRectF(QPointF(), content).center();
-
-    EXPECT_EQ(place("applicationIcon").size(), QSizeF(80, 80));
-    EXPECT_EQ(place("applicationIcon").top() - place("installerMainView").top(), 20);
-    EXPECT_EQ(place("installerMainView").center(), centre);
-    EXPECT_EQ(place("installButton").size(), QSizeF(240, 44));
-    become(Case::installing, true);
-    EXPECT_EQ(place("progressBar").size(), QSizeF(progressWidth, 4));
-    EXPECT_EQ(place("progressBar").left(), 16 + 40);
-    become(Case::waitingEnable);
-    const QRectF guide = place("enableGuideIllustration"), button = place("goEnableButton");
-    EXPECT_EQ(guide.size(), illustration);
-    EXPECT_EQ(button.size(), QSizeF(std::min(illustration.width(), 360.0), 56));
-    EXPECT_GE(guide.top() - place("waitingInstruction").bottom(), 18);
-    EXPECT_GE(button.top() - guide.bottom(), 18);
-    view->showExitEnableConfirm = true;
-    settle();
-    EXPECT_EQ(place("dimming"), QRectF(QPointF(), content));
-    EXPECT_EQ(place("exitCard").size(), card);
-    EXPECT_EQ(place("exitCard").center(), centre);
-  }
-}
-
-TEST_F(UiTest, ActionAreaFollowsTheState) {
+TEST_F(UiTest, ProgressTakesThePlaceOfAllButTheWaitingScreen) {
   open();
-  const Names areas = {"installButton", "quitButton",        "needAdminNotice",
-                       "failureNotice", "enableWaitingView", "progressBar"};
   for (const auto& [status, area] :
-       {std::pair{InstallationStatus(Case::notStarted), areas[0]},
-        std::pair{InstallationStatus(Case::installing), areas[0]},
-        std::pair{InstallationStatus(Case::success), areas[1]},
-        std::pair{InstallationStatus(Case::needAdmin), areas[2]},
-        std::pair{InstallationStatus::failure("安装失败"), areas[3]},
-        std::pair{InstallationStatus(Case::waitingEnable), areas[4]}}) {
+       {std::pair{InstallationStatus(Case::installing), "installButton"},
+        std::pair{InstallationStatus(Case::success), "quitButton"},
+        std::pair{InstallationStatus(Case::needAdmin), "needAdminNotice"},
+        std::pair{InstallationStatus::failure("安装失败"), "failureNotice"},
+        std::pair{InstallationStatus(Case::waitingEnable), "enableWaitingView"}}) {
+    const bool isWaiting = status.value() == Case::waitingEnable;
     for (const bool isInstalling : {true, false}) {
       become(status, isInstalling);
-      const auto& shown = isInstalling && area != areas[4] ? areas[5] : area;
-      for (const auto& each : areas) EXPECT_EQ(item(each) != nullptr, each == shown) << each;
-    }
-  }
-}
-
-TEST_F(UiTest, TextsAreWholeAndInTheWindow) {
-  open();
-  view->showExitEnableConfirm = true;
-  for (const auto& status :
-       {InstallationStatus(Case::notStarted), InstallationStatus(Case::needAdmin),
-        InstallationStatus(Case::waitingEnable), InstallationStatus::failure("安装失败"),
-        InstallationStatus::failure("找不到安装脚本 install.sh"),
-        InstallationStatus::failure("未检测到已安装的输入法")}) {
-    become(status);
-    for (QQuickItem* each : window->rootObject()->findChildren<QQuickItem*>()) {
-      const QVariant isCut = each->property("truncated");
-      if (!isCut.isValid() || !each->isVisible()) continue;
-      const QRectF at = each->mapRectToScene(each->boundingRect());
-      EXPECT_TRUE(!isCut.toBool() && QRectF(0, 0, 500, 450).contains(at))
-          << each->property("text").toString().toStdString();
+      EXPECT_EQ(item(area) != nullptr, isWaiting || !isInstalling) << area;
+      EXPECT_EQ(item("progressBar") != nullptr, isInstalling && !isWaiting) << area;
     }
   }
 }
@@ -165,7 +113,6 @@ TEST_F(UiTest, GuideTakesAnyName) {
     view->installationStatus = Case::waitingEnable;
     open();
     EXPECT_EQ(item("guideText")->property("truncated").toBool(), !isWhole) << name;
-    EXPECT_EQ(place("guideWindow"), place("enableGuideIllustration").adjusted(76, 18, -76, -18));
     EXPECT_TRUE(button.isNull() || button == place("guideOk")) << name;
     button = place("guideOk");
   }
@@ -178,12 +125,9 @@ TEST_F(UiTest, NamesComeFromTheBundle) {
   platform.info = {{"CFBundleDisplayName", ""},
                    {"CFBundleName", "Orvane"},
                    {"CFBundleShortVersionString", "2.4.0"}};
-  view->showExitEnableConfirm = true;
-  view->installationStatus = Case::waitingEnable;
   open();
-  EXPECT_EQ(text("exitMessage"), "未启用「Orvane」\n退出安装将无法使用");
-  EXPECT_EQ(text("guideText"), "“Orvane”想启用第三方\n输入法“Orvane”");
-  EXPECT_EQ(model->version(), "2.4.0");
+  EXPECT_EQ(text("version"), "2.4.0");
+  EXPECT_EQ(model->appDisplayName(), "Orvane");
 }
 
 TEST_F(UiTest, ProgressIsTruncatedAndMovesSmoothly) {
@@ -239,8 +183,9 @@ TEST_F(UiTest, RefusedCloseShowsTheOverlayAboveEverything) {
   auto host = platform.hostWindow();
   view->configureWindow(&host);
   become(Case::waitingEnable);
+  EXPECT_FALSE(item("focusRing"));
   key(Qt::Key_Tab);
-  EXPECT_EQ(focused(), "goEnableButton");
+  EXPECT_TRUE(item("focusRing"));
   EXPECT_FALSE(platform.window.shouldClose());
   settle();
   platform.takeJournal();
@@ -249,11 +194,12 @@ TEST_F(UiTest, RefusedCloseShowsTheOverlayAboveEverything) {
   click({2, 2});
   EXPECT_TRUE(item("exitConfirmOverlay"));
   EXPECT_EQ(platform.journal, Lines{});
-  for (const char* expected : {"exitButton", "exitGoEnableButton", "exitButton"}) {
+  for (const char* expected :
+       {"exitButton", "exitGoEnableButton", "exitButton", "exitGoEnableButton"}) {
     key(Qt::Key_Tab);
     EXPECT_EQ(focused(), expected);
   }
-  press("exitGoEnableButton");
+  key(Qt::Key_Return);
   EXPECT_FALSE(item("exitConfirmOverlay"));
   EXPECT_EQ(focused(), "goEnableButton");
   EXPECT_FALSE(platform.window.shouldClose());
@@ -288,25 +234,6 @@ TEST_F(UiTest, SecondClickPressesNothingNew) {
     EXPECT_LE(openedByDoubleClick(button), 1U) << button;
   }
   EXPECT_EQ(calls({"terminate"}).size(), 1U);
-}
-
-TEST_F(UiTest, KeyboardReachesTheButtons) {
-  open();
-  become(InstallationStatus::failure("安装失败"));
-  press("keyboardSettingsButton");
-  EXPECT_FALSE(item("focusRing"));
-  platform.takeJournal();
-  for (const char* expected : {"keyboardSettingsButton", "retryButton", "keyboardSettingsButton"}) {
-    key(Qt::Key_Tab);
-    EXPECT_EQ(focused(), expected);
-    EXPECT_TRUE(item("focusRing"));
-  }
-  key(Qt::Key_Space);
-  key(Qt::Key_Return);
-  EXPECT_EQ(calls({"open"}).size(), 2U);
-  key(Qt::Key_Backtab);
-  key(Qt::Key_Return);
-  EXPECT_TRUE(view->isInstalling);
 }
 
 }  // namespace
