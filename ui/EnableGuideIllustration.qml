@@ -94,7 +94,6 @@ ContinuousRectangle {
             anchors.centerIn: parent
             spacing: Math.min((mock.height - 44 - 54 - 34) / 4, 28)
             SystemImage {
-                objectName: "guideIcon"
                 anchors.horizontalCenter: parent.horizontalCenter
                 width: 44
                 height: 44

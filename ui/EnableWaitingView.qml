@@ -26,7 +26,6 @@ Announcement {
         Item { width: 1; height: Math.max(view.spacer, 28) }
         Label {
             id: title
-            objectName: "waitingTitle"
             anchors.horizontalCenter: parent.horizontalCenter
             text: "启用输入法"
             font { pixelSize: 30; weight: Palette.semibold }

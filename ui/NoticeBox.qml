@@ -27,7 +27,6 @@ Announcement {
 
         Label {
             id: message
-            objectName: "noticeText"
             // The text takes the room that the buttons leave. A long one gets smaller.
             width: Math.min(implicitWidth, box.width - 2 * 8 - buttonRow.width - row.spacing)
             height: box.height
