@@ -118,7 +118,7 @@ class InstallationRun {
     if (view_->installationStatus->is(InstallationStatus::waitingEnable)) return leaveWaiting();
     // The run goes on: how the script ends now decides its result.
     if (platform::interruptAdminScript()) return;
-    output_.complain("安装脚本仍以管理员权限运行，无法中止");
+    output_.complain("安装被中断；密码窗口或安装脚本还在，无法中止");
     leaveSoon(kFailed);
   }
 

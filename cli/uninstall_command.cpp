@@ -49,7 +49,7 @@ class Uninstallation {
     platform::onTerminationRequest([this] {
       // How the script ends now decides the result.
       isInterrupted_ = true;
-      if (!platform::interruptAdminScript()) fail("卸载脚本仍以管理员权限运行，无法中止");
+      if (!platform::interruptAdminScript()) fail("移除被中断；密码窗口或卸载脚本还在，无法中止");
     });
     platform::emptyLogFile(platform::onDisk(kUILogPathOfUninstaller));
     const auto script = platform::bundleResource("uninstall", "sh");
@@ -103,9 +103,11 @@ class Uninstallation {
   void cleanUp() {
     output_.phase("cleanup");
     const TessalInstaller installer;
-    say("已停用 " + std::to_string(installer.retire(sources_)) + " 个输入源");
+    const auto disabled = installer.retire(sources_);
     if (installer.isBaseEnabledBestEffort() || !installer.enabledModes().empty())
       miss("还有输入源没有停用");
+    else
+      say("已停用 " + std::to_string(disabled) + " 个输入源");
     const auto removed = installer.removeOrvaneFromHIToolboxDefaults(bundleID_);
     const auto lists = installer.listedEntries(TessalInstaller::InputMode::pinyin);
     if (removed &&

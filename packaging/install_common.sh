@@ -114,8 +114,11 @@ locate() {
   esac
 }
 
-# One rename, which lands in no folder of that name, replaces nothing and copies nothing to another volume.
+# One rename, which lands in no folder of that name, replaces nothing and copies nothing to another volume. The Finder
+# locks a bundle by a flag that stops even root.
+unlocked=nouchg,noschg,nouappnd,nosappnd
 rename() {
+  chflags -h "$unlocked" "$1" >/dev/null 2>&1
   # shellcheck disable=SC2016
   ! exists "$2" && perl -e 'rename($ARGV[0], $ARGV[1]) or die "$!\n"' -- "$1" "$2"
 }
@@ -123,7 +126,7 @@ rename() {
 # Files of an old bundle may be locked, even for root.
 delete() {
   rm -rf "$1" 2>/dev/null && return 0
-  chflags -hR nouchg,noschg,nouappnd,nosappnd "$1" >/dev/null 2>&1
+  chflags -R "$unlocked" "$1" >/dev/null 2>&1 # it leaves links alone
   rm -rf "$1" 2>/dev/null
 }
 
@@ -147,7 +150,13 @@ make_staging() {
   if [ -n "$(find "$staging" -prune -type d -user "$(id -u)" 2>/dev/null)" ]; then
     for app in Orvane Sondrel Cogwen; do
       locate "$app"
-      ! exists "$backup" || exists "$destination" || rename "$backup" "$destination" || fail "cannot put back $name"
+      exists "$backup" || continue
+      # While the new bundle is still in staging the old one counts, whatever others have put in its place.
+      if exists "$staged" || exists "$staging/$name"; then
+        delete "$staging/$name"
+        ! exists "$destination" || rename "$destination" "$staging/$name" || fail "cannot put back $name"
+      fi
+      exists "$destination" || rename "$backup" "$destination" || fail "cannot put back $name"
     done
     remove_staging
   else

@@ -126,12 +126,14 @@ whole_or_set_aside() {
   [ -z "$(find "$root/Applications" -name '.?*' 2>/dev/null && find "$staging" -prune ! -perm 700 2>/dev/null)" ]
 }
 
-# Killed, killed again during the repair, then left alone.
+# Killed, killed again during the repair, then left alone. What somebody has put in a bundle's place meanwhile does not
+# cost the old one.
+planted() { mkdir "$sondrel" && stop_at install 12 TERM && same "$sondrel" "$work/old/Applications/Sondrel.app"; }
 killed() {
   make_stopping_copy
   n=1
   while start_from "$work/old" && stop_at install "$n" KILL; do
-    whole_or_set_aside && { ! stop_at install 8 KILL || whole_or_set_aside; } &&
+    whole_or_set_aside && { [ -e "$sondrel" ] || planted; } && { ! stop_at install 8 KILL || whole_or_set_aside; } &&
       install && holds "$work/new" || { echo "killed at boundary $n" && return 1; }
     n=$((n + 1))
   done

@@ -2,6 +2,7 @@
 
 #import <Foundation/Foundation.h>
 
+#include <atomic>
 #include <mutex>
 
 #include "platform/common/admin_script_source.h"
@@ -12,6 +13,7 @@ namespace platform {
 namespace {
 
 std::mutex executing;  // NSAppleScript is not thread-safe
+std::atomic<bool> isInterrupted = false;
 
 // A value of another type than expected counts as none.
 AdminScriptError toAdminScriptError(NSDictionary<NSString*, id>* error) {
@@ -33,6 +35,7 @@ std::optional<AdminScriptError> executeAdminScript(const std::string& source) {
   if (!parseAdminScriptSource(source)) return adminScriptSyntaxError(source);
   // A worker has no pool of its own.
   const std::lock_guard lock(executing);
+  if (isInterrupted) return AdminScriptError{kAdminScriptCancelled, std::nullopt};
   @autoreleasepool {
     NSAppleScript* script = [[NSAppleScript alloc] initWithSource:toNSString(source)];
     NSDictionary<NSString*, id>* error = nil;
@@ -46,6 +49,7 @@ std::optional<AdminScriptError> executeAdminScript(const std::string& source) {
 // The password prompt and the script belong to processes of the system, which
 // this one can neither signal nor wait for.
 bool interruptAdminScript() {
+  isInterrupted = true;
   const std::unique_lock idle(executing, std::try_to_lock);
   return idle.owns_lock();
 }
