@@ -30,7 +30,7 @@ run:
 	@tools/run.sh "$(APP)"
 
 test:
-	@ctest --preset $(PRESET) -j 2
+	@ctest --preset $(PRESET) -j 3
 
 check:
 	@tools/check.sh
