@@ -17,7 +17,7 @@ build='
 screenshots='xvfb xauth xdotool openbox x11-utils imagemagick webp'
 test='
   libgtest-dev procps dbus-daemon at-spi2-core python3-gi gir1.2-atspi-2.0
-  ansible-core openssh-client mandoc zsh fish
+  ansible-core mandoc zsh fish
 '
 check='libgtest-dev clang-14 libclang-rt-14-dev clang-format clang-tidy shellcheck'
 macos='libgtest-dev clang-19 llvm-14 python3-pip icnsutils'
