@@ -1,16 +1,48 @@
 #include "platform/main_queue.h"
 
-#include <QObject>
+#include <QCoreApplication>
+#include <QEvent>
 #include <QTimer>
+#include <deque>
+#include <mutex>
 #include <thread>
 #include <utility>
 
 namespace platform {
 namespace {
 
+/// The blocks that wait. The thread sanitizer sees this lock, and not the toolkit's own.
+class Queue final : public QObject {
+ public:
+  void add(Block block) {
+    {
+      const std::lock_guard lock(mutex_);
+      blocks_.push_back(std::move(block));
+    }
+    QCoreApplication::postEvent(this, std::make_unique<QEvent>(QEvent::User).release());
+  }
+
+  /// One event came with each block; others are not sent to this object.
+  bool event(QEvent* /*event*/) override {
+    Block block;
+    {
+      const std::lock_guard lock(mutex_);
+      if (blocks_.empty()) return false;
+      block = std::move(blocks_.front());
+      blocks_.pop_front();
+    }
+    block();
+    return true;
+  }
+
+ private:
+  std::mutex mutex_;
+  std::deque<Block> blocks_;  // guarded by it
+};
+
 // All blocks belong to it. Made on the main thread before there is another one, and
 // never destroyed: a worker may put blocks here while the process ends.
-QObject* const queue = std::make_unique<QObject>().release();
+Queue* const queue = std::make_unique<Queue>().release();
 
 std::chrono::milliseconds atLeast(Seconds delay) {
   return std::chrono::ceil<std::chrono::milliseconds>(delay);
@@ -35,7 +67,7 @@ class TimerHandle final : public WorkItem, public Timer {
 }  // namespace
 
 void asyncOnMain(Block block) {
-  QMetaObject::invokeMethod(queue, std::move(block), Qt::QueuedConnection);
+  queue->add(std::move(block));
 }
 
 void asyncOnMainAfter(Seconds delay, Block block) {
