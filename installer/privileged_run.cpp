@@ -47,8 +47,8 @@ void ContentView::startInstallation() {
   const auto tail = startFollowingInstallLog();
 
   const std::string source = platform::composeAdminScriptSource({script->string(), adminPrompt()});
-  const auto handOver = [view = weak_from_this(),
-                         tail](const std::optional<platform::AdminScriptError>& error) {
+  platform::asyncOnWorker([view = weak_from_this(), tail, source] {
+    const auto error = platform::executeAdminScript(source);
     // These blocks alone own the follower, so it ends with its run. If the view owned
     // it, a second run would wait on the main thread for the end of the first one.
     platform::asyncOnMain([view, tail, error] {
@@ -58,8 +58,7 @@ void ContentView::startInstallation() {
       std::erase_if(self->tails_, [&](const auto& each) { return each.lock() == tail; });
       self->finishPrivilegedRun(error);
     });
-  };
-  platform::asyncOnWorker([source, handOver] { handOver(platform::executeAdminScript(source)); });
+  });
 }
 
 void ContentView::finishPrivilegedRun(const std::optional<platform::AdminScriptError>& error) {
