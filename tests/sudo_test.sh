@@ -91,7 +91,7 @@ await "the end of the prompt" sh -c '! pgrep -x sudo && ! pgrep -f "[a]skpass-as
 [ ! -e "$machine/Library" ] || fail "something was installed"
 
 # In a terminal without a display, where sudo itself asks. su would give it a session
-# without the terminal.
+# without the terminal, and a shell that stays in front of it would die of the ^C.
 typed() { # typed KEYS EXPECTED_STATUS
   : >"$machine/typed"
   {
@@ -100,7 +100,7 @@ typed() { # typed KEYS EXPECTED_STATUS
     # shellcheck disable=SC2059 # keys are escapes
     printf "$1"
     sleep 2
-  } | timeout 60 script -qefc "env -u DISPLAY -u SUDO_ASKPASS HOME=/home/installer-tester chroot '$machine' \
+  } | timeout 60 script -qefc "exec env -u DISPLAY -u SUDO_ASKPASS HOME=/home/installer-tester chroot '$machine' \
     setpriv --reuid=installer-tester --regid=installer-tester --init-groups \
     '$app/Contents/MacOS/orvane-install' --no-wait" "$machine/typed" >/dev/null
   expect "typed in the terminal: $1" $? "$2"
