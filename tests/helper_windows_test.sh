@@ -27,8 +27,8 @@ ended() { wait_for_end "$running"; expect "$1: status" $? "$2"; running=; }
 expect_state() { expect "$1" "$(sources list | grep "^$base	" | cut -f 2)" "$2"; }
 
 ask() { start "$(basename "$app" .app)" askpass '想要 100% "更改"'; }
-ask; xdotool type --delay 30 'a "B%1\'; xdotool key ctrl+a ctrl+c End ctrl+v Return; ended Return 0
-expect "password, which is not copied" "$(cat "$work/out")" 'a "B%1\'
+ask; xdotool type --delay 30 'a "B%1\'; xdotool key Return; ended Return 0
+expect "password" "$(cat "$work/out")" 'a "B%1\'
 ask; xdotool type --delay 30 abc; xdotool key Escape; ended Escape 1
 [ ! -s "$work/out" ] || fail "Escape gives the password away"
 

@@ -9,7 +9,8 @@ build='
   cmake g++ ninja-build
   qt6-base-dev qt6-declarative-dev qt6-declarative-dev-tools
   qml6-module-qtqml qml6-module-qtqml-models qml6-module-qtqml-workerscript
-  qml6-module-qtquick qml6-module-qtquick-templates qml6-module-qtquick-window
+  qml6-module-qtquick qml6-module-qtquick-controls qml6-module-qtquick-templates
+  qml6-module-qtquick-window
   libcli11-dev nlohmann-json3-dev libplist-utils libutfcpp-dev
   fonts-noto-cjk fonts-noto-cjk-extra librsvg2-bin
   zip libarchive-tools openssl perl-base sudo

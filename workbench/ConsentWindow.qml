@@ -1,8 +1,8 @@
 import QtQuick 2.15
+import QtQuick.Controls.Basic
 import Orvane.Installer
 
-// The question that the installer's guide shows, in the same measures. Only its
-// buttons answer it.
+// The question that the installer's guide shows. Only its buttons answer it.
 Window {
     id: window
 
@@ -19,7 +19,7 @@ Window {
     title: "输入法许可"
     visible: true
     flags: Qt.Dialog | Qt.CustomizeWindowHint | Qt.WindowTitleHint | Qt.WindowStaysOnTopHint
-    width: 360 + 2 * 24
+    width: 400
     height: column.height + 2 * 32
     // In a corner of the screen, where the installer's guide is not.
     x: Screen.virtualX + Screen.desktopAvailableWidth - width - 24
@@ -35,53 +35,34 @@ Window {
             width: 44
             height: 44
             symbol: "gearshape.fill"
-            color: Palette.black(0.55)
+            color: "gray"
         }
         Label {
-            width: 360
+            width: 352
             horizontalAlignment: Text.AlignHCenter
             wrapMode: Text.Wrap
             maximumLineCount: 6
             elide: Text.ElideRight
-            lineHeightMode: Text.FixedHeight
-            lineHeight: 22
             text: "“" + window.appName + "”想启用第三方\n输入法“" + window.inputMethodName + "”"
-            font { pixelSize: 16; weight: Palette.semibold }
-            color: Palette.black(0.82)
+            font { pixelSize: 16; bold: true }
         }
         Row {
             anchors.horizontalCenter: parent.horizontalCenter
             spacing: 16
-            AnswerButton {
-                font { pixelSize: 14; weight: Font.Medium }
-                textColor: Palette.black(0.78)
-                strokeColor: Palette.black(0.08)
-                strokeWidth: 1
+            Answer {
                 text: "不允许"
                 onClicked: window.answer(false)
             }
-            AnswerButton {
-                font { pixelSize: 14; weight: Palette.semibold }
-                textColor: Palette.black(0.82)
-                strokeColor: Palette.primaryStroke
-                strokeWidth: 2
+            Answer {
+                highlighted: true
                 text: "好"
                 onClicked: window.answer(true)
             }
         }
     }
 
-    component AnswerButton: PlainButton {
-        property alias strokeColor: outline.strokeColor
-        property alias strokeWidth: outline.strokeWidth
+    component Answer: Button {
         width: 108
-        height: 34
-        radius: 10
-        color: "white"
-        ContinuousRectangle {
-            id: outline
-            anchors.fill: parent
-            radius: 10
-        }
+        Accessible.onPressAction: clicked() // the toolkit's own does nothing
     }
 }
