@@ -44,7 +44,7 @@ class PropertyListValue : public std::variant<bool, std::int64_t, std::string, P
   }
 };
 
-/// Reads an XML or binary property list; absent if the file is missing,
+/// Reads a property list in XML, on macOS also a binary one; absent if the file is missing,
 /// unreadable, damaged, beyond the limits of common/property_list_limits.h, no
 /// regular file, or has another kind of value at its root. Any thread.
 std::optional<PropertyListDictionary> readPropertyListDictionary(const std::filesystem::path& file);

@@ -218,9 +218,11 @@ std::string doubledList(char arrays) {
 
 TEST(Contract, ListsBeyondTheLimitsOrOfAnotherKindAreRefused) {
   const auto file = std::filesystem::temp_directory_path() / "orvane-contract.plist";
+#ifdef __APPLE__  // Linux reads no binary lists
   std::ofstream(file) << doubledList(1);
   EXPECT_EQ(readPropertyListDictionary(file),
             (PropertyListDictionary{{"a", PropertyListArray{true, true}}}));
+#endif
   for (const std::string& bytes : {doubledList(60), std::string("<plist><array/></plist>")}) {
     std::ofstream(file) << bytes;
     EXPECT_EQ(readPropertyListDictionary(file), std::nullopt);

@@ -9,7 +9,6 @@
 #include <iostream>
 
 #include "platform/common/property_list_limits.h"
-#include "platform/linux/binary_property_list.h"
 #include "platform/linux/property_list_file.h"
 #include "platform/posix/regular_file.h"
 
@@ -23,7 +22,6 @@ struct OpaqueObject {
 };
 
 bool operator==(const OpaqueValue& left, const OpaqueValue& right) {
-  if (!left.object || !right.object) return left.object == right.object;
   return *left.object == *right.object;
 }
 
@@ -59,23 +57,17 @@ PropertyListValue readValue(QXmlStreamReader& xml, PropertyListBudget& budget,
   return OpaqueValue{std::make_shared<const OpaqueObject>(OpaqueObject{name, text})};
 }
 
-std::optional<PropertyListValue> decodeXml(std::string_view bytes) {
+std::optional<PropertyListDictionary> decode(const std::string& bytes) {
+  if (bytes.size() > kPropertyListSizeLimit) return std::nullopt;
   // Some writers begin with an empty line.
-  QXmlStreamReader xml(QByteArray(bytes.data(), static_cast<qsizetype>(bytes.size())).trimmed());
+  QXmlStreamReader xml(QByteArray::fromStdString(bytes).trimmed());
   if (!xml.readNextStartElement() || xml.name() != u"plist" || !xml.readNextStartElement())
     return std::nullopt;
   PropertyListBudget budget;
-  auto value = readValue(xml, budget);
+  const auto value = readValue(xml, budget);
   while (!xml.atEnd()) xml.readNext();
-  return xml.hasError() ? std::nullopt : std::optional(std::move(value));
-}
-
-std::optional<PropertyListDictionary> decode(std::string_view bytes) {
-  if (bytes.size() > kPropertyListSizeLimit) return std::nullopt;
-  const bool isBinary = bytes.starts_with("bplist00");
-  const auto value = isBinary ? linux_::decodeBinary(bytes) : decodeXml(bytes);
-  const auto* dictionary = value ? value->as<PropertyListDictionary>() : nullptr;
-  return dictionary ? std::optional(*dictionary) : std::nullopt;
+  const auto* dictionary = value.as<PropertyListDictionary>();
+  return dictionary && !xml.hasError() ? std::optional(*dictionary) : std::nullopt;
 }
 
 std::string element(const std::string& name, const QString& text) {
@@ -104,7 +96,7 @@ struct Encoder {
     return "<dict>\n" + entries + "</dict>\n";
   }
   std::string operator()(const OpaqueValue& value) const {
-    return value.object ? element(value.object->name.toStdString(), value.object->text) : "";
+    return element(value.object->name.toStdString(), value.object->text);
   }
 };
 
