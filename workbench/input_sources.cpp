@@ -8,7 +8,6 @@
 
 #include "platform/common/program_options.h"
 #include "platform/linux/input_source_service.h"
-#include "platform/program.h"
 
 namespace {
 
@@ -21,7 +20,6 @@ constexpr const char* kHelp = R"(The input-source service on the command line.
               one, with tabs between them. The state is enabled or disabled, and
               "asked" if the user has to allow or deny the source.
   current     the identifier of the current source
-  watch       one line each time the enabled sources change, until interrupted
   enable ID   enables a source; asks the user if it is not allowed yet
   disable ID  disables a source
   select ID   makes an enabled source the current one
@@ -34,20 +32,6 @@ void list() {
               << (source->isAsked ? " asked" : "") << '\t' << source->name
               << (source->isCurrent ? "\t*\n" : "\n");
   }
-}
-
-void printCurrent() {
-  std::cout << platform::copyCurrentKeyboardInputSource()->id << '\n';
-}
-
-int watch() {
-  const auto observer = platform::observeEnabledInputSourcesChanged([] {
-    std::cout << "enabled:";
-    for (const auto& source : service::installedInputSources())
-      if (source->isEnabled) std::cout << ' ' << source->id;
-    std::cout << std::endl;
-  });
-  return platform::runMainLoop();
 }
 
 int fail(const std::string& problem, int status) {
@@ -81,11 +65,10 @@ int main(int argc, char** argv) {
   if (const auto status = platform::parseArguments(kName, kHelp, argc, argv, words)) return *status;
   if (words.size() == 2) return change(words[0], words[1]);
   const std::string command = words.size() == 1 ? words[0] : "";
-  if (command == "watch") return watch();
   if (command == "list") {
     list();
   } else if (command == "current") {
-    printCurrent();
+    std::cout << platform::copyCurrentKeyboardInputSource()->id << '\n';
   } else {
     return fail("see --help", platform::kBadUsage);
   }
