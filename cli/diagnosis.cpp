@@ -44,9 +44,7 @@ std::string versionIn(const PropertyListDictionary& info) {
 }
 
 std::string broughtVersion() {
-  const auto value = platform::bundleInfoValue("OrvanePayloadVersion");
-  const auto* text = value ? value->as<std::string>() : nullptr;
-  return text ? *text : "";
+  return platform::bundleInfoText("OrvanePayloadVersion").value_or("");
 }
 
 /// The numbers of a version such as "1.10.2", without zeros at its end.

@@ -7,8 +7,6 @@
 #include <optional>
 #include <string>
 
-#include "platform/property_list.h"
-
 namespace platform {
 
 /// Path of the resource "name.type"; absent if the bundle holds none. A copied
@@ -19,8 +17,8 @@ std::optional<std::filesystem::path> bundleResource(const std::string& name,
 /// The bundle folder itself, absolute and without a trailing slash.
 std::filesystem::path bundleLocation();
 
-/// A value of the bundle's information dictionary; absent if the key is missing
-/// or there is no readable dictionary.
-std::optional<PropertyListValue> bundleInfoValue(const std::string& key);
+/// A string of the bundle's information dictionary; absent if there is none under the
+/// key, or no readable dictionary.
+std::optional<std::string> bundleInfoText(const std::string& key);
 
 }  // namespace platform

@@ -17,12 +17,6 @@ int milliseconds(LinearAnimation animation) {
   return static_cast<int>(std::lround(animation.duration.count() * 1000));
 }
 
-QString shortVersion() {
-  const auto value = platform::bundleInfoValue("CFBundleShortVersionString");
-  const auto* text = value ? value->as<std::string>() : nullptr;
-  return text ? QString::fromStdString(*text) : QStringLiteral("-");
-}
-
 }  // namespace
 
 InstallerModel::InstallerModel(std::shared_ptr<ContentView> view, QObject* parent)
@@ -31,7 +25,8 @@ InstallerModel::InstallerModel(std::shared_ptr<ContentView> view, QObject* paren
       installProgress_(view_->installProgress),
       progressAnimation_(milliseconds(kBarAnimation)),
       appDisplayName_(::appDisplayName()),
-      version_(shortVersion()),
+      version_(QString::fromStdString(
+          platform::bundleInfoText("CFBundleShortVersionString").value_or("-"))),
       observations_{
           view_->installProgress.observe([this](auto, auto animation) { showState(animation); }),
           view_->installationStatus.observe([this](auto&, auto) { showState(); }),

@@ -34,9 +34,8 @@ void setApplicationLook() {
 
 QString appDisplayName() {
   for (const char* key : {"CFBundleDisplayName", "CFBundleName"}) {
-    const auto value = platform::bundleInfoValue(key);
-    const auto* text = value ? value->as<std::string>() : nullptr;
-    if (text && !text->empty()) return QString::fromStdString(*text);
+    const std::string name = platform::bundleInfoText(key).value_or("");
+    if (!name.empty()) return QString::fromStdString(name);
   }
   return QString::fromUtf8(kProductName);
 }

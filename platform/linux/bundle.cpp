@@ -29,10 +29,9 @@ std::filesystem::path bundleLocation() {
   return contentsFolder().parent_path();
 }
 
-std::optional<PropertyListValue> bundleInfoValue(const std::string& key) {
+std::optional<std::string> bundleInfoText(const std::string& key) {
   const auto info = readPropertyListDictionary(contentsFolder() / "Info.plist");
-  const auto* value = info ? valueIn(*info, key) : nullptr;
-  return value ? std::optional(*value) : std::nullopt;
+  return info ? textIn(*info, key) : std::nullopt;
 }
 
 }  // namespace platform

@@ -48,8 +48,11 @@ std::filesystem::path bundleLocation() {
   return path.has_filename() ? path : path.parent_path();
 }
 
-std::optional<PropertyListValue> bundleInfoValue(const std::string& key) {
-  return toPropertyListValue(CFBundleGetValueForInfoDictionaryKey(bundle(), toCfString(key).get()));
+std::optional<std::string> bundleInfoText(const std::string& key) {
+  const auto value =
+      toPropertyListValue(CFBundleGetValueForInfoDictionaryKey(bundle(), toCfString(key).get()));
+  const auto* text = value ? value->as<std::string>() : nullptr;
+  return text ? std::optional(*text) : std::nullopt;
 }
 
 }  // namespace platform

@@ -127,9 +127,8 @@ void HostWindow::hideTitle() {
   NSWindow* window = impl_->native();
   window.titleVisibility = NSWindowTitleHidden;
   window.title = @"";
-  const auto name = bundleInfoValue("CFBundleDisplayName");
-  if (const auto* text = name ? name->as<std::string>() : nullptr)
-    window.accessibilityTitle = toNSString(*text);  // for assistive tools
+  // For assistive tools.
+  window.accessibilityTitle = toNSString(bundleInfoText("CFBundleDisplayName").value_or(""));
   window.titlebarAppearsTransparent = YES;
 }
 

@@ -43,9 +43,7 @@ void completeStandardMenu() {
   @autoreleasepool {
     NSMenu* menu = NSApplication.sharedApplication.mainMenu;
     if (menu == nil) return;
-    const auto value = bundleInfoValue("CFBundleDisplayName");
-    const auto* name = value ? value->as<std::string>() : nullptr;
-    NSString* applicationName = toNSString(name ? *name : std::string());
+    NSString* applicationName = toNSString(bundleInfoText("CFBundleDisplayName").value_or(""));
     translate(menu, applicationName);
     // The standard panel shows Credits.html of the bundle.
     [[menu itemAtIndex:0].submenu

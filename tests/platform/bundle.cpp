@@ -1,5 +1,6 @@
 #include "platform/bundle.h"
 
+#include "platform/common/property_list_lookups.h"
 #include "tests/platform/test_platform.h"
 
 namespace platform {
@@ -12,8 +13,8 @@ std::optional<std::filesystem::path> bundleResource(const std::string& name,
 std::filesystem::path bundleLocation() {
   return "/Volumes/Orvane/Orvane Installer.app";
 }
-std::optional<PropertyListValue> bundleInfoValue(const std::string& key) {
-  return test::valueIn(test::active->info, key);
+std::optional<std::string> bundleInfoText(const std::string& key) {
+  return textIn(test::active->info, key);
 }
 
 }  // namespace platform
