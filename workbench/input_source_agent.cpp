@@ -1,17 +1,13 @@
 // input-source-agent: the windows of the input-source service. One asks the user
 // whether an input method may be used, the other one stands for the system's settings.
 
-#include <QDateTime>
 #include <QDir>
-#include <QFile>
-#include <QFileSystemWatcher>
 #include <QLockFile>
 #include <cstdlib>
 #include <iostream>
 #include <string>
 #include <vector>
 
-#include "platform/application.h"
 #include "platform/common/program_options.h"
 #include "platform/linux/file_root_linux.h"
 #include "platform/linux/input_source_service.h"
@@ -71,16 +67,8 @@ int askForConsent(const std::string& id) {
 }
 
 int showSettings() {
-  const QString place = lockFile("settings");
-  QLockFile lock(place);
-  if (isShown(lock)) {  // that agent brings it to the front
-    if (QFile file(place); file.open(QFile::ReadWrite))
-      file.setFileTime(QDateTime::currentDateTime(), QFile::FileModificationTime);
-    return EXIT_SUCCESS;
-  }
-  const QFileSystemWatcher otherStarts({place});
-  QObject::connect(&otherStarts, &QFileSystemWatcher::fileChanged,
-                   platform::activateIgnoringOtherApps);
+  QLockFile lock(lockFile("settings"));
+  if (isShown(lock)) return EXIT_SUCCESS;
   InputSourceList list;
   QQmlApplicationEngine engine;
   openHelperWindow(engine, QStringLiteral("SettingsWindow"),
