@@ -55,6 +55,7 @@ Window {
             }
             Answer {
                 highlighted: true
+                palette.dark: Palette.accent
                 text: "好"
                 onClicked: window.answer(true)
             }

@@ -83,6 +83,7 @@ Window {
             Button {
                 width: 130
                 highlighted: true
+                palette.dark: Palette.accent
                 text: "好"
                 onClicked: window.end(true)
             }

@@ -9,7 +9,6 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
-#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -124,11 +123,7 @@ std::optional<std::string> ChildProcess::launch() {
   if (error != 0) return impl_->launchPath + ": " + std::strerror(error);
   impl_->child = child;
   impl_->output = std::move(pipe.readEnd);
-  try {
-    impl_->reader = std::thread([impl = impl_.get()] { impl->read(); });
-  } catch (const std::system_error& problem) {
-    return impl_->launchPath + ": " + problem.what();
-  }
+  impl_->reader = std::thread([impl = impl_.get()] { impl->read(); });
   return std::nullopt;
 }
 

@@ -17,7 +17,12 @@ class Descriptor {
   Descriptor() = default;
   /// Takes what a system call returned; a negative number is none.
   explicit Descriptor(int descriptor) : descriptor_(descriptor) {}
-  ~Descriptor() { close(); }
+  /// Closes it; errno stays as it was.
+  ~Descriptor() {
+    const int error = errno;
+    if (descriptor_ >= 0) ::close(descriptor_);
+    errno = error;
+  }
   Descriptor(Descriptor&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
   Descriptor& operator=(Descriptor&& other) noexcept {
     std::swap(descriptor_, other.descriptor_);
@@ -27,13 +32,6 @@ class Descriptor {
   /// Negative if there is none.
   int get() const { return descriptor_; }
   explicit operator bool() const { return descriptor_ >= 0; }
-  /// Closes it now; errno stays as it was.
-  void close() {
-    if (descriptor_ < 0) return;
-    const int error = errno;
-    ::close(std::exchange(descriptor_, -1));
-    errno = error;
-  }
 
  private:
   int descriptor_ = -1;
