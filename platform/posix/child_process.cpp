@@ -111,7 +111,7 @@ ChildProcess::ChildProcess(std::string launchPath, std::vector<std::string> argu
 ChildProcess::~ChildProcess() {
   if (impl_->child == 0) return;
   ::kill(-impl_->child, SIGKILL);
-  if (impl_->reader.joinable()) impl_->reader.join();
+  impl_->reader.join();
   reap(impl_->child);
 }
 
