@@ -6,7 +6,7 @@ set -u
 . "$(dirname "$0")/support.sh"
 
 use_bundle "$1"
-mkdir -p "$root" "$work/second"
+mkdir "$work/second"
 unset DISPLAY WAYLAND_DISPLAY
 export SUDO_ASKPASS=/bin/true
 bundle=$app
@@ -24,44 +24,29 @@ status_of() { # status_of EXPECTED COMMAND...
   orvane "$@"
   expect "status of $*" $? "$expected"
 }
-picture() { (cd "$1" && find . -type d -name tmp -prune -o -printf '%p %m %T@ %s %l\n' | sort); }
-changed() { picture "$root" | diff "$work/before" - >&2; ! picture "$root" | cmp -s "$work/before" -; }
+started_run_ends() { # started_run_ends EXPECTED
+  wait_for_end $front
+  expect "status of the started run" $? "$1"
+}
+picture() { (cd "$root" && find . -type d -name tmp -prune -o -printf '%p %m %T@ %s %l\n' | sort); }
+changed() { ! picture | diff "$work/before" - >&2; }
 are_listed() { grep -qa $base "$root"/user/Preferences/ByHost/com.apple.HIToolbox*; }
 # scripted NAME COMMANDS: a bundle whose script of this name does these first.
 scripted() {
   rm -rf "$work/copy.app"
   cp -R "$app" "$work/copy.app"
   bundle=$work/copy.app
-  {
-    echo 'hold() { echo holding >>"$INSTALL_ROOT/tmp/tessal_installer.log"; sleep 50 & wait; }'
-    echo "$2"
-    cat "$app/Contents/Resources/$1.sh"
-  } >"$bundle/Contents/Resources/$1.sh"
+  { echo "$2"; cat "$app/Contents/Resources/$1.sh"; } >"$bundle/Contents/Resources/$1.sh"
 }
-# outcome STATUS TEXT [SIGNAL LOG]: how an installation ends that gets the signal once the UI log says so.
-outcome() {
-  rm -f "$ui_log"
-  start --no-wait
-  if [ $# -gt 2 ]; then
-    await "$4" grep -q -- "$4" "$ui_log"
-    kill "-$3" $front
-  fi
-  wait_for_end $front
-  expect "status of \"$2\"" $? "$1"
-  says outcome "$2"
-  await "no process left" nothing_left || cat "$work/left"
-  bundle=$app
+# json_lines STATEMENTS: what is asserted of the events in the output.
+json_lines() {
+  python3 -c "import json
+events = [json.loads(line) for line in open('$work/out')]
+$1" || fail "the lines: $(cat "$work/out")"
 }
 
 echo usage
-for command in "" install activate doctor uninstall; do
-  # shellcheck disable=SC2086
-  orvane $command --version && orvane $command -h || fail "help or version of \"$command\""
-  says "help of \"$command\"" "^Usage: orvane-install ${command:-.OPTIONS}"
-  [ -z "$command" ] || ! grep -q 'Without a command' "$work/out" || fail "$command is said to be no command"
-done
-for arguments in "doctor --no-wait" "--no-wait doctor" "uninstall --json" "--json uninstall" "doctor extra" "instal" \
-  "--bogus" "--root"; do
+for arguments in "--no-wait doctor" "uninstall --json" "instal" "--root"; do
   # shellcheck disable=SC2086
   status_of 64 $arguments
   says "wrong use" Usage:
@@ -73,33 +58,30 @@ expect "status of a mistyped root" $? 64
 expect "status without room for the output" $? 1
 says "no room" 'could be written'
 
-echo "outcomes"
+echo "installations that fail"
 SUDO_ASKPASS=/bin/false
-outcome 2 未获得管理员授权
-[ ! -s "$ui_log" ] && [ ! -e "$root/Library" ] || fail "a refused prompt has changed something"
-SUDO_ASKPASS=$work/none # a prompt that does not come is not refused
-outcome 1 安装失败
+status_of 2 install
+says "a refused prompt" 未获得管理员授权
 SUDO_ASKPASS=/bin/true
-scripted install 'exit 0'
-outcome 1 未检测到已安装的输入法
 scripted install 'printf "磁盘已满\033]0;x" >&2; exit 3'
-outcome 1 '^磁盘已满␛]0;x'
-scripted install 'trap "echo stopped >&2; exit 9" TERM; hold'
-outcome 1 安装被中断 INT holding
+status_of 1 install
+says "a script that fails" '^磁盘已满␛]0;x'
+scripted install 'trap "echo stopped >&2; exit 9" TERM
+  echo holding >>"$INSTALL_ROOT/tmp/tessal_installer.log"; sleep 50 & wait'
+start
+await "the script" grep -q holding "$ui_log"
+kill -INT $front
+started_run_ends 1
+says "an interrupted run" 安装被中断
 says "an interrupted script" stopped
-scripted install 'trap "" TERM INT HUP; hold'
-outcome 1 安装被中断 TERM holding
-scripted install ''
-rm "$bundle/Contents/Resources/install.sh"
-outcome 1 '找不到安装脚本 install.sh'
+await "no process left" nothing_left || cat "$work/left"
+bundle=$app
 
 echo "a first installation, waited for"
-rm -rf "$root" && mkdir "$root"
 start
 await "the waiting phase" grep -q '请将「澄枫输入法」添加到输入法列表' "$work/out"
 sources allow $base || fail allow
-wait_for_end $front
-expect status $? 0
+started_run_ends 0
 says success 安装成功
 expect "current source" "$(sources current)" $base.pinyin
 opened="$root/user/Library/Application Support/Orvane/opened.log"
@@ -108,15 +90,11 @@ info="$root/Library/Input Methods/Orvane.app/Contents/Info.plist"
 sed -i 's|<string>1.0.0</string>|<string>99.0</string>|' "$info"
 status_of 0
 says "an older version" '99.0 比安装器里的 1.0.0 新'
-expect "settings opened" "$(cat "$opened")" opened
-rm "$opened"
 
 echo "json lines of an installation"
 sources deny $base
 status_of 3 install --no-wait --json
-python3 - "$work/out" <<'PYTHON' || fail "the lines: $(cat "$work/out")"
-import json, sys
-events = [json.loads(line) for line in open(sys.argv[1])]
+json_lines '
 fields = {"phase": {"phase"}, "progress": {"progress"}, "status": {"status"}, "message": {"level", "text"},
           "result": {"command", "exitStatus"}}
 for event in events:
@@ -125,8 +103,7 @@ assert events[-1] == {"event": "result", "command": "install", "exitStatus": 3},
 of = lambda kind: [event[kind] for event in events if event["event"] == kind]
 assert of("phase") == ["script", "activation"], of("phase")
 assert of("status") == ["installing", "waitingEnable"], of("status")
-assert of("progress")[-1] == 1 and all(0 <= value <= 1 for value in of("progress")), of("progress")
-PYTHON
+assert of("progress")[-1] == 1 and all(0 <= value <= 1 for value in of("progress")), of("progress")'
 
 echo "a narrow terminal, and one that can do nothing"
 terminal() { script -qefc "stty cols 40; TERM=$1 '$app/Contents/MacOS/orvane-install' --root '$root' $2" /dev/null </dev/null; }
@@ -136,38 +113,33 @@ LC_ALL=C awk '{ sub(/^\033\[K/, "") } length > 40 { bad = 1 } END { exit bad }' 
 terminal dumb doctor >"$work/out"
 ! grep -q "$(printf '\033')" "$work/out" || fail "escapes for a terminal that knows none"
 
-echo "a second account"
-status_of 3 --home "$work/second" activate --no-wait --once
-status_of 3 --home "$work/second" activate --no-wait --once
+echo "a second account, which needs no password"
+SUDO_ASKPASS=/bin/false
+start --home "$work/second" activate --once
+await "the waiting phase" grep -q '请将「澄枫输入法」添加到输入法列表' "$work/out"
+kill -TERM $front
+started_run_ends 3
 stamp="$work/second/Library/Application Support/Orvane Installer/activated"
 mkdir -p "$(dirname "$stamp")"
-echo mine >"$work/own"
 ln -s "$work/own" "$stamp"
-start --home "$work/second" activate
-await "the waiting phase" grep -q '请将「澄枫输入法」添加到输入法列表' "$work/out"
+start --home "$work/second" activate --once --go-enable
+await "the keyboard settings" grep -qF 'openKeyboardSettings(): ' "$ui_log"
 sources --home "$work/second" allow $base || fail allow
-wait_for_end $front
-expect "status" $? 0
+started_run_ends 0
 expect "current source of the second" "$(sources --home "$work/second" current)" $base.pinyin
-[ ! -e "$opened" ] || fail "the settings were opened for the second account"
-expect "the file behind a link" "$(cat "$work/own")" mine
+expect "settings opened, for the first account alone" "$(cat "$opened")" opened
+[ ! -e "$work/own" ] || fail "a note was written through a link"
 rm "$stamp"
-SUDO_ASKPASS=/bin/false
 status_of 0 --home "$work/second" activate
 sources --home "$work/second" deny $base
 status_of 0 --home "$work/second" activate --no-wait --once
-start --home "$work/second" activate --go-enable
-await "the keyboard settings" grep -qF 'openKeyboardSettings(): ' "$ui_log"
-kill -TERM $front
-wait_for_end $front
-expect "status" $? 3
 SUDO_ASKPASS=/bin/true
 
 echo diagnosis
 rm "$ui_log" && mkfifo "$ui_log" # nothing waits for what comes out of it
 status_of 1 doctor
-rm "$ui_log"
 status_of 0 doctor --machine
+rm "$ui_log"
 sources allow $base
 sed -i.whole "s/$base.pinyin/another.mode/" "$info"
 status_of 1 activate
@@ -176,25 +148,21 @@ mv "$info.whole" "$info"
 sources select $base.pinyin
 TESSAL_INSTALLER_WRITE_HITOOLBOX_DEFAULTS=1 orvane
 are_listed || fail "no entries in the lists"
-picture "$root" >"$work/before"
+picture >"$work/before"
 status_of 0 doctor
-says "all" '，0 项失败'
 ! changed || fail "doctor has changed something"
 mkdir "$root/Library/Input Methods/.Orvane.app.staging" "$root/Library/Input Methods/.Orvane.app.$(printf 'a\377')"
 status_of 1 doctor --json
-python3 - "$work/out" <<'PYTHON' || fail "the lines: $(cat "$work/out")"
-import json, sys
-events = [json.loads(line) for line in open(sys.argv[1])]
+json_lines '
 assert events[-1] == {"event": "result", "command": "doctor", "exitStatus": 1}, events[-1]
 findings = [event for event in events if "check" in event]
 assert {event["scope"] for event in findings} == {"machine", "user"}
 assert all(event.keys() == {"event", "level", "scope", "check", "text", "next", "value"} for event in findings)
-assert [event["check"] for event in findings if event["level"] == "fail"] == ["leftovers"]
-PYTHON
+assert [event["check"] for event in findings if event["level"] == "fail"] == ["leftovers"]'
 rmdir "$root/Library/Input Methods/.Orvane.app".*
 
 echo "removal, not wanted"
-picture "$root" >"$work/before"
+picture >"$work/before"
 for answer in 'no\n' '\n' ''; do
   # shellcheck disable=SC2059 # it is a format
   printf "$answer" | orvane uninstall
@@ -218,25 +186,19 @@ ln -s "$work/elsewhere" "$root/user/Library/Application Support"
   echo "status $?"; } | cat >"$work/out"
 says "what fails" 'status 1'
 says "lists that cannot be written" 没有写入偏好列表
-says "a folder that is a link" 是链接
 [ -d "$work/elsewhere/Orvane" ] || fail "a link was followed"
 bundle=$app
 rm -rf "$root" && mv "$work/sound" "$root"
 
 echo removal
-rm -rf "$root/Applications/Cogwen.app"
-mkdir -p "$root/Applications/Cogwen.app" "$root/user/Library/Application Support/Orvane"
+sed -i s/com.tessal.Cogwen/another.identifier/ "$root/Applications/Cogwen.app/Contents/Info.plist"
 echo Yes | orvane uninstall
 expect "status" $? 0
 says "what stays" '保留了用户词库和设置：.*Application Support/Orvane'
 says "what is not ours" '保留了 .*Cogwen.app'
-[ ! -e "$root/Library/Input Methods/Orvane.app" ] && [ ! -e "$root/Applications/Sondrel.app" ] &&
-  [ -d "$root/Applications/Cogwen.app" ] && [ -d "$root/user/Library/Application Support/Orvane" ] ||
-  fail "wrong things were removed: $(find "$root" -name '*.app')"
 ! are_listed || fail "entries are still in the lists"
 grep -q '已停用 2 个' "$root/tmp/tessal_uninstaller_ui.log" || fail "no log of the uninstaller"
-expect "current source" "$(sources current)" com.apple.keylayout.ABC
-rmdir "$root/Applications/Cogwen.app"
+rm -r "$root/Applications/Cogwen.app"
 mkdir "$root/Library/Input Methods/.Orvane.app.staging"
 status_of 0 uninstall --yes
 [ ! -e "$root/Library/Input Methods/.Orvane.app.staging" ] || fail "what a killed run has left stays"
@@ -248,25 +210,21 @@ status_of 3 install --no-wait
 grep -q '启用路径：全新安装' "$ui_log" || fail "no fresh installation after a removal"
 
 echo "manual page and completions"
-resources=$app/Contents/Resources
-command -v mandoc >/dev/null && { mandoc -Tlint -W warning "$resources/man/man1/orvane-install.1" || fail "manual page"; }
-for option in $(for command in install activate doctor uninstall; do "$app/Contents/MacOS/orvane-install" $command --help; done |
-  grep -oE -- '--[a-z-]+' | sort -u); do
-  grep -q -- "Fl -${option#--}\b" "$resources/man/man1/orvane-install.1" || fail "the manual page lacks $option"
-  for completion in orvane-install.bash _orvane-install orvane-install.fish; do
-    grep -qE -- "(-l |--)${option#--}\b" "$resources/completions/$completion" || fail "$completion lacks $option"
+manual=$app/Contents/Resources/man/man1/orvane-install.1 completions=$app/Contents/Resources/completions
+! command -v mandoc >/dev/null || mandoc -Tlint -W warning "$manual" || fail "manual page"
+! command -v zsh >/dev/null || zsh -n "$completions/_orvane-install" || fail "completion of zsh"
+! command -v fish >/dev/null || fish -n "$completions/orvane-install.fish" || fail "completion of fish"
+for command in "" install activate doctor uninstall; do
+  # shellcheck disable=SC2086
+  status_of 0 $command --help
+  for option in $(grep -oE -- '--[a-z-]+' "$work/out"); do
+    for file in "$manual" "$completions"/*orvane-install*; do
+      grep -qE -- "(Fl -|-l |--)${option#--}\b" "$file" || fail "${file##*/} lacks $option"
+    done
   done
 done
-complete_bash() { # complete_bash WORD...: what bash offers for the last word
-  bash -c '. "$1" && shift && COMP_WORDS=(orvane-install "$@") COMP_CWORD=$# && _orvane_install && echo "${COMPREPLY[*]}"' \
-    bash "$resources/completions/orvane-install.bash" "$@"
-}
-expect "commands" "$(complete_bash i)" install
-expect "options after a root" "$(complete_bash --root doctor --ma)" ""
-expect "options of uninstall" "$(complete_bash --root / uninstall --p)" --purge
-for script in zsh:_orvane-install fish:orvane-install.fish; do
-  command -v "${script%%:*}" >/dev/null || continue
-  "${script%%:*}" -n "$resources/completions/${script#*:}" || fail "completion of ${script%%:*}"
-done
+offered=$(bash -c '. "$1" && COMP_WORDS=(orvane-install --root / uninstall --p) COMP_CWORD=4 && _orvane_install &&
+  echo "${COMPREPLY[*]}"' bash "$completions/orvane-install.bash")
+expect "what bash offers for --p" "$offered" --purge
 
 finish
