@@ -55,21 +55,8 @@ play() {
   [ $? -eq "$expected" ] || { fail "another status of the play than $expected"; cat "$work/out"; }
 }
 says() { grep -qF "$1" "$work/out" || { fail "nothing says: $1"; cat "$work/out"; }; }
-table() { # table OF_FRESH OF_OLD OF_FORCED OF_BROKEN
-  expect table "$(sed -n '/Table of all/,$s/^ *"\([^"]*[^" ]\) *",*$/\1/p' "$work/out" | tr -s ' ')" "HOST OUTCOME REASON
-fresh $1
-old $2
-newer newer 9.0.0 is there, the archive has 1.0.0
-forced $3
-broken $4
-planted failed $work/planted/opt/orvane is a link, or not of this user alone
-refuses refused Sorry, user ansible is not allowed to execute this as root.
-unreachable unreachable the host cannot be reached"
-}
 
-echo "wrong variables"
-play 2 -e orvane_state=gone
-says 'orvane_state must be one of: present, absent, got: gone'
+echo "wrong variable"
 play 2 -e orvane_archive=/nowhere.zip
 says "orvane_archive names no file: '/nowhere.zip'"
 
@@ -80,7 +67,15 @@ says ' would be installed '
 
 echo run
 play 2
-table installed updated downgraded repaired
+expect table "$(sed -n '/Table of all/,$s/^ *"\([^"]*[^" ]\) *",*$/\1/p' "$work/out" | tr -s ' ')" "HOST OUTCOME REASON
+fresh installed
+old updated
+newer newer 9.0.0 is there, the archive has 1.0.0
+forced downgraded
+broken repaired
+planted failed $work/planted/opt/orvane is a link, or not of this user alone
+refuses refused Sorry, user ansible is not allowed to execute this as root.
+unreachable unreachable the host cannot be reached"
 expect "modes that are too wide" "$(find "$work"/*/opt ! -type l -perm /6022)" ""
 expect "login entries" "$(find "$work" -name '*.desktop' | wc -l)" 4
 quoted="$work/"'fresh \\"1\\" \\$ \\\\ 5%% & \\`'
@@ -90,7 +85,6 @@ grep -qxF "Exec=\"$quoted/opt/orvane/Orvane Installer.app/Contents/MacOS/orvane-
 echo "run again"
 touch "$work/before"
 play 0 -e orvane_fail_on_problem=false
-table unchanged unchanged unchanged unchanged
 expect "what the second run changes" "$(find "$work"/*/opt "$work"/*/Library "$work"/*/etc -cnewer "$work/before")" ""
 
 echo removal
