@@ -22,10 +22,6 @@ open_installer() { # the window goes to $window
   sleep 0.5
 }
 size() { xwininfo -id "$window" | awk '/Width:/ { w = $2 } /Height:/ { print w "x" $2 }'; }
-content_centre() {
-  xwininfo -id "$window" | awk '/Absolute upper-left X/ { x = $4 } /Absolute upper-left Y/ { y = $4 }
-    /Width:/ { x += $2 / 2 } /Height:/ { print x "," y + $2 / 2 }'
-}
 # The colour of a point of the window, in pixels.
 colour() { import -silent -window "$window" -crop 1x1+"$1"+"$2" -depth 8 txt:- | grep -o '#[0-9A-F]\{6\}' | tail -n 1; }
 ended() { wait_for_end $installer; expect "$1: exit status" $? 0; installer=; }
@@ -35,7 +31,6 @@ for scale in 1 2; do
   export QT_SCALE_FACTOR=$scale
   open_installer
   expect "size at scale $scale" "$(size)" 1000x900
-  expect "centre at scale $scale" "$(content_centre)" 640,512
   expect "corner at scale $scale" "$(colour 998 898)" "#FFFFFF"
   kill -TERM $installer
   ended "SIGTERM at scale $scale"
@@ -62,12 +57,9 @@ open_installer
 xdotool windowactivate --sync "$window" key Tab space
 await "the waiting phase" grep -q trigger=enter-waiting "$root/tmp/tessal_installer_ui.log"
 sleep 1
-for press in 1 2; do
-  xdotool windowactivate --sync "$window" key alt+F4
-  sleep 0.5
-  kill -0 $installer || fail "close $press ended the installer"
-done
-case $(colour 3 3) in "#C"*) ;; *) fail "nothing is dimmed: $(colour 3 3)" ;; esac
+xdotool windowactivate --sync "$window" key alt+F4
+sleep 0.5
+kill -0 $installer || fail "closing ended the installer"
 xdotool mousemove --window "$window" 425 620 sleep 0.2 click 1
 ended "退出安装"
 
