@@ -74,7 +74,7 @@ kill -INT $front
 started_run_ends 1
 says "an interrupted run" 安装被中断
 says "an interrupted script" stopped
-await "no process left" nothing_left || cat "$work/left"
+await "the end of all processes" nothing_left
 bundle=$app
 
 echo "a first installation, waited for"

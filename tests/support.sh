@@ -41,13 +41,8 @@ use_bundle() {
 clean_up() { :; } # a test that starts programs ends them here
 sources() { "$app/Contents/Helpers/input-sources" --root "$root" "$@"; }
 
-# Whether all has ended that was started below $work, and the scripts of $front. The bracket keeps grep from
-# finding itself.
-nothing_left() {
-  grep -lsa -e "[/]${work#/}/" /proc/[0-9]*/cmdline >"$work/left"
-  grep -lsazxF -e "INSTALL_ROOT=$root" /proc/[0-9]*/environ >>"$work/left"
-  [ ! -s "$work/left" ]
-}
+# Whether all has ended that was started below $work.
+nothing_left() { ! pgrep -f "$work/"; }
 
 finish() { [ $failures -eq 0 ] || { echo "$failures failed"; exit 1; }; }
 
@@ -76,12 +71,7 @@ find_window() { found=$(xdotool search --onlyvisible "$@" 2>/dev/null | tail -n 
 
 # The agent stays when the installer ends, as the system's does. Those of roots below $work
 # end here.
-end_agents() {
-  for process in /proc/[0-9]*; do
-    { tr '\0' ' ' <"$process/cmdline"; } 2>/dev/null |
-      grep -q "input-source-agent --root $work/" && kill "${process#/proc/}" 2>/dev/null
-  done
-}
+end_agents() { pgrep -f "input-source-agent --root $work/" | xargs -r kill; }
 
 # Starts a window manager, as $manager.
 start_window_manager() {
