@@ -19,12 +19,14 @@ move Cogwen to Applications
 Cogwen installed successfully
 finish'
 
+# The steps in the log, and what may be run and written afterwards.
 fresh() {
   install && [ "$(cat "$log")" = "$phrases" ] &&
     [ -x "$orvane/Contents/MacOS/OrvaneSettings.app/Contents/MacOS/OrvaneSettings" ] &&
     [ -d "$root/Applications/Cogwen.app" ] && [ -z "$(find "$root" -name '.*.app.*' -o -perm /022)" ]
 }
 
+# Everything is new, or all but what this installer does not bring.
 overwrite() {
   start_from "$work/old" && install && holds "$work/new" && [ -n "$(find "$orvane" -prune -mmin -1)" ] || return 1
   copy_resources && rm "$copy/Sondrel.zip" && start_from "$work/old" && install "$copy" &&
@@ -54,11 +56,10 @@ with zipfile.ZipFile(sys.argv[1], "w") as archive:
         info.external_attr = int(mode, 8) << 16
         archive.writestr(info, text)
 PYTHON
-  list_sums
+  (cd "$copy" && sha256sum -- *.zip >SHA256SUMS)
 }
-list_sums() { (cd "$copy" && sha256sum Orvane.zip Sondrel.zip Cogwen.zip >SHA256SUMS); }
 
-# Members that would land elsewhere, are no files, or are damaged.
+# Members that would land elsewhere, or are no files.
 bad_archive() {
   mkdir "$work/elsewhere"
   for members in Others.app/a,100644,a Cogwen.app/../../a,100644,a Cogwen.app/a,020666,- \
@@ -66,19 +67,18 @@ bad_archive() {
     # shellcheck disable=SC2086
     pack $members && refused Cogwen.zip && [ -z "$(ls "$work/elsewhere")" ] || { echo "$members" && return 1; }
   done
-  pack Cogwen.app/a,100644,stored && sed -i s/stored/spoilt/ "$copy/Cogwen.zip" && list_sums && refused Cogwen.zip
 }
 
 # Attribute files of macOS, and private and special modes.
 other_archives() {
   pack Cogwen.app/a,100600, Cogwen.app/b,106777, __MACOSX/Cogwen.app/._a,100644, && install "$copy" &&
-    [ "$(cd "$root/Applications" && stat -c '%a %n' * Cogwen.app/*)" = "$(printf '%s\n' '755 Cogwen.app' \
-      '755 Sondrel.app' '644 Cogwen.app/a' '755 Cogwen.app/b')" ]
+    [ -z "$(find "$root/Applications" -perm /6022 -o ! -perm -444 -o -name __MACOSX)" ] &&
+    [ -x "$root/Applications/Cogwen.app/b" ]
 }
 
 # Others' things in the places of bundles, staging and lock. The folder of input methods is root's alone afterwards.
 in_the_way() {
-  start_from "$work/nothing" && mkdir -p "${orvane%/*}" "$root/Applications" "$work/precious" &&
+  mkdir -p "${orvane%/*}" "$root/Applications" "$work/precious" &&
     touch "$orvane" "$work/precious/kept" && chmod 777 "${orvane%/*}" &&
     ln -s "$work/precious" "$sondrel" && ln -s "$work/precious" "$staging" &&
     install && holds "$work/new" && [ -e "$work/precious/kept" ] && [ -z "$(find "$root/Library" -perm /022)" ] ||
@@ -86,6 +86,7 @@ in_the_way() {
   rm "$lock" && mkfifo "$lock" && ! install && failed_because lock && holds "$work/new"
 }
 
+# Only a plain log file is written, and its lack stops nothing.
 log_in_the_way() {
   for put in "ln -s ../../victim" "ln $work/victim" "ln -s $work/missing" mkfifo mkdir; do
     rm -rf "$root" && mkdir -p "$root/tmp" && echo precious >"$work/victim" && $put "$log" || return 1
@@ -93,20 +94,19 @@ log_in_the_way() {
   done
 }
 
+# A signal at any step puts everything back. The last boundaries lie after the point of no return.
+put_back_or_done() {
+  if [ "$status" -eq 0 ]; then
+    [ "$n" -gt 20 ] && holds "$work/new"
+  else
+    holds "$work/old" && interrupted_by "$signal"
+  fi && lock_is_free
+}
 signals() {
-  make_stopping_copy
-  for signal in TERM HUP INT PIPE; do
-    n=1
-    while start_from "$work/old" && stop_at install "$n" "$signal"; do
-      # The last boundaries lie after the point of no return.
-      if [ "$status" -eq 0 ]; then
-        [ "$n" -gt 20 ] && holds "$work/new"
-      else
-        holds "$work/old" && interrupted_by "$signal"
-      fi && lock_is_free || { echo "SIG$signal at boundary $n" && return 1; }
-      [ "$signal" = TERM ] && n=$((n + 1)) || n=$((n + 9))
-    done
-    [ "$n" -gt 20 ] || return 1
+  at_every_boundary install "$work/old" TERM put_back_or_done || return 1
+  for signal in HUP INT PIPE; do
+    start_from "$work/old" && stop_at install 19 "$signal" && holds "$work/old" && interrupted_by "$signal" ||
+      { echo "SIG$signal" && return 1; }
   done
 }
 
@@ -129,17 +129,13 @@ whole_or_set_aside() {
 # Killed, killed again during the repair, then left alone. What somebody has put in a bundle's place meanwhile does not
 # cost the old one.
 planted() { mkdir "$sondrel" && stop_at install 12 TERM && same "$sondrel" "$work/old/Applications/Sondrel.app"; }
-killed() {
-  make_stopping_copy
-  n=1
-  while start_from "$work/old" && stop_at install "$n" KILL; do
-    whole_or_set_aside && { [ -e "$sondrel" ] || planted; } && { ! stop_at install 8 KILL || whole_or_set_aside; } &&
-      install && holds "$work/new" || { echo "killed at boundary $n" && return 1; }
-    n=$((n + 1))
-  done
-  [ "$n" -gt 20 ]
+repaired() {
+  whole_or_set_aside && { [ -e "$sondrel" ] || planted; } && { ! stop_at install 8 KILL || whole_or_set_aside; } &&
+    install && holds "$work/new"
 }
+killed() { at_every_boundary install "$work/old" KILL repaired; }
 
+# The second one waits, but not for ever.
 two_at_once() {
   start_from "$work/old" && { install & } && install && wait $! && holds "$work/new" &&
     [ "$(grep -c finish "$log")" = 2 ] || return 1
@@ -149,7 +145,8 @@ two_at_once() {
 
 # A file in the old bundle that not even root can delete at first: it is put aside, and a later run takes it away.
 immutable() {
-  start_from "$work/old" && chattr +i "$sondrel/Contents/old" && install && ! grep -q error: "$log" &&
+  start_from "$work/old" && { chattr +i "$sondrel/Contents/old" 2>"$work/stderr" || return 0; } &&
+    install && ! grep -q error: "$log" &&
     same "$root/Applications" "$work/new/Applications" && ls "${staging%staging}"leftover.* >"$work/stderr" || return 1
   make_copy_with 'chflags() { chattr -R -i "$3"; }' && install "$copy" && holds "$work/new"
 }
@@ -162,17 +159,5 @@ odd_environment() {
   ) && holds "$work/new" && [ "$(cat "$log")" = "$phrases" ] && [ -z "$(find "$root/Library" -perm /022)" ]
 }
 
-run_case 'fresh installation' fresh
-run_case 'overwrite, and one without Sondrel' overwrite
-run_case 'checksums are checked before anything is touched' bad_checksum
-run_case 'archives that are refused' bad_archive
-run_case 'archives of other makers' other_archives
-run_case 'things in the way are replaced or refused, not followed' in_the_way
-run_case 'only a plain log file is written, and its lack stops nothing' log_in_the_way
-run_case 'odd environment' odd_environment
-: >"$work/file" && ! chattr +i "$work/file" 2>/dev/null || run_case 'an immutable file in the old bundle' immutable
-run_case 'a signal while a child is busy' busy_child
-run_case 'a signal at any step puts everything back' signals
-run_case 'SIGKILL at any step leaves what the next run repairs' killed
-run_case 'two at once' two_at_once
-[ "$failures" -eq 0 ]
+run_cases fresh overwrite bad_checksum bad_archive other_archives in_the_way log_in_the_way odd_environment immutable \
+  busy_child signals killed two_at_once

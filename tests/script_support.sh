@@ -5,28 +5,26 @@
 # shellcheck disable=SC2034,SC2154 # the tests use what is set here
 
 set -u
-export LC_ALL=C
-resources=$(cd -- "$1" && pwd)
+. "$(dirname "$0")/support.sh"
+
+use_bundle "$1/../.."
+clean_up() { chattr -R -i "$work" 2>/dev/null; }
+resources=$app/Contents/Resources
 shell=${INSTALL_SHELL:-/bin/sh}
-work=$(mktemp -d)
-trap 'chattr -R -i "$work" 2>/dev/null; rm -rf "$work"' EXIT
 root="$work/a root"
 copy="$work/a copy"
 orvane="$root/Library/Input Methods/Orvane.app"
 staging="$root/Library/Input Methods/.Orvane.app.staging"
 sondrel="$root/Applications/Sondrel.app"
 lock="$root/var/run/tessal_installer.lock"
-failures=0
 
-run_case() { # NAME FUNCTION
-  rm -rf "$root"
-  if "$2"; then
-    echo "ok: $1"
-  else
-    echo "FAILED: $1"
-    sed 's/^/  | /' "$work/stderr"
-    failures=$((failures + 1))
-  fi
+run_cases() { # FUNCTION...
+  for function in "$@"; do
+    echo "$function"
+    rm -rf "$root"
+    "$function" || fail "$function: $(cat "$work/stderr")"
+  done
+  finish
 }
 
 run_script() { # NAME RESOURCES
@@ -56,17 +54,17 @@ make_copy_with() { # LINES
 # The scripts as they would be if the N-th call of one of these commands came after a signal to the script.
 make_stopping_copy() {
   # shellcheck disable=SC2016
-  make_copy_with "$(
-    echo 'boundary() {
-      echo >>"$STOPPED.calls"
-      [ "$(wc -l <"$STOPPED.calls")" -lt "$STOP_AT" ] || [ -e "$STOPPED" ] ||
-        { : >"$STOPPED"; kill -s "$STOP_SIGNAL" $$; }
-    }'
-    echo 'perl() { case $2 in *rename*) boundary ;; esac; command perl "$@"; }'
-    for command in rm bsdtar chmod mkdir; do
-      echo "$command() { boundary; command $command \"\$@\"; }"
-    done
-  )"
+  make_copy_with '
+boundary() {
+  echo >>"$STOPPED.calls"
+  [ "$(wc -l <"$STOPPED.calls")" -lt "$STOP_AT" ] || [ -e "$STOPPED" ] ||
+    { : >"$STOPPED"; kill -s "$STOP_SIGNAL" $$; }
+}
+perl() { case $2 in *rename*) boundary ;; esac; command perl "$@"; }
+rm() { boundary; command rm "$@"; }
+bsdtar() { boundary; command bsdtar "$@"; }
+chmod() { boundary; command chmod "$@"; }
+mkdir() { boundary; command mkdir "$@"; }'
 }
 
 stop_at() { # SCRIPT N SIGNAL; false if the run has no N-th boundary
@@ -76,7 +74,17 @@ stop_at() { # SCRIPT N SIGNAL; false if the run has no N-th boundary
   [ -e "$work/stopped" ]
 }
 
-mkdir "$work/nothing"
+# Stops a run at each of its boundaries, one after the other. The check looks at what each has left.
+at_every_boundary() { # SCRIPT TREE SIGNAL CHECK
+  make_stopping_copy
+  n=1 signal=$3
+  while start_from "$2" && stop_at "$1" "$n" "$signal"; do
+    "$4" || { echo "$4: SIG$signal at boundary $n" && return 1; }
+    n=$((n + 1))
+  done
+  [ "$n" -gt 13 ]
+}
+
 for bundle in 'Library/Input Methods/Orvane' Applications/Sondrel Applications/Cogwen; do
   mkdir -p "$work/old/$bundle.app/Contents" && echo old >"$work/old/$bundle.app/Contents/old"
 done

@@ -8,39 +8,23 @@
 log="$root/tmp/tessal_uninstaller.log"
 
 uninstall() { run_script uninstall "${1:-$resources}"; } # [RESOURCES]
-nothing_left() { [ -z "$(find "$root/Library" "$root/Applications" -name '*.app*')" ]; }
+all_gone() { [ -z "$(find "$root/Library" "$root/Applications" -name '*.app*')" ]; }
 
 everything() {
-  start_from "$work/new" && uninstall && nothing_left && [ "$(cat "$log")" = 'kill Orvane
-remove Orvane
-Orvane removed
-kill Sondrel
-remove Sondrel
-Sondrel removed
-kill Cogwen
-remove Cogwen
-Cogwen removed
-finish' ] && uninstall && nothing_left && install && holds "$work/new"
+  start_from "$work/new" && uninstall && all_gone && [ "$(tail -n 1 "$log")" = finish ] && uninstall && all_gone &&
+    install && holds "$work/new"
 }
 
 picture() { tar -c -C "$root/Applications" Sondrel.app | cksum; }
-# What must be kept is put in Sondrel's place; the others go.
-keeps() { # WHAT
-  plist="$sondrel/Contents/Info.plist"
-  start_from "$work/new" && copy_resources || return 1
-  case $1 in
-    'another identifier') sed -i s/com.tessal.Sondrel/com.tessal.Sondrel2/ "$plist" ;;
-    'a FIFO as property list') rm "$plist" && mkfifo "$plist" ;;
-    'a file') rm -r "$sondrel" && echo precious >"$sondrel" ;;
-    'a link') mv "$sondrel" "$work/linked.app" && ln -s "$work/linked.app" "$sondrel" ;;
-    'no archive that declares it') rm "$copy/Sondrel.zip" ;;
-  esac && before=$(picture) && uninstall "$copy" && [ "$(picture)" = "$before" ] &&
-    [ "$(find "$root/Library" "$root/Applications" -name '*.app*')" = "$sondrel" ]
-}
-
+# What somebody else has put in Sondrel's place stays; the others go.
 somebody_elses() {
-  for what in 'another identifier' 'a FIFO as property list' 'a file' 'a link' 'no archive that declares it'; do
-    keeps "$what" || { echo "$what" && return 1; }
+  # shellcheck disable=SC2034 # the changes use it
+  plist="$sondrel/Contents/Info.plist"
+  for change in 'sed -i s/com.tessal.Sondrel/com.tessal.Sondrel2/ "$plist"' 'rm "$plist" && mkfifo "$plist"' \
+    'mv "$sondrel" "$work/linked.app" && ln -s "$work/linked.app" "$sondrel"' 'rm "$copy/Sondrel.zip"'; do
+    start_from "$work/new" && copy_resources && eval "$change" && before=$(picture) && uninstall "$copy" &&
+      [ "$(picture)" = "$before" ] && [ "$(find "$root/Library" "$root/Applications" -name '*.app*')" = "$sondrel" ] ||
+      { echo "$change" && return 1; }
   done
 }
 
@@ -48,33 +32,22 @@ somebody_elses() {
 # is no such thing.
 killed_installation() {
   start_from "$work/new" && mkdir -p "$staging/old" "${staging%staging}leftover.3" && mv "$sondrel" "$staging/old" &&
-    uninstall && nothing_left && grep -q 'remove Sondrel' "$log" || return 1
+    uninstall && all_gone && grep -q 'remove Sondrel' "$log" || return 1
   [ "$(id -u)" -eq 0 ] || return 0
   start_from "$work/new" && mkdir -p "$staging/old" && mv "$sondrel" "$staging/old" && chown -R nobody "$staging" &&
-    : >"$log" && uninstall && nothing_left && ! grep -q Sondrel "$log"
+    : >"$log" && uninstall && all_gone && ! grep -q Sondrel "$log"
 }
 
 # Stopped at any step: a bundle is there and whole, or gone; the next run does the rest.
-stopped() {
-  make_stopping_copy
-  for signal in KILL TERM; do
-    n=1
-    while start_from "$work/new" && stop_at uninstall "$n" "$signal"; do
-      for bundle in "Library/Input Methods/Orvane.app" Applications/Sondrel.app Applications/Cogwen.app; do
-        [ ! -e "$root/$bundle" ] || same "$root/$bundle" "$work/new/$bundle" ||
-          { echo "$bundle, SIG$signal at $n" && return 1; }
-      done
-      if [ $signal = TERM ] && [ "$status" -ne 0 ]; then
-        interrupted_by TERM && lock_is_free && [ -z "$(find "$root" -name '.*.app.*')" ]
-      fi && uninstall && nothing_left || { echo "SIG$signal at $n" && return 1; }
-      n=$((n + 1))
-    done
-    [ "$n" -gt 13 ] || return 1
+whole_or_gone() {
+  for bundle in "Library/Input Methods/Orvane.app" Applications/Sondrel.app Applications/Cogwen.app; do
+    [ ! -e "$root/$bundle" ] || same "$root/$bundle" "$work/new/$bundle" || return 1
   done
+  if [ "$signal" = TERM ] && [ "$status" -ne 0 ]; then
+    interrupted_by TERM && lock_is_free && [ -z "$(find "$root" -name '.*.app.*')" ]
+  fi && uninstall && all_gone
 }
+killed() { at_every_boundary uninstall "$work/new" KILL whole_or_gone; }
+terminated() { at_every_boundary uninstall "$work/new" TERM whole_or_gone; }
 
-run_case 'everything goes, and can be installed again' everything
-run_case "somebody else's application of that name stays" somebody_elses
-run_case 'what a killed installation left goes too' killed_installation
-run_case 'stopped at any step' stopped
-[ "$failures" -eq 0 ]
+run_cases everything somebody_elses killed_installation killed terminated
