@@ -66,27 +66,26 @@ row() {
 
 row "mistyped, then closed, in German" "LANGUAGE=de SUDO_ASKPASS=/app/askpass-mistyped-then-closed" 2 ''
 row "wrong, in German" "LANGUAGE=de SUDO_ASKPASS=/app/askpass-wrong" 1 'incorrect password'
-row "no askpass" SUDO_ASKPASS=/app/none 1 '/app/none: No such file'
 row "no display, no terminal" "-u DISPLAY setsid -w" 1 'a terminal is required'
 row "a display that is not there" "DISPLAY=:99" 1 'cannot ask for the password'
 mv "$rule" "$machine/rule"
 row "not allowed, in German" "LANGUAGE=de SUDO_ASKPASS=/app/askpass-right" 2 ''
 mv "$machine/rule" "$rule"
 
-# told_to_end WHAT EXPECTED_STATUS ASKPASS COMMAND...: the installer, once the command succeeds. The names below are those
+# interrupted WHAT EXPECTED_STATUS ASKPASS COMMAND...: the installer, once the command succeeds. The names below are those
 # of this test's own processes: it sees no others.
-told_to_end() {
+interrupted() {
   what=$1 expected=$2 askpass=$3
   shift 3
   rm -f "$ui_log"
   as_user "SUDO_ASKPASS=/app/askpass-$askpass exec '$app/Contents/MacOS/orvane-install'" >"$machine/out" 2>&1 & front=$!
   await "$what" "$@"
-  pkill -TERM -x orvane-install
+  pkill -INT -x orvane-install
   wait_for_end $front
-  expect "told to end at $what" $? "$expected"
+  expect "interrupted at $what" $? "$expected"
 }
 
-told_to_end "the prompt" 2 asleep test -e "$machine/tmp/asleep"
+interrupted "the prompt" 2 asleep test -e "$machine/tmp/asleep"
 await "the end of the prompt" sh -c '! pgrep -x sudo && ! pgrep -f "[a]skpass-asleep"'
 [ ! -e "$machine/Library" ] || fail "something was installed"
 
@@ -116,10 +115,11 @@ grep -q 'Orvane Installer 想要进行更改' "$machine/tmp/prompts" || fail "an
 script=$machine$app/Contents/Resources/install.sh
 readonly hold='echo holding >>/tmp/tessal_installer.log; sleep'
 echo "trap 'echo stopped >&2; exit 9' TERM; $hold 30 & wait" >"$script"
-told_to_end "the script" 1 right grep -q holding "$ui_log"
+interrupted "the script" 1 right grep -q holding "$ui_log"
 grep -q '管理员授权失败: stopped' "$ui_log" || fail "no end of the script in the log: $(cat "$ui_log")"
+grep -q '^安装被中断$' "$machine/out" || fail "nothing says that it was interrupted: $(cat "$machine/out")"
 echo "trap '' TERM INT HUP; $hold 5" >"$script"
-told_to_end "a script that goes on" 1 right grep -q holding "$ui_log"
+interrupted "a script that goes on" 1 right grep -q holding "$ui_log"
 grep -q 无法中止 "$machine/out" || fail "nothing says that the script goes on: $(cat "$machine/out")"
 
 finish

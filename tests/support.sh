@@ -41,9 +41,6 @@ use_bundle() {
 clean_up() { :; } # a test that starts programs ends them here
 sources() { "$app/Contents/Helpers/input-sources" --root "$root" "$@"; }
 
-# Whether all has ended that was started below $work.
-nothing_left() { ! pgrep -f "$work/"; }
-
 finish() { [ $failures -eq 0 ] || { echo "$failures failed"; exit 1; }; }
 
 skip() { echo "skipped: $*"; exit 77; }
