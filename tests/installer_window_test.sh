@@ -4,9 +4,7 @@
 set -u
 . "$(dirname "$0")/support.sh"
 
-if [ "${1:-}" != --inside ]; then
-  on_display 1280x1024 "$0" --inside "$1"
-fi
+[ "${1:-}" = --inside ] || on_display 1280x1024 "$0" --inside "$1"
 
 use_bundle "$2"
 installer='' manager=''
@@ -39,8 +37,6 @@ unset QT_SCALE_FACTOR
 
 env -u DISPLAY -u WAYLAND_DISPLAY "$app/Contents/MacOS/Orvane Installer" --root "$root" 2>"$work/messages"
 expect "status without a display" $? 69
-expect "words" "$(cat "$work/messages")" \
-  "Orvane Installer: cannot open its window: there is no display; orvane-install needs none"
 
 start_window_manager
 
