@@ -73,7 +73,6 @@ start
 await "the waiting phase" grep -q '请将「澄枫输入法」添加到输入法列表' "$work/out"
 sources allow $base || fail allow
 started_run_ends 0
-says success 安装成功
 expect "current source" "$(sources current)" $base.pinyin
 opened="$root/user/Library/Application Support/Orvane/opened.log"
 await "the settings" grep -q opened "$opened"
@@ -117,7 +116,6 @@ start --home "$work/second" activate --once --go-enable
 await "the keyboard settings" grep -qF 'openKeyboardSettings(): ' "$ui_log"
 sources --home "$work/second" allow $base || fail allow
 started_run_ends 0
-expect "current source of the second" "$(sources --home "$work/second" current)" $base.pinyin
 expect "settings opened, for the first account alone" "$(cat "$opened")" opened
 [ ! -e "$work/own" ] || fail "a note was written through a link"
 rm "$stamp"

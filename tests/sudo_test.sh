@@ -72,8 +72,8 @@ mv "$rule" "$machine/rule"
 row "not allowed, in German" "LANGUAGE=de SUDO_ASKPASS=/app/askpass-right" 2 ''
 mv "$machine/rule" "$rule"
 
-# interrupted WHAT EXPECTED_STATUS ASKPASS COMMAND...: the installer, once the command succeeds. The names below are those
-# of this test's own processes: it sees no others.
+# interrupted WHAT EXPECTED_STATUS ASKPASS COMMAND...: the installer, once the command succeeds.
+# The names below are those of this test's own processes: it sees no others.
 interrupted() {
   what=$1 expected=$2 askpass=$3
   shift 3
@@ -116,8 +116,7 @@ script=$machine$app/Contents/Resources/install.sh
 readonly hold='echo holding >>/tmp/tessal_installer.log; sleep'
 echo "trap 'echo stopped >&2; exit 9' TERM; $hold 30 & wait" >"$script"
 interrupted "the script" 1 right grep -q holding "$ui_log"
-grep -q '管理员授权失败: stopped' "$ui_log" || fail "no end of the script in the log: $(cat "$ui_log")"
-grep -q '^安装被中断$' "$machine/out" || fail "nothing says that it was interrupted: $(cat "$machine/out")"
+grep -A 1 '^安装被中断$' "$machine/out" | grep -qx stopped || fail "its last words are missing: $(cat "$machine/out")"
 echo "trap '' TERM INT HUP; $hold 5" >"$script"
 interrupted "a script that goes on" 1 right grep -q holding "$ui_log"
 grep -q 无法中止 "$machine/out" || fail "nothing says that the script goes on: $(cat "$machine/out")"
