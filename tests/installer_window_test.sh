@@ -42,7 +42,7 @@ start_window_manager
 
 echo "closing while nothing is going on"
 open_installer
-xdotool windowsize "$window" 700 600 2>/dev/null
+xdotool windowsize "$window" 1100 800 2>/dev/null
 sleep 0.5
 expect "size after resizing" "$(size)" 1000x900
 xdotool windowactivate --sync "$window" key alt+F4
