@@ -22,6 +22,9 @@ open_installer() { # the window goes to $window
 size() { xwininfo -id "$window" | awk '/Width:/ { w = $2 } /Height:/ { print w "x" $2 }'; }
 # The colour of a point of the window, in pixels.
 colour() { import -silent -window "$window" -crop 1x1+"$1"+"$2" -depth 8 txt:- | grep -o '#[0-9A-F]\{6\}' | tail -n 1; }
+# A busy machine may lose a key.
+close_window() { xdotool windowactivate --sync "$window" key alt+F4 sleep 0.5; }
+closed() { close_window; ! find_window --pid $installer; }
 ended() { wait_for_end $installer; expect "$1: exit status" $? 0; installer=; }
 
 echo "at both scales"
@@ -45,7 +48,7 @@ open_installer
 xdotool windowsize "$window" 1100 800 2>/dev/null
 sleep 0.5
 expect "size after resizing" "$(size)" 1000x900
-xdotool windowactivate --sync "$window" key alt+F4
+await "the end of the window" closed
 ended close
 
 echo "closing while waiting"
@@ -53,8 +56,8 @@ open_installer
 xdotool windowactivate --sync "$window" key Tab space
 await "the waiting phase" grep -q trigger=enter-waiting "$root/tmp/tessal_installer_ui.log"
 sleep 1
-xdotool windowactivate --sync "$window" key alt+F4
-sleep 0.5
+close_window
+close_window
 kill -0 $installer || fail "closing ended the installer"
 xdotool mousemove --window "$window" 425 620 sleep 0.2 click 1
 ended "退出安装"
