@@ -1,4 +1,4 @@
-# Builds for macOS on Linux: tools/macos/build.sh says where things are.
+# Builds for macOS on Linux: tools/macos.sh says where things are.
 #
 #   ORVANE_ARCHITECTURE    arm64 or x86_64
 #   ORVANE_MACOS_TOOLS     the folder of the cross compiler
@@ -10,11 +10,8 @@ set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
 set(CMAKE_SYSTEM_NAME Darwin)
 set(CMAKE_SYSTEM_PROCESSOR "${ORVANE_ARCHITECTURE}")
 set(CMAKE_CXX_COMPILER "${ORVANE_MACOS_TOOLS}/ziglang/zig" c++)
-if(ORVANE_ARCHITECTURE STREQUAL "arm64")
-  set(CMAKE_CXX_COMPILER_TARGET aarch64-macos.11.5)
-else()
-  set(CMAKE_CXX_COMPILER_TARGET x86_64-macos.11.5)
-endif()
+string(REPLACE arm64 aarch64 architecture "${ORVANE_ARCHITECTURE}")
+set(CMAKE_CXX_COMPILER_TARGET "${architecture}-macos.11.5")
 set(CMAKE_PROJECT_INCLUDE "${CMAKE_CURRENT_LIST_DIR}/cmake/project.cmake")
 find_program(CMAKE_AR NAMES llvm-ar-14 llvm-ar REQUIRED)
 find_program(CMAKE_RANLIB NAMES llvm-ranlib-14 llvm-ranlib REQUIRED)
@@ -23,10 +20,12 @@ find_program(CMAKE_INSTALL_NAME_TOOL NAMES llvm-install-name-tool-14 llvm-instal
 get_filename_component(sdk "${CMAKE_CURRENT_LIST_DIR}/../macos-sdk" ABSOLUTE)
 # The compiler's own headers belong to a newer library than that of macOS 11. The
 # marks keep the code to what that one has. They also stand for a library that is
-# linked in, and so would export its inline functions from each program.
+# linked in, and so would export its inline functions from each program. Without
+# optimisation the compiler would add checks that need a library of its own.
 string(JOIN " " CMAKE_CXX_FLAGS_INIT
   -U_LIBCPP_HAS_VENDOR_AVAILABILITY_ANNOTATIONS -D_LIBCPP_HAS_VENDOR_AVAILABILITY_ANNOTATIONS=1
   -U_LIBCPP_DISABLE_VISIBILITY_ANNOTATIONS -U_LIBCXXABI_DISABLE_VISIBILITY_ANNOTATIONS
+  -fno-sanitize=undefined
   "-iframework \"${sdk}/Frameworks\"" "-isystem \"${CMAKE_BINARY_DIR}/include\"")
 # One C++ library in the process, the system's: Qt uses it too.
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-nostdlib++ -F \"${sdk}/Frameworks\" -Wl,-dead_strip")
