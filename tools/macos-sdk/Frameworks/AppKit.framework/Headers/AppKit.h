@@ -9,16 +9,9 @@
 
 NS_ASSUME_NONNULL_BEGIN
 
-typedef enum NSApplicationActivationPolicy : NSInteger {
-  NSApplicationActivationPolicyRegular = 0,
-  NSApplicationActivationPolicyAccessory = 1,
-  NSApplicationActivationPolicyProhibited = 2,
-} NSApplicationActivationPolicy;
+enum NSApplicationActivationPolicy : NSInteger { NSApplicationActivationPolicyProhibited = 2 };
 
-@interface NSResponder : NSObject
-@end
-
-@interface NSApplication : NSResponder
+@interface NSApplication : NSObject
 @property(class, readonly, strong) __kindof NSApplication* sharedApplication;
 @property(null_resettable, strong) NSImage* applicationIconImage;
 @property(nullable, strong) NSMenu* mainMenu;
@@ -47,9 +40,7 @@ typedef enum NSApplicationActivationPolicy : NSInteger {
                            atIndex:(NSInteger)index;
 @end
 
-typedef enum NSCompositingOperation : NSUInteger {
-  NSCompositingOperationSourceOver = 2,
-} NSCompositingOperation;
+enum NSCompositingOperation : NSUInteger { NSCompositingOperationSourceOver = 2 };
 
 @interface NSImage : NSObject
 + (nullable instancetype)imageWithSystemSymbolName:(NSString*)name
@@ -70,13 +61,11 @@ typedef enum NSCompositingOperation : NSUInteger {
 + (void)restoreGraphicsState;
 @end
 
-@interface NSView : NSResponder
+@interface NSView : NSObject
 @property(nullable, readonly, unsafe_unretained) NSWindow* window;
 @end
-@interface NSControl : NSView
+@interface NSButton : NSView
 @property(getter=isEnabled) BOOL enabled;
-@end
-@interface NSButton : NSControl
 @end
 
 typedef NSUInteger NSWindowStyleMask;  // as C++ sees NS_OPTIONS
@@ -90,16 +79,10 @@ enum : NSWindowCollectionBehavior {
   NSWindowCollectionBehaviorFullScreenPrimary = 1U << 7U,
   NSWindowCollectionBehaviorFullScreenNone = 1U << 9U,
 };
-typedef enum NSWindowTitleVisibility : NSInteger {
-  NSWindowTitleVisible = 0,
-  NSWindowTitleHidden = 1,
-} NSWindowTitleVisibility;
-typedef enum NSWindowButton : NSUInteger {
-  NSWindowMiniaturizeButton = 1,
-  NSWindowZoomButton = 2,
-} NSWindowButton;
+enum NSWindowTitleVisibility : NSInteger { NSWindowTitleHidden = 1 };
+enum NSWindowButton : NSUInteger { NSWindowMiniaturizeButton = 1, NSWindowZoomButton = 2 };
 
-@interface NSWindow : NSResponder
+@interface NSWindow : NSObject
 @property(copy) NSString* title;
 @property(copy) NSString* accessibilityTitle;
 @property NSWindowTitleVisibility titleVisibility;
@@ -127,9 +110,6 @@ typedef enum NSWindowButton : NSUInteger {
                                                 NSError* _Nullable error))completionHandler
     API_AVAILABLE_MACOS(10.15);
 - (nullable NSURL*)URLForApplicationWithBundleIdentifier:(NSString*)bundleIdentifier;
-// Not used: shows that newer calls are caught.
-- (void)URLsForApplicationsWithBundleIdentifier:(NSString*)bundleIdentifier
-    API_AVAILABLE_MACOS(12.0);
 @end
 
 NS_ASSUME_NONNULL_END

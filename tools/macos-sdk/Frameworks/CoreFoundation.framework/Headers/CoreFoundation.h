@@ -22,7 +22,6 @@ typedef CFTypeRef CFPropertyListRef;
 typedef unsigned long CFTypeID;
 typedef unsigned long CFOptionFlags;
 typedef signed long CFIndex;
-typedef double CFTimeInterval;
 typedef struct {
   CFIndex location;
   CFIndex length;
@@ -69,22 +68,20 @@ CF_EXPORT const CFBooleanRef kCFBooleanFalse;
 CF_EXPORT CFTypeID CFBooleanGetTypeID(void);
 CF_EXPORT Boolean CFBooleanGetValue(CFBooleanRef boolean);
 
-typedef enum CFNumberType : CFIndex {
-  kCFNumberSInt64Type = 4,
-} CFNumberType;
+enum CFNumberType : CFIndex { kCFNumberSInt64Type = 4 };
 CF_EXPORT CFTypeID CFNumberGetTypeID(void);
 CF_EXPORT CFNumberRef CFNumberCreate(CFAllocatorRef allocator, CFNumberType type,
                                      const void* value);
 CF_EXPORT Boolean CFNumberIsFloatType(CFNumberRef number);
 CF_EXPORT Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value);
 
-typedef enum CFComparisonResult : CFIndex { kCFCompareEqualTo = 0 } CFComparisonResult;
+enum CFComparisonResult : CFIndex { kCFCompareEqualTo = 0 };
 CF_EXPORT CFComparisonResult CFNumberCompare(CFNumberRef number, CFNumberRef other, void* context);
 
 CF_EXPORT CFDataRef CFDataCreate(CFAllocatorRef allocator, const UInt8* bytes, CFIndex length);
 
 // Arrays and dictionaries; the callback tables are used by address only.
-typedef struct CFArrayCallBacks CFArrayCallBacks;
+struct CFArrayCallBacks;
 CF_EXPORT const CFArrayCallBacks kCFTypeArrayCallBacks;
 CF_EXPORT CFTypeID CFArrayGetTypeID(void);
 CF_EXPORT CFMutableArrayRef CFArrayCreateMutable(CFAllocatorRef allocator, CFIndex capacity,
@@ -93,8 +90,8 @@ CF_EXPORT void CFArrayAppendValue(CFMutableArrayRef array, const void* value);
 CF_EXPORT CFIndex CFArrayGetCount(CFArrayRef array);
 CF_EXPORT const void* CFArrayGetValueAtIndex(CFArrayRef array, CFIndex index);
 
-typedef struct CFDictionaryKeyCallBacks CFDictionaryKeyCallBacks;
-typedef struct CFDictionaryValueCallBacks CFDictionaryValueCallBacks;
+struct CFDictionaryKeyCallBacks;
+struct CFDictionaryValueCallBacks;
 CF_EXPORT const CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks;
 CF_EXPORT const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks;
 CF_EXPORT CFTypeID CFDictionaryGetTypeID(void);
@@ -123,11 +120,7 @@ CF_EXPORT Boolean CFURLGetFileSystemRepresentation(CFURLRef url, Boolean resolve
                                                    UInt8* buffer, CFIndex capacity);
 
 // Property lists
-typedef enum CFPropertyListFormat : CFIndex {
-  kCFPropertyListOpenStepFormat = 1,
-  kCFPropertyListXMLFormat_v1_0 = 100,
-  kCFPropertyListBinaryFormat_v1_0 = 200,
-} CFPropertyListFormat;
+enum CFPropertyListFormat : CFIndex;
 enum : CFOptionFlags { kCFPropertyListImmutable = 0 };
 CF_EXPORT CFPropertyListRef CFPropertyListCreateWithData(CFAllocatorRef allocator, CFDataRef data,
                                                          CFOptionFlags options,

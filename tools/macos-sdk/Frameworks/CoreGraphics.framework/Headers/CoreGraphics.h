@@ -21,7 +21,7 @@ typedef struct CGRect {
 typedef struct CGColorSpace* CGColorSpaceRef;
 typedef struct CGContext* CGContextRef;
 
-typedef enum CGImageAlphaInfo : uint32_t { kCGImageAlphaPremultipliedLast = 1 } CGImageAlphaInfo;
+enum CGImageAlphaInfo : uint32_t { kCGImageAlphaPremultipliedLast = 1 };
 typedef uint32_t CGBitmapInfo;  // as C++ sees CF_OPTIONS
 enum : CGBitmapInfo { kCGBitmapByteOrder32Big = 4U << 12U };
 

@@ -11,7 +11,7 @@
 #define NS_ASSUME_NONNULL_BEGIN CF_ASSUME_NONNULL_BEGIN
 #define NS_ASSUME_NONNULL_END CF_ASSUME_NONNULL_END
 
-@class NSAppleEventDescriptor, NSError, NSOperationQueue;
+@class NSAppleEventDescriptor, NSError, NSNotification, NSOperationQueue;
 
 NS_ASSUME_NONNULL_BEGIN
 
@@ -32,15 +32,8 @@ inline id _Nullable CFBridgingRelease(CFTypeRef CF_CONSUMED _Nullable object) {
 @interface NSString : NSObject
 - (NSString*)stringByAppendingString:(NSString*)text;
 @end
-// What the compiler makes of a literal.
-@interface NSSimpleCString : NSString
-@end
-@interface NSConstantString : NSSimpleCString
-@end
 
-@interface NSValue : NSObject
-@end
-@interface NSNumber : NSValue
+@interface NSNumber : NSObject
 @property(readonly) int intValue;
 @end
 
@@ -59,18 +52,13 @@ CF_EXPORT NSString* const NSAppleScriptErrorNumber;
     (NSDictionary<NSString*, id>* _Nullable* _Nullable)errorInfo;
 @end
 
-typedef NSString* NSNotificationName;
-@interface NSNotification : NSObject
-@end
-@interface NSNotificationCenter : NSObject
-- (id<NSObject>)addObserverForName:(nullable NSNotificationName)name
+@interface NSDistributedNotificationCenter : NSObject
++ (NSDistributedNotificationCenter*)defaultCenter;
+- (id<NSObject>)addObserverForName:(nullable NSString*)name
                             object:(nullable id)object
                              queue:(nullable NSOperationQueue*)queue
                         usingBlock:(void (^)(NSNotification* notification))block;
 - (void)removeObserver:(id)observer;
-@end
-@interface NSDistributedNotificationCenter : NSNotificationCenter
-+ (NSDistributedNotificationCenter*)defaultCenter;
 @end
 
 @interface NSOperationQueue : NSObject
