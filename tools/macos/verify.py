@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Looks whether an application is what bundle.py has listed, and copies of it the same, and whether it can start on every
-Mac that it is for. Prints a table of its Mach-O files, and fails if anything is amiss.
+Mac that it is for. Fails if anything is amiss.
 
-usage: verify.py APPLICATION [LIST [LIBSYSTEM-STUB [COPY…]]]    without a list, one that was made on a Mac
+usage: verify.py APPLICATION [LIST [COPY…]]    without a list, one that was made on a Mac
 """
 
 import hashlib
@@ -14,94 +14,54 @@ import stat
 import sys
 import xml.parsers.expat
 
-import lief
 import macho
 import signature
 
 MINIMUM = (11, 5)
 BUILT_FOR = (13, 0)  # in our own programs; see install_tools in get.sh
-NO_LIBRARY = {0: "itself", 253: "the main executable", 254: "any library", 255: "the main executable"}
+# What is None here would keep the window away.
 INFORMATION = {"CFBundleExecutable": "Orvane Installer", "CFBundleIconFile": "AppIcon",
                "CFBundleIdentifier": "com.tessal.installer.Orvane", "CFBundlePackageType": "APPL",
-               "LSMinimumSystemVersion": "11.5", "NSPrincipalClass": "NSApplication"}
+               "LSMinimumSystemVersion": "11.5", "NSPrincipalClass": "NSApplication",
+               "LSBackgroundOnly": None, "LSUIElement": None}
+SDK = pathlib.Path(__file__).parent.parent / "macos-sdk"
+SYSTEM_LIBRARIES = (SDK / "system-libraries.txt").read_text().splitlines()
 problems = []
+problem = problems.append
 
 
-def problem(text):
-    problems.append(text)
-
-
-def minimum_of(part):
-    if part.has_build_version:
-        return tuple(part.build_version.minos[:2])
-    return tuple(part.version_min.version[:2]) if part.has_version_min else None
-
-
-def check_libraries(where, part, path, program, stubs):
-    """What stands behind each install name: a file inside, or None for the system's."""
+def check_libraries(where, part, path, program, made_here):
+    """Whether each is the system's or lies inside. On a Mac the linker has looked for the system's."""
     names = macho.loaded_libraries(part)
-    for name in {name for name in names if names.count(name) > 1}:
-        problem(f"{where}: names {name} twice")
-    found = []
     for name in names:
-        inside = macho.resolve(name, part, path, program)
-        if inside is None and not stubs.has(name):
+        is_system = name in SYSTEM_LIBRARIES or not made_here and name.startswith(("/System/Library/", "/usr/lib/"))
+        if not is_system and not macho.lies_inside(name, part, path, program):
             problem(f"{where}: loads {name}, which is neither the system's nor inside")
-        found.append(inside)
-    return names, found
+        if names.count(name) > 1:
+            problem(f"{where}: names {name} twice")
 
 
-def check_symbols(where, part, architecture, libraries, stubs, is_ours):
-    """How many symbols were looked up, and how many of the system's could not be."""
-    names, files = libraries
-    seen = trusted = 0
-    for symbol in part.symbols:
-        if symbol.category != lief.MachO.Symbol.CATEGORY.UNDEFINED:
-            continue
-        ordinal = symbol.library_ordinal
-        if not 1 <= ordinal <= len(names):
-            problem(f"{where}: {symbol.name} comes from {NO_LIBRARY.get(ordinal, ordinal)}")
-            continue
-        name, file = names[ordinal - 1], files[ordinal - 1]
-        if file is not None:
-            exported = macho.exports(file, architecture)
-        elif stubs.made_here and name in stubs.symbols and (is_ours or name.startswith(("/usr/lib/libc++", "/usr/lib/libSystem"))):
-            exported = stubs.symbols[name][architecture]
-        else:
-            trusted += 1
-            continue
-        seen += 1
-        if symbol.name not in exported:
-            problem(f"{where}: {name} does not export {symbol.name}")
-    return seen, trusted
-
-
-def check_code(path, application, program, stubs):
+def check_code(path, application, program, made_here):
     is_ours = path.parent == program.parent
     shown = path.relative_to(application / "Contents")
     parts = macho.slices(path)
     if set(parts) != {"arm64", "x86_64"}:
         problem(f"{shown}: is for {', '.join(sorted(parts))}")
-    for architecture, part in sorted(parts.items()):
+    for architecture, part in parts.items():
         where = f"{shown} ({architecture})"
-        minimum = minimum_of(part)
+        version = part.build_version
+        minimum = tuple(version.minos[:2]) if version else None
         if minimum is None or minimum > MINIMUM or (is_ours and minimum != MINIMUM):
             problem(f"{where}: is for macOS {minimum} or later")
-        if is_ours and stubs.made_here and tuple(part.build_version.sdk[:2]) != BUILT_FOR:
-            problem(f"{where}: says that it was made for macOS {part.build_version.sdk}")
+        elif is_ours and made_here and tuple(version.sdk[:2]) != BUILT_FOR:
+            problem(f"{where}: says that it was made for macOS {version.sdk}")
         if not part.has_uuid:
             problem(f"{where}: has no identifier")
         for rpath in macho.rpaths(part):
             inside = macho.expand(rpath, path, program)
             if not rpath.startswith("@") or not pathlib.Path(inside).is_relative_to(application):
                 problem(f"{where}: looks for libraries outside: {rpath}")
-        libraries = check_libraries(where, part, path, program, stubs)
-        seen, trusted = check_symbols(where, part, architecture, libraries, stubs, is_ours)
-        inside = sum(file is not None for file in libraries[1])
-        print(
-            f"{str(shown):58} {architecture:7} {'.'.join(map(str, minimum or ())):6}"
-            f"{inside:7} {len(libraries[0]) - inside:7} {seen:8} {trusted:8}"
-        )
+        check_libraries(where, part, path, program, made_here)
 
 
 def content(root):
@@ -123,15 +83,9 @@ def check_content(root, wanted, where=""):
     """Whether that lies there which should, and nothing else."""
     found = content(root)
     for name in sorted(found.keys() | wanted.keys()):
-        there, listed = found.get(name), wanted.get(name)
-        if there is None:
-            problem(f"{where}there is no {name}")
-        elif listed is None:
-            problem(f"{where}{name} does not belong there")
-        elif there[:2] != listed[:2]:
-            problem(f"{where}{name} is a {' '.join(there[:2])}, not a {' '.join(listed[:2])}")
-        elif there != listed:
-            problem(f"{where}{name} has another content")
+        there, listed = found.get(name, ["nothing"]), wanted.get(name, ["nothing"])
+        if there != listed:
+            problem(f"{where}{name} is {' '.join(there)}, not {' '.join(listed)}")
 
 
 def as_signed(listed, application):
@@ -150,9 +104,6 @@ def check_information(application):
     for key, wanted in INFORMATION.items():
         if info.get(key) != wanted:
             problem(f"Info.plist: {key} is {info.get(key)}, not {wanted}")
-    for key in ("LSBackgroundOnly", "LSUIElement"):
-        if key in info:
-            problem(f"Info.plist: {key} keeps the window away")
 
 
 def stop_at_problems():
@@ -164,28 +115,27 @@ def stop_at_problems():
 
 def main():
     application = pathlib.Path(sys.argv[1]).resolve()
-    if len(sys.argv) > 2:
+    made_here = len(sys.argv) > 2
+    if made_here:
         listed = json.loads(pathlib.Path(sys.argv[2]).read_text())
         if (application / "Contents/_CodeSignature").exists():
             listed = as_signed(listed, application)
         check_content(application, listed)
-        stop_at_problems()
-        for copy in sys.argv[4:]:
+        for copy in sys.argv[3:]:
             check_content(pathlib.Path(copy), content(application), f"{copy}: ")
+        stop_at_problems()
         print(f"{len(listed)} files, folders and links as they were put in")
     check_information(application)
     program = application / "Contents/MacOS" / INFORMATION["CFBundleExecutable"]
-    if not macho.is_macho(program):
+    if not macho.slices(program):
         problem(f"{program} is no program for macOS")
     stop_at_problems()
-    stubs = macho.Stubs(sys.argv[3:4])
-    print(f"{'':58} {'':7} {'macOS':6} libraries      symbols")
-    print(f"{'file':58} {'for':7} {'from':6} {'inside':>6} {'system':>7} {'found':>8} {'trusted':>8}")
-    for path in sorted(application.rglob("*")):
-        if macho.is_macho(path):
-            check_code(path, application, program, stubs)
+    code = list(filter(macho.is_macho, application.rglob("*")))
+    for path in code:
+        check_code(path, application, program, made_here)
     signature.check(application, program, problem)
     stop_at_problems()
+    print(f"{len(code)} programs and libraries, which find each other on macOS 11.5 and later")
 
 
 main()
