@@ -9,13 +9,13 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 readonly app='build/macos/Orvane Installer.app' archive=build/macos/OrvaneInstaller.zip
 readonly cache=${XDG_CACHE_HOME:-$HOME/.cache}/orvane-macos-check
+readonly tools=$cache/tools qt=$cache/qt/PySide6/Qt
 
 [[ "$*" == "" || "$*" == --prove ]] || {
   echo "usage: tools/macos.sh [--prove]" >&2
   exit 64
 }
-folders=$(tools/macos/get.sh)
-{ read -r tools && read -r qt; } <<<"$folders"
+tools/macos/get.sh "$cache"
 export ZIG_GLOBAL_CACHE_DIR=$cache/objects ZIG_LOCAL_CACHE_DIR=$cache/objects
 export PYTHONPATH=$tools PYTHONDONTWRITEBYTECODE=1
 # It would take a word of the compiler's name for a source.
@@ -24,13 +24,9 @@ unset CMAKE_CXX_COMPILER_LAUNCHER
 # build ARCHITECTURE TARGET…: each has a folder of its own.
 build() {
   local folder=build/macos/$1
-  mkdir -p "$folder"
-  cmake -S . -B "$folder" -G Ninja -D CMAKE_BUILD_TYPE=Release -D CMAKE_COMPILE_WARNING_AS_ERROR=ON \
+  cmake --log-level=WARNING -S . -B "$folder" -G Ninja -D CMAKE_BUILD_TYPE=Release -D CMAKE_COMPILE_WARNING_AS_ERROR=ON \
     -D CMAKE_TOOLCHAIN_FILE="$PWD/tools/macos/toolchain.cmake" -D ORVANE_ARCHITECTURE="$1" \
-    -D ORVANE_MACOS_TOOLS="$tools" -D ORVANE_MACOS_QT="$qt" >"$folder/configure.log" 2>&1 || {
-    cat "$folder/configure.log" >&2
-    exit 1
-  }
+    -D ORVANE_MACOS_TOOLS="$tools" -D ORVANE_MACOS_QT="$qt" >/dev/null
   echo "macos: building for $1"
   cmake --build "$folder" --target "${@:2}"
 }
