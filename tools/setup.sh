@@ -21,7 +21,7 @@ test='
   ansible-core mandoc zsh fish
 '
 check='libgtest-dev clang-14 libclang-rt-14-dev clang-format clang-tidy shellcheck'
-macos='libgtest-dev clang-19 llvm-14 python3-pip icnsutils'
+macos='libgtest-dev llvm-14 python3-pip icnsutils'
 
 only_check=false
 [ "${1:-}" != --check ] || { only_check=true && shift; }
@@ -46,10 +46,7 @@ elif command -v apt-get >/dev/null; then
   is_there() { [ "$(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null)" = installed ]; }
   install() {
     as_root=
-    if [ "$(id -u)" -ne 0 ]; then
-      command -v sudo >/dev/null || { echo "run as root, or install: $*" >&2 && exit 1; }
-      as_root=sudo
-    fi
+    [ "$(id -u)" -eq 0 ] || as_root=sudo
     $as_root apt-get update -q
     $as_root env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends "$@"
   }
