@@ -22,7 +22,7 @@ BUNDLE = ROOT / "build/Orvane Installer.app/Contents"
 WINDOW = BUNDLE / "MacOS/Orvane Installer"
 
 
-def print_rows(names, ours, than, theirs):
+def print_rows(names, than, ours, theirs):
     """A row for each name, with its unit. A run has a value for each of them."""
     def text(values):
         return f"{statistics.median(values):.4g} ({min(values):.4g}–{max(values):.4g})"
@@ -31,10 +31,10 @@ def print_rows(names, ours, than, theirs):
         print(f"| {name} | {unit} | {text(one)} | {than} | {text(other)} | {ratio:.2f} |", flush=True)
 
 
-def in_turn(runs, **cases):
-    """What each case returns, of so many runs of all of them in turn; the first ones do not count."""
-    results = [[case() for case in cases.values()] for _ in range(runs + 1)]
-    return dict(zip(cases, zip(*results[1:])))
+def compare(runs, names, than, ours, theirs):
+    """So many runs of both in turn; the first ones do not count."""
+    results = [(ours(), theirs()) for _ in range(runs + 1)]
+    print_rows(names, than, *zip(*results[1:]))
 
 
 def folder(within=None):
@@ -93,16 +93,13 @@ def proportional_memory(process):
 
 def start():
     with Screen() as screen, folder() as root:
-        def measure(command):
+        def measure(*command):
             process, passed = screen.start(command)
             time.sleep(0.3)  # what comes after the first frame counts, too
             memory = proportional_memory(process)
             return passed, screen.stop(process), memory
-        results = in_turn(21, installer=lambda: measure([WINDOW, "--root", root]),
-                          empty=lambda: measure([BARE_WINDOW]), word=lambda: measure([BARE_WINDOW, "安装"]))
-    names = {"first frame": "ms", "start, processor": "ms", "memory": "MB"}
-    print_rows(names, results["installer"], "an empty window", results["empty"])
-    print_rows(names, results["installer"], "a window with a word", results["word"])
+        compare(21, {"first frame": "ms", "start, processor": "ms", "memory": "MB"}, "a window with a word",
+                lambda: measure(WINDOW, "--root", root), lambda: measure(BARE_WINDOW))
 
 
 def work_of(process):
@@ -116,7 +113,6 @@ def work_of(process):
 def waiting():
     with Screen() as screen, folder() as root:
         poller = subprocess.Popen([sys.executable, "-c", "import time\nwhile True: time.sleep(1.5)"])
-        os.environ["SUDO_ASKPASS"] = "/bin/true"
         installer, _ = screen.start([WINDOW, "--root", root])
         window = subprocess.run(["xdotool", "search", "--onlyvisible", "--pid", str(installer.pid)], check=True,
                                 capture_output=True, text=True).stdout.split()[-1]
@@ -134,8 +130,14 @@ def waiting():
         for process in results:  # the window of the settings ends with the display
             process.kill()
             process.wait()
-    print_rows({"waiting, processor": "ms/s", "waiting, wake-ups": "1/s"}, results[installer],
-               "a process that polls", results[poller])
+    print_rows({"waiting, processor": "ms/s", "waiting, wake-ups": "1/s"}, "a process that polls",
+               results[installer], results[poller])
+
+
+def seconds(root, *command):
+    begin = time.perf_counter()
+    subprocess.run(command, check=True, capture_output=True, env={**os.environ, "INSTALL_ROOT": str(root)})
+    return time.perf_counter() - begin
 
 
 def payload():
@@ -159,57 +161,27 @@ def payload():
                 shutil.rmtree(each, ignore_errors=True)
             (root / "tmp").mkdir(parents=True)
             out.mkdir()
-            begin, before = time.perf_counter(), os.times()
-            subprocess.run(command, check=True, capture_output=True, env={**os.environ, "INSTALL_ROOT": str(root)})
-            after = os.times()
-            return (time.perf_counter() - begin,
-                    after.children_user + after.children_system - before.children_user - before.children_system)
-        results = in_turn(4, script=lambda: run("sh", script / "install.sh"),
-                          bsdtar=lambda: run("bsdtar", "-xf", script / "Orvane.zip", "-C", out))
-    what = f"payload of {files * size // 10**6} MB in {files} files"
-    print_rows({what: "s", f"{what}, processor": "s"}, results["script"], "bsdtar", results["bsdtar"])
-
-
-# Beside the real script in a copy of the bundle, it notes when that begins and ends.
-NOTING_SCRIPT = """date +%s%N >"$INSTALL_ROOT/times"
-sh "$(dirname "$0")/script.sh" || exit
-date +%s%N >>"$INSTALL_ROOT/times"
-"""
+            return [seconds(root, *command)]
+        compare(4, {f"payload of {files * size // 10**6} MB in {files} files": "s"}, "bsdtar",
+                lambda: run("sh", script / "install.sh"), lambda: run("bsdtar", "-xf", script / "Orvane.zip", "-C", out))
 
 
 def run():
-    environment = {name: value for name, value in os.environ.items() if name != "DISPLAY"}
-    environment["SUDO_ASKPASS"] = "/bin/true"
-    with folder() as place:
-        root, copy = pathlib.Path(place, "root"), pathlib.Path(place, "Copy.app/Contents")
-        root.mkdir()
-        shutil.copytree(BUNDLE, copy)
-        (copy / "Resources/install.sh").rename(copy / "Resources/script.sh")
-        (copy / "Resources/install.sh").write_text(NOTING_SCRIPT)
-
-        def command(program, *arguments):
-            return subprocess.run([copy / program, "--root", root, *arguments], env=environment, capture_output=True,
-                                  check="--no-wait" not in arguments)
-
-        def one():
-            begin = time.perf_counter()
-            command("MacOS/orvane-install")
-            whole = (time.perf_counter() - begin) * 1e3
-            begin, end = map(int, (root / "times").read_text().split())
-            return whole, (end - begin) / 1e6
-        command("MacOS/orvane-install", "--no-wait")
-        command("Helpers/input-sources", "allow", "com.tessal.inputmethod.Orvane")
-        command("MacOS/orvane-install", "activate")
-        results = in_turn(9, run=one)["run"]
-    print_rows({"overwriting installation": "ms", "of this, beyond the script": "ms"},
-               [(whole, whole - script) for whole, script in results], "its script",
-               [(script, script) for _, script in results])
+    os.environ.pop("DISPLAY", None)
+    with folder() as root:
+        installer = [BUNDLE / "MacOS/orvane-install", "--root", root]
+        subprocess.run([*installer, "--no-wait"], capture_output=True)  # fails: nobody has allowed it yet
+        seconds(root, BUNDLE / "Helpers/input-sources", "--root", root, "allow", "com.tessal.inputmethod.Orvane")
+        seconds(root, *installer, "activate")
+        compare(9, {"overwriting installation": "s"}, "its script", lambda: [seconds(root, *installer)],
+                lambda: [seconds(root, "sh", BUNDLE / "Resources/install.sh")])
 
 
 def main():
     groups = {group.__name__: group for group in (start, waiting, payload, run)}
     if not set(sys.argv[1:]) <= set(groups):
         sys.exit(__doc__)
+    os.environ["SUDO_ASKPASS"] = "/bin/true"
     print("| figure | unit | installer | against | its figure | ratio |\n|---|---|---|---|---|---|")
     for name in sys.argv[1:] or groups:
         groups[name]()
