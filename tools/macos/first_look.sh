@@ -69,8 +69,7 @@ step title_bar bash -c "title_bar_of $installer"
 step picture screencapture -x "$results/screen.png"
 step quit osascript -e 'tell application id "com.tessal.installer.Orvane" to quit'
 step end bash -c "wait_for ended $installer"
-ended "$installer" || kill "$installer"
-wait_for ended "$installer" || kill -9 "$installer"
+ended "$installer" || kill -9 "$installer"
 wait "$installer"
 table="$table
 | exit status | $? | $(tail -n 1 "$results/application.txt" | cut -c 1-150) |"

@@ -16,15 +16,11 @@ set(QT_FEATURE_zstd OFF)
 get_property(targets DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}" PROPERTY IMPORTED_TARGETS)
 foreach(target IN LISTS targets)
   string(REGEX REPLACE "^Qt6::" "Qt" name "${target}")
-  set(library "${ORVANE_MACOS_QT}/lib/lib${name}.dylib")
   get_target_property(type ${target} TYPE)
-  if(NOT type STREQUAL "SHARED_LIBRARY" OR NOT target MATCHES "^Qt6::")
-    continue()
-  elseif(NOT EXISTS "${library}")
-    message(FATAL_ERROR "Qt for macOS has no ${library}")
+  if(type STREQUAL "SHARED_LIBRARY" AND target MATCHES "^Qt6::")
+    set_target_properties(${target} PROPERTIES
+      IMPORTED_CONFIGURATIONS RELEASE
+      IMPORTED_LOCATION_RELEASE "${ORVANE_MACOS_QT}/lib/lib${name}.dylib"
+      IMPORTED_SONAME_RELEASE "@rpath/${name}.framework/Versions/A/${name}")
   endif()
-  set_target_properties(${target} PROPERTIES
-    IMPORTED_CONFIGURATIONS RELEASE
-    IMPORTED_LOCATION_RELEASE "${library}"
-    IMPORTED_SONAME_RELEASE "@rpath/${name}.framework/Versions/A/${name}")
 endforeach()
