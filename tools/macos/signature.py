@@ -74,7 +74,6 @@ def check(application, program, problem):
         for framework in application.glob("Contents/Frameworks/*.framework"):
             seals[framework / "Versions/A" / framework.stem] = (framework / "Versions/A", "Resources/Info.plist")
 
-    seen = 0
     for path in filter(macho.is_macho, sorted(application.rglob("*"))):
         data = path.read_bytes()
         where = path.relative_to(application)
@@ -90,9 +89,7 @@ def check(application, program, problem):
                 problem(f"{where} has no seal")
         for architecture, part in macho.slices(path).items():
             if part.has_code_signature:
-                seen += 1
                 for text in misfits(data, part, special):
                     problem(f"{where} ({architecture}) {text}")
             elif is_signed or architecture == "arm64":
                 problem(f"{where} ({architecture}) is not signed")
-    print(f"signatures: {seen} parts of files, {len(seals)} seals")
