@@ -163,7 +163,8 @@ def payload():
             out.mkdir()
             return [seconds(root, *command)]
         compare(4, {f"payload of {files * size // 10**6} MB in {files} files": "s"}, "bsdtar",
-                lambda: run("sh", script / "install.sh"), lambda: run("bsdtar", "-xf", script / "Orvane.zip", "-C", out))
+                lambda: run("sh", script / "install.sh"),
+                lambda: run("bsdtar", "-xf", script / "Orvane.zip", "-C", out))
 
 
 def run():
