@@ -123,9 +123,9 @@ TEST_F(InstallationTest, RunEmptiesLogsFollowsTheInstallLogAndRunsTheScript) {
   EXPECT_EQ(status(), InstallationStatus::installing);
 
   // Pieces come off the main thread and are handled on it, in order.
-  platform.outputHandler("kill Orvane\n");
-  platform.outputHandler("split \xe5\xae");
-  platform.outputHandler("more\n");
+  platform.childOutput.call("kill Orvane\n");
+  platform.childOutput.call("split \xe5\xae");
+  platform.childOutput.call("more\n");
   EXPECT_EQ(view->installProgress.get(), 0.0);
   platform.drain();
   EXPECT_EQ(uiLog(), "kill Orvane\nmore\n");
@@ -140,7 +140,6 @@ TEST_F(InstallationTest, RunEmptiesLogsFollowsTheInstallLogAndRunsTheScript) {
   EXPECT_EQ(view->installationStatus->message(), "未检测到已安装的输入法");
   EXPECT_EQ(uiLog(), "kill Orvane\nmore\n开始注册并激活输入法...\n");
   EXPECT_FALSE(view->isInstalling);
-  EXPECT_EQ(platform.outputHandler, nullptr) << "the follower goes with its run";
 }
 
 TEST_F(InstallationTest, MissingScriptAndMissingFollower) {
@@ -203,7 +202,7 @@ TEST_F(InstallationTest, RefusalAndFailureKeepTheRunOnScreen) {
   const auto endWith = [this](std::optional<int> number, std::optional<std::string> message) {
     platform.adminScriptError = platform::AdminScriptError{number, std::move(message)};
     view->userPressedInstall();
-    platform.outputHandler("unzip package\n");
+    platform.childOutput.call("unzip package\n");
     platform.runWorker();
     platform.drain();
     EXPECT_TRUE(view->isInstalling);

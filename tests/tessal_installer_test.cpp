@@ -177,11 +177,9 @@ TEST_F(TessalInstallerTest, DefaultsGetTheEntryWhereItIsMissing) {
   EXPECT_EQ(platform.preferences[kEnabled], list({"text", known}));
   EXPECT_EQ(platform.preferences[kSelected], list({entry(), other}));
   EXPECT_EQ(platform.preferences[kHistory], list({entry(), other}));
-  EXPECT_EQ(platform.takeJournal(),
-            (Lines{"set com.apple.HIToolbox " + kSelected, "set com.apple.HIToolbox " + kHistory,
-                   "synchronize com.apple.HIToolbox"}));
+  EXPECT_EQ(platform.takeJournal(), (Lines{"set " + kSelected, "set " + kHistory, "synchronize"}));
   installer.ensureOrvaneEnabledInHIToolboxDefaults(Mode::pinyin);
-  EXPECT_EQ(platform.journal, Lines{"synchronize com.apple.HIToolbox"});
+  EXPECT_EQ(platform.journal, Lines{"synchronize"});
 }
 
 TEST_F(TessalInstallerTest, RewrittenDefaultsAreCleaned) {
@@ -222,8 +220,7 @@ TEST_F(TessalInstallerTest, RemovalTakesOwnEntriesAndKeepsTheRestInOrder) {
   EXPECT_EQ(platform.preferences[kEnabled], list({"text", other, std::int64_t{4}}));
   EXPECT_EQ(platform.preferences[kSelected], before.at(kSelected));
   EXPECT_EQ(platform.preferences[kHistory], before.at(kHistory));
-  EXPECT_EQ(platform.takeJournal(),
-            (Lines{"set com.apple.HIToolbox " + kEnabled, "synchronize com.apple.HIToolbox"}));
+  EXPECT_EQ(platform.takeJournal(), (Lines{"set " + kEnabled, "synchronize"}));
 }
 
 TEST_F(TessalInstallerTest, RetiringUsesTheSourcesThatWereThere) {

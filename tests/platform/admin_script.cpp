@@ -10,9 +10,4 @@ std::optional<AdminScriptError> executeAdminScript(const std::string& source) {
   return test::active->adminScriptError;
 }
 
-bool interruptAdminScript() {
-  test::note("interrupt");
-  return true;
-}
-
 }  // namespace platform

@@ -8,34 +8,33 @@ namespace platform {
 
 struct ChildProcess::Impl {
   std::string command;
-  bool isRunning = false;
+  OutputHandler outputHandler;
+  /// While it runs.
+  Observation output;
 };
 ChildProcess::ChildProcess(std::string launchPath, std::vector<std::string> arguments,
                            OutputHandler outputHandler)
-    : impl_(std::make_unique<Impl>()) {
-  impl_->command = std::move(launchPath);
+    : impl_(
+          std::make_unique<Impl>(Impl{std::move(launchPath), std::move(outputHandler), nullptr})) {
   for (const auto& argument : arguments) impl_->command += " " + argument;
-  test::active->outputHandler = std::move(outputHandler);
-  test::active->speaking = this;
 }
 ChildProcess::~ChildProcess() {
-  if (!test::active) return;
-  if (isRunning()) terminate();
-  if (test::active->speaking == this) test::active->outputHandler = nullptr;
+  if (test::active && isRunning()) terminate();
 }
 std::optional<std::string> ChildProcess::launch() {
   test::note("launch " + impl_->command);
   if (test::active->duringLaunch) test::active->duringLaunch();
-  impl_->isRunning = !test::active->launchProblem;
-  if (impl_->isRunning) ++test::active->runningChildren;
-  return test::active->launchProblem;
+  if (test::active->launchProblem) return test::active->launchProblem;
+  impl_->output = test::active->childOutput.add(impl_->outputHandler);
+  ++test::active->runningChildren;
+  return std::nullopt;
 }
 bool ChildProcess::isRunning() const {
-  return impl_->isRunning;
+  return impl_->output != nullptr;
 }
 void ChildProcess::terminate() {
   test::note("terminate");
-  if (std::exchange(impl_->isRunning, false)) --test::active->runningChildren;
+  if (std::exchange(impl_->output, nullptr)) --test::active->runningChildren;
 }
 void runAndWait(const std::string& launchPath, const std::vector<std::string>& arguments) {
   std::string command = launchPath;

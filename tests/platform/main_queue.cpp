@@ -9,21 +9,19 @@ namespace test {
 
 struct Scheduled {
   double due;
-  double interval;  // negative: once
+  double interval;  // zero: once
   platform::Block block;
 };
 
-void Platform::runNextBlock() {
-  {
-    const platform::Block block = std::move(queue.front());
-    queue.pop_front();
-    block();
-  }
-  if (afterBlock) afterBlock();
-}
-
 void Platform::drain() {
-  while (!queue.empty()) runNextBlock();
+  while (!queue.empty()) {
+    {
+      const platform::Block block = std::move(queue.front());
+      queue.pop_front();
+      block();
+    }
+    if (afterBlock) afterBlock();
+  }
 }
 
 void Platform::advance(double seconds) {
@@ -31,19 +29,14 @@ void Platform::advance(double seconds) {
   const double end = elapsed + seconds;
   for (;;) {
     drain();
-    std::shared_ptr<Scheduled> next;
-    std::erase_if(scheduled, [](const auto& entry) { return entry.expired(); });
-    for (const auto& weak : scheduled)
-      if (auto entry = weak.lock(); entry && (!next || entry->due < next->due)) next = entry;
-    if (!next || next->due > end + kRounding) break;
+    const auto first =
+        std::ranges::min_element(scheduled, {}, [](const auto& entry) { return entry->due; });
+    if (first == scheduled.end() || (*first)->due > end + kRounding) break;
+    const auto next = *first;
     elapsed = std::max(elapsed, next->due);
-    if (next->interval >= 0)
-      next->due += next->interval;
-    else
-      std::erase_if(scheduled, [&](const auto& entry) { return entry.lock() == next; });
-    std::erase(unowned, next);
-    const platform::Block block = next->block;
-    block();
+    next->due += next->interval;
+    if (next->interval == 0) scheduled.erase(first);
+    next->block();
     if (afterBlock) afterBlock();
   }
   elapsed = end;
@@ -54,10 +47,7 @@ void Platform::runWorker() {
 }
 
 std::size_t Platform::liveTimers() const {
-  return std::count_if(scheduled.begin(), scheduled.end(), [](const auto& entry) {
-    const auto live = entry.lock();
-    return live && live->interval >= 0;
-  });
+  return std::ranges::count_if(scheduled, [](const auto& entry) { return entry->interval > 0; });
 }
 
 }  // namespace test
@@ -66,23 +56,22 @@ namespace platform {
 
 namespace {
 
-using test::Scheduled;
-
-std::shared_ptr<Scheduled> schedule(Seconds delay, bool repeats, Block block) {
-  auto entry = std::make_shared<Scheduled>(Scheduled{
-      test::active->elapsed + delay.count(), repeats ? delay.count() : -1.0, std::move(block)});
-  test::active->scheduled.push_back(entry);
-  return entry;
+std::shared_ptr<test::Scheduled> schedule(Seconds delay, Seconds interval, Block block) {
+  return test::active->scheduled.emplace_back(std::make_shared<test::Scheduled>(
+      test::Scheduled{test::active->elapsed + delay.count(), interval.count(), std::move(block)}));
 }
 
-/// A handle of either kind; without it the entry expires.
+/// A handle of either kind.
 class Handle : public WorkItem, public Timer {
  public:
-  explicit Handle(std::shared_ptr<Scheduled> entry) : entry_(std::move(entry)) {}
-  void cancel() override { entry_.reset(); }
+  explicit Handle(std::shared_ptr<test::Scheduled> entry) : entry_(std::move(entry)) {}
+  ~Handle() override { Handle::cancel(); }
+  void cancel() override {
+    if (test::active) std::erase(test::active->scheduled, entry_);
+  }
 
  private:
-  std::shared_ptr<Scheduled> entry_;
+  std::shared_ptr<test::Scheduled> entry_;
 };
 
 }  // namespace
@@ -91,13 +80,13 @@ void asyncOnMain(Block block) {
   test::active->queue.push_back(std::move(block));
 }
 void asyncOnMainAfter(Seconds delay, Block block) {
-  test::active->unowned.push_back(schedule(delay, false, std::move(block)));
+  schedule(delay, Seconds(0), std::move(block));
 }
 std::unique_ptr<WorkItem> scheduleWorkItem(Seconds delay, Block block) {
-  return std::make_unique<Handle>(schedule(delay, false, std::move(block)));
+  return std::make_unique<Handle>(schedule(delay, Seconds(0), std::move(block)));
 }
 std::unique_ptr<Timer> scheduleTimer(Seconds interval, Block block) {
-  return std::make_unique<Handle>(schedule(interval, true, std::move(block)));
+  return std::make_unique<Handle>(schedule(interval, interval, std::move(block)));
 }
 WallClock::time_point now() {
   return WallClock::time_point(

@@ -26,8 +26,9 @@ Platform::Platform() {
 }
 
 Platform::~Platform() {
+  // What they hold may take others back.
   queue.clear();
-  unowned.clear();
+  std::exchange(scheduled, {}).clear();
   workerBlocks.clear();
   std::filesystem::remove_all(root);
   active = nullptr;
@@ -44,7 +45,6 @@ void Platform::putFile(const std::filesystem::path& path, const std::string& con
 }
 
 std::string Platform::readFile(const std::filesystem::path& path) const {
-  if (const auto log = logs.find(platform::onDisk(path)); log != logs.end()) return log->second;
   std::ostringstream content;
   content << std::ifstream(platform::onDisk(path), std::ios::binary).rdbuf();
   return content.str();

@@ -42,7 +42,6 @@ class Platform {
   // The virtual clock and the main queue. Time passes only here.
   /// Runs what is on the main queue now, and what that puts there.
   void drain();
-  void runNextBlock();
   /// Lets time pass, running what comes due at the very time it is due.
   void advance(double seconds);
   /// Called after every block of the main queue.
@@ -53,9 +52,7 @@ class Platform {
   void runWorker();
   std::size_t liveTimers() const;
   std::deque<platform::Block> queue;
-  std::vector<std::weak_ptr<Scheduled>> scheduled;
-  /// Those that nobody can take back.
-  std::vector<std::shared_ptr<Scheduled>> unowned;
+  std::vector<std::shared_ptr<Scheduled>> scheduled;
 
   /// One line a call, such as "enable com.apple.keylayout.US".
   std::vector<std::string> journal;
@@ -66,8 +63,6 @@ class Platform {
   std::filesystem::path root;
   void putFile(const std::filesystem::path& path, const std::string& content);
   std::string readFile(const std::filesystem::path& path) const;
-  /// The logs by their path on disk, where the test keeps them in memory.
-  std::map<std::filesystem::path, std::string> logs;
   /// An installed input-method bundle with its information dictionary.
   void putInstalledBundle();
 
@@ -86,9 +81,8 @@ class Platform {
   std::function<void()> duringAdminScript;
   std::function<void()> duringLaunch;
   std::optional<std::string> launchProblem;
-  /// Of the latest child, as long as there is one.
-  platform::ChildProcess::OutputHandler outputHandler;
-  const platform::ChildProcess* speaking = nullptr;
+  /// What is written here comes from every child that runs.
+  platform::HandlerList<std::string_view> childOutput;
   int runningChildren = 0;
 
   // The input-source service.
