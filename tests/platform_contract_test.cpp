@@ -223,7 +223,11 @@ TEST(Contract, ListsBeyondTheLimitsOrOfAnotherKindAreRefused) {
   EXPECT_EQ(readPropertyListDictionary(file),
             (PropertyListDictionary{{"a", PropertyListArray{true, true}}}));
 #endif
-  for (const std::string& bytes : {doubledList(60), std::string("<plist><array/></plist>")}) {
+  std::string deep;
+  for (int i = 0; i < 10'000; ++i) deep = "<array>" + deep + "</array>";
+  for (const std::string& bytes :
+       {doubledList(60), "<plist><dict><key>a</key>" + deep + "</dict></plist>",
+        std::string("<plist><dict>"), std::string("<plist><array/></plist>")}) {
     std::ofstream(file) << bytes;
     EXPECT_EQ(readPropertyListDictionary(file), std::nullopt);
   }
