@@ -305,7 +305,7 @@ TEST_F(ActivationTest, BlocksLeftBehindDoNothingOnceTheViewIsGone) {
   view->userPressedGoEnable();
   view->userPressedRetryAuthorisation();  // its script is still going
   view->startEnablePolling();
-  auto window = platform.hostWindow();
+  platform::HostWindow window(nullptr);
   view->configureWindow(&window);
   platform.takeJournal();
   view.reset();

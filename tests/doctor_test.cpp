@@ -12,7 +12,6 @@ namespace fs = std::filesystem;
 using platform::InputSourceProperty;
 using platform::PropertyListArray;
 using platform::PropertyListDictionary;
-using Lines = std::vector<std::string>;
 
 class DoctorTest : public testing::Test {
  protected:
@@ -23,110 +22,99 @@ class DoctorTest : public testing::Test {
     info()["ComponentInputModeDict"] = PropertyListDictionary{
         {"tsInputModeListKey", PropertyListDictionary{{kPinyin, PropertyListDictionary{}}}}};
     platform.info["OrvanePayloadVersion"] = "1.10.0";
-    platform.putFile("/Library/Input Methods/Orvane.app/Contents/MacOS/Orvane", "");
-    platform.putFile("/Library/Input Methods/Orvane.app/Contents/MacOS/OrvaneSettings.app/x", "");
+    platform.putFile(kBundle + "/Contents/MacOS/Orvane", "");
+    platform.putFile(kBundle + "/Contents/MacOS/OrvaneSettings.app/x", "");
     fs::permissions(program, fs::perms(0755));
     platform.addInputMethod();
-    platform.setEnabled(kBase, true);
-    platform.setEnabled(kPinyin, true);
+    platform.allow();
     platform.current = platform.mode;
   }
 
   PropertyListDictionary& info() { return platform.propertyLists.begin()->second; }
 
-  /// The checks that do not pass, each as "fail CHECK" or "warn CHECK".
-  Lines problems() {
-    Lines lines;
+  /// The checks that do not pass, such as "fail bundle, warn uiLog".
+  std::string problems() {
+    std::string problems;
     for (const Finding& finding : diagnose(/*machineOnly=*/false)) {
-      EXPECT_FALSE(finding.text.empty()) << finding.check;
-      EXPECT_FALSE(finding.next.empty()) << finding.check;
       const bool isPass = finding.level == Finding::Level::pass;
+      EXPECT_FALSE(finding.text.empty() || finding.next.empty()) << finding.check;
       EXPECT_EQ(isPass, finding.next == Finding::kNothingToDo) << finding.text;
-      if (!isPass)
-        lines.push_back((finding.level == Finding::Level::fail ? "fail " : "warn ") +
-                        finding.check);
+      if (isPass) continue;
+      problems += problems.empty() ? "" : ", ";
+      problems += finding.level == Finding::Level::fail ? "fail " : "warn ";
+      problems += finding.check;
     }
-    return lines;
+    return problems;
   }
 
   test::Platform platform;
-  const fs::path bundle = platform.root / "Library/Input Methods/Orvane.app";
+  const fs::path bundle = platform.root / kBundleOnDisk;
   const fs::path program = bundle / "Contents/MacOS/Orvane";
 };
 
-TEST_F(DoctorTest, SoundInstallationPassesAndNothingIsCalled) {
-  EXPECT_EQ(problems(), Lines{});
-  EXPECT_EQ(platform.journal, Lines{});
-}
-
 TEST_F(DoctorTest, SourcesAreToldApart) {
+  EXPECT_EQ(problems(), "");
+  EXPECT_TRUE(platform.journal.empty());
   auto& mode = platform.mode->properties;
   mode[InputSourceProperty::inputSourceID] = "other.id";
-  mode[InputSourceProperty::inputModeID] = kPinyin;
   // Found by the mode identifier, but enabled only counts by the source identifier.
-  EXPECT_EQ(problems(), Lines{"fail modeEnabled"});
+  EXPECT_EQ(problems(), "fail modeEnabled");
   mode[InputSourceProperty::inputSourceID] = kPinyin;
   platform.current = platform.base;
-  EXPECT_EQ(problems(), Lines{"warn selected"});
+  EXPECT_EQ(problems(), "warn selected");
   mode[InputSourceProperty::isSelectCapable] = false;
-  EXPECT_EQ(problems(), Lines{"fail selectCapable"});
-  platform.setEnabled(kBase, false);
-  platform.setEnabled(kPinyin, false);
-  EXPECT_EQ(problems(), Lines{"fail enabled"});
-  std::erase(platform.sources, platform.mode);
-  EXPECT_EQ(problems(), (Lines{"fail modeSource", "fail enabled"}));
-  std::erase(platform.sources, platform.base);
-  platform.sources.push_back(platform.mode);
-  EXPECT_EQ(problems(), Lines{"fail baseSource"});
+  EXPECT_EQ(problems(), "fail selectCapable");
+  platform.allow(false);
+  EXPECT_EQ(problems(), "fail enabled");
+  platform.sources = {platform.base};
+  EXPECT_EQ(problems(), "fail modeSource, fail enabled");
+  platform.sources = {platform.mode};
+  EXPECT_EQ(problems(), "fail baseSource");
   platform.sources.clear();
   platform.isAdministrator = false;
-  EXPECT_EQ(problems(), (Lines{"fail registered", "warn rights"}));
+  EXPECT_EQ(problems(), "fail registered, warn rights");
 }
 
 TEST_F(DoctorTest, BundleOnDiskIsLookedThrough) {
   const fs::path settings = bundle / "Contents/MacOS/OrvaneSettings.app";
-  for (const int modes : {0666, 0664, 0640}) {
-    fs::permissions(settings / "x", fs::perms(modes));
-    EXPECT_EQ(problems(), Lines{"fail access"}) << std::oct << modes;
+  const std::vector<std::pair<fs::path, int>> damages = {
+      {settings / "x", 0646}, {settings / "x", 0664}, {settings / "x", 0640}, {settings, 0744}};
+  for (const auto& [path, mode] : damages) {
+    fs::permissions(path, fs::perms(mode));
+    EXPECT_EQ(problems(), "fail access") << path << std::oct << mode;
+    fs::permissions(path, fs::perms(0755));
   }
-  fs::permissions(settings / "x", fs::perms(0644));
-  fs::permissions(settings, fs::perms(0744));
-  EXPECT_EQ(problems(), Lines{"fail access"});
-  fs::permissions(settings, fs::perms(0755));
   platform.owners[settings / "x"] = "user:staff";
-  EXPECT_EQ(problems(), Lines{"fail access"});
+  EXPECT_EQ(problems(), "fail access");
   platform.owners.clear();
   fs::remove_all(settings);
   fs::permissions(program, fs::perms(0744));
-  EXPECT_EQ(problems(), (Lines{"fail program", "warn settings"}));
+  EXPECT_EQ(problems(), "fail program, warn settings");
   // The faults of the sources have their reason in this one.
   info().erase("ComponentInputModeDict");
   platform.sources = {platform.base};
-  EXPECT_EQ(problems(), (Lines{"fail mode", "fail program", "warn settings"}));
+  EXPECT_EQ(problems(), "fail mode, fail program, warn settings");
   platform.propertyLists.clear();
   platform.sources.clear();
-  EXPECT_EQ(problems(), (Lines{"fail info", "warn settings"}));
+  EXPECT_EQ(problems(), "fail info, warn settings");
   fs::remove_all(bundle);
   fs::create_directory_symlink("/", bundle);
-  EXPECT_EQ(problems(), Lines{"fail bundle"});
-  fs::remove(bundle);
-  EXPECT_EQ(problems(), Lines{"fail bundle"});
+  EXPECT_EQ(problems(), "fail bundle");
 }
 
 TEST_F(DoctorTest, IdentifierAndVersion) {
   platform.info["OrvanePayloadVersion"] = "1.11.0";
-  EXPECT_EQ(problems(), Lines{"warn version"});
+  EXPECT_EQ(problems(), "warn version");
   EXPECT_EQ(newerVersionNotice(), "");
   for (const char* older : {"1.9.1", "1.9"}) {
     platform.info["OrvanePayloadVersion"] = older;
-    EXPECT_EQ(problems(), Lines{}) << "nobody is told to go back to " << older;
+    EXPECT_EQ(problems(), "") << "nobody is told to go back to " << older;
     EXPECT_NE(newerVersionNotice(), "");
   }
   info().erase("CFBundleShortVersionString");
-  EXPECT_EQ(problems(), Lines{"warn version"});
   for (const char* identifier : {"", "com.tessal.inputmethodical.Orvane", "x.inputmethod.Orvane"}) {
     info()["CFBundleIdentifier"] = identifier;
-    EXPECT_EQ(problems(), (Lines{"fail identifier", "warn version"})) << identifier;
+    EXPECT_EQ(problems(), "fail identifier, warn version") << identifier;
   }
 }
 
@@ -137,21 +125,19 @@ TEST_F(DoctorTest, PreferencesAndLeftoversAndLogs) {
   platform.preferences = {{"AppleEnabledInputSources", PropertyListArray{neighbour, own}},
                           {"AppleSelectedInputSources", PropertyListArray{own, foreign}},
                           {"AppleInputSourceHistory", "no list"}};
-  EXPECT_EQ(problems(), (Lines{"fail AppleSelectedInputSources", "fail AppleInputSourceHistory"}));
+  EXPECT_EQ(problems(), "fail AppleSelectedInputSources, fail AppleInputSourceHistory");
   platform.preferences = {{"AppleEnabledInputSources", PropertyListArray{own, own}}};
   platform.putFile("/Library/Input Methods/.Orvane.app.leftover.1/x", "");
   platform.putFile("/tmp/tessal_installer.log", "unzip package\nkill Orvane\n");
   fs::create_directory(platform.root / "tmp/tessal_installer_ui.log");
-  EXPECT_EQ(problems(), (Lines{"warn leftovers", "warn installLog", "warn uiLog",
-                               "warn AppleEnabledInputSources"}));
+  EXPECT_EQ(problems(),
+            "warn leftovers, warn installLog, warn uiLog, warn AppleEnabledInputSources");
   platform.preferences = {{"AppleEnabledInputSources", PropertyListArray{own}}};
   platform.putFile("/Library/Input Methods/.Orvane.app.staging/x", "");
   platform.putFile("/tmp/tessal_installer.log", "unzip package\nfinish\n");
-  EXPECT_EQ(problems(), (Lines{"fail leftovers", "warn uiLog"}));
-  platform.putFile("/tmp/tessal_installer.log", "error: Orvane.zip is missing\n");
+  EXPECT_EQ(problems(), "fail leftovers, warn uiLog");
   fs::remove_all(bundle);
-  EXPECT_EQ(problems(), (Lines{"fail bundle", "fail leftovers", "warn installLog", "warn uiLog",
-                               "warn AppleEnabledInputSources"}));
+  EXPECT_EQ(problems(), "fail bundle, fail leftovers, warn uiLog, warn AppleEnabledInputSources");
 }
 
 }  // namespace

@@ -71,8 +71,8 @@ class World {
       {"the script fails", [this] { endScript(below(2) == 0 ? 1 : -128); }},
       {"the bundle is there", [this] { platform_.putInstalledBundle(); }},
       {"sources have changed", [this] { platform_.notifyEnabledSourcesChanged(); }},
-      {"all is enabled", [this] { enable(true); }},
-      {"all is disabled", [this] { enable(false); }},
+      {"the user allows", [this] { platform_.allow(); }},
+      {"the user denies", [this] { platform_.allow(false); }},
       {"the mode is selected", [this] { platform_.current = platform_.mode; }},
       {"another is selected", [this] { platform_.current = platform_.base; }},
       {"a selection works, or not", [this] { flip(platform_.appliesSelect); }},
@@ -98,11 +98,6 @@ class World {
     platform_.runWorker();
   }
 
-  void enable(bool isEnabled) {
-    platform_.setEnabled(kBase, isEnabled);
-    platform_.setEnabled(kPinyin, isEnabled);
-  }
-
   static void flip(bool& flag) { flag = !flag; }
 
   /// The user allows everything, and every script ends.
@@ -110,7 +105,7 @@ class World {
     platform_.statuses.clear();
     platform_.answersNoList = false;
     platform_.appliesSelect = true;
-    enable(true);
+    platform_.allow();
     endScript(0);
     // The delayed block, then at most 3 seconds of standing back and one poll.
     platform_.advance(5.0);

@@ -180,7 +180,7 @@ TEST_F(UiTest, WaitingScreenAttemptsOnceAndPollsWhileShown) {
 
 TEST_F(UiTest, RefusedCloseShowsTheOverlayAboveEverything) {
   open();
-  auto host = platform.hostWindow();
+  platform::HostWindow host(nullptr);
   view->configureWindow(&host);
   become(Case::waitingEnable);
   EXPECT_FALSE(item("focusRing"));

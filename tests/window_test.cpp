@@ -18,7 +18,7 @@ TEST_F(WindowTest, ContentIsThousandByNineHundredPixelsAroundTheOldCentre) {
     const auto fresh = ContentView::create();
     platform.window = {};
     platform.window.scale = expected.scale;
-    auto window = platform.hostWindow();
+    platform::HostWindow window(nullptr);
     fresh->configureWindow(nullptr);
     EXPECT_FALSE(fresh->windowConfigured);
     fresh->configureWindow(&window);
@@ -33,7 +33,7 @@ TEST_F(WindowTest, ContentIsThousandByNineHundredPixelsAroundTheOldCentre) {
 
 TEST_F(WindowTest, ClosingIsRefusedExactlyWhileWaiting) {
   view->installationStatus = InstallationStatus::waitingEnable;
-  auto window = platform.hostWindow();
+  platform::HostWindow window(nullptr);
   view->configureWindow(&window);
   for (int presses = 0; presses < 2; ++presses) {
     EXPECT_FALSE(platform.window.shouldClose());

@@ -6,11 +6,8 @@
 
 namespace platform {
 
-struct HostWindow::Impl {};
-HostWindow::HostWindow(QWindow&) {}
 HostWindow::HostWindow(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
 HostWindow::~HostWindow() = default;
-HostWindow::HostWindow(HostWindow&&) noexcept = default;
 double HostWindow::backingScaleFactor() const {
   return test::active->window.scale;
 }
@@ -42,11 +39,3 @@ void HostWindow::setShouldClose(std::function<bool()> shouldClose) {
 }
 
 }  // namespace platform
-
-namespace test {
-
-platform::HostWindow Platform::hostWindow() {
-  return platform::HostWindow(nullptr);
-}
-
-}  // namespace test

@@ -22,6 +22,7 @@
 
 namespace platform {
 
+struct HostWindow::Impl {};
 struct InputSourceObject {
   std::map<InputSourceProperty, PropertyListValue> properties;
 };
@@ -100,6 +101,8 @@ class Platform {
   void addInputMethod();
   std::shared_ptr<platform::InputSourceObject> mode, base;
   void setEnabled(const std::string& sourceID, bool enabled);
+  /// What the user answers for the pinyin and base sources.
+  void allow(bool isAllowed = true);
   /// Posts the enabled-sources notification to the main queue.
   void notifyEnabledSourcesChanged();
   platform::HandlerList<> enabledSourcesObservers;
@@ -113,14 +116,13 @@ class Platform {
   std::set<std::string> damagedUrls;
   std::map<std::string, std::filesystem::path> applications;
 
-  // The window.
+  // The window, which platform::HostWindow(nullptr) gives.
   struct Window {
     double scale = 1.0;
     platform::Rect frame{100, 100, 400, 330};
     double titleBarHeight = 30.0;
     std::function<bool()> shouldClose;
   } window;
-  platform::HostWindow hostWindow();
 };
 
 /// The platform of the running test; null between two tests.

@@ -103,6 +103,11 @@ void Platform::setEnabled(const std::string& sourceID, bool enabled) {
       source->properties[platform::InputSourceProperty::isEnabled] = enabled;
 }
 
+void Platform::allow(bool isAllowed) {
+  setEnabled(kBase, isAllowed);
+  setEnabled(kPinyin, isAllowed);
+}
+
 void Platform::notifyEnabledSourcesChanged() {
   platform::asyncOnMain([] { active->enabledSourcesObservers.call(); });
 }
