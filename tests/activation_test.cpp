@@ -17,8 +17,7 @@ class ActivationTest : public ViewTest {
  protected:
   /// The user has allowed the input method.
   void allow() {
-    platform.setEnabled(kBase, true);
-    platform.setEnabled(kPinyin, true);
+    platform.allow();
     platform.appliesSelect = true;
   }
   std::size_t handledCount() { return calls({"select"}).size(); }
@@ -100,17 +99,6 @@ TEST_F(ActivationTest, OverwriteInstallEndsAtOnceAndSelectsNothing) {
     EXPECT_EQ(calls({"synchronize"}).size(), value == std::string("1") ? 1U : 0U) << value;
     EXPECT_EQ(calls({"run", "stop"}), (Lines{kRestarts[0], kRestarts[1], "stop observing"}));
   }
-}
-
-TEST_F(ActivationTest, ReinstallOverDisabledCopyIsFreshWithoutSettings) {
-  platform.putInstalledBundle();
-  runFreshInstallUpToWaiting();
-  platform.appliesSelect = true;
-  allow();
-  view->handleEnabledKeyboardInputSourcesChanged("x");
-  EXPECT_EQ(status(), InstallationStatus::success);
-  EXPECT_EQ(calls({"open application"}), Lines{});
-  EXPECT_EQ(logText().find("bootstrap"), std::string::npos);
 }
 
 TEST_F(ActivationTest, SettingsAreFoundElsewhereOrSkipped) {
@@ -236,18 +224,10 @@ TEST_F(ActivationTest, EarlyFinalisationIsOvertakenByTheDelayedBlock) {
   platform.addInputMethod();
   runScript();
   platform.current = platform.mode;
-  platform.setEnabled(kBase, true);
   view->handleEnabledKeyboardInputSourcesChanged("x");
   EXPECT_EQ(status(), InstallationStatus::success);
   platform.advance(0.25);
   EXPECT_EQ(status(), InstallationStatus::waitingEnable);
-  view->enableWaitingViewDidAppear();
-  platform.advance(2.7);
-  EXPECT_EQ(status(), InstallationStatus::waitingEnable);
-  platform.advance(1.0);
-  EXPECT_EQ(status(), InstallationStatus::success);
-  EXPECT_EQ(calls({"run"}), kRestarts);
-  EXPECT_EQ(calls({"enable", "select", "activate"}), Lines{"activate"});
 }
 
 TEST_F(ActivationTest, AutoAttemptIsMadeOnlyIfNoneWas) {
@@ -291,29 +271,6 @@ TEST_F(ActivationTest, GoEnableOpensSettingsAfterTheRequest) {
   EXPECT_TRUE(logText().ends_with(opening + "openKeyboardSettings(): try " + first +
                                   "\nopenKeyboardSettings(): try " + second +
                                   "\nopenKeyboardSettings(): fallback Keyboard.prefPane\n"));
-
-  platform.damagedUrls = {first, second};
-  view->openKeyboardSettings();
-  EXPECT_TRUE(
-      logText().ends_with(opening + "openKeyboardSettings(): fallback Keyboard.prefPane\n"));
-}
-
-TEST_F(ActivationTest, BlocksLeftBehindDoNothingOnceTheViewIsGone) {
-  runFreshInstallUpToWaiting();
-  view->startEnablePolling();
-  platform.notifyEnabledSourcesChanged();
-  view->userPressedGoEnable();
-  view->userPressedRetryAuthorisation();  // its script is still going
-  view->startEnablePolling();
-  platform::HostWindow window(nullptr);
-  view->configureWindow(&window);
-  platform.takeJournal();
-  view.reset();
-  platform.advance(10);
-  EXPECT_EQ(calls({"stop", "terminate"}).size(), platform.journal.size());
-  EXPECT_EQ(platform.liveObservers + platform.runningChildren, 0);
-  EXPECT_TRUE(platform.window.shouldClose());
-  EXPECT_EQ(platform.liveTimers(), 0U);
 }
 
 }  // namespace

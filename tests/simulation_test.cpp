@@ -52,7 +52,7 @@ class World {
       check();
       if (below(2) == 0) platform_.advance(any(kDelays));
     }
-    settle();
+    if (below(2) == 0) settle();
     closeWindow();
   }
 
@@ -119,8 +119,10 @@ class World {
     const std::weak_ptr<ContentView> gone = view_;
     view_.reset();
     require(gone.expired(), "nothing keeps the view");
-    require(platform_.liveTimers() == 0 && platform_.liveObservers == 0,
+    require(platform_.liveTimers() == 0 && platform_.liveObservers == 0 &&
+                platform_.runningChildren == 0,
             "nothing watches any more");
+    platform_.runWorker();
     platform_.takeJournal();
     platform_.notifyEnabledSourcesChanged();
     platform_.advance(20.0);

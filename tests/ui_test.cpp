@@ -191,11 +191,6 @@ TEST_F(UiTest, RefusedCloseShowsTheOverlayAboveEverything) {
   key(Qt::Key_Return);
   EXPECT_FALSE(item("exitConfirmOverlay"));
   EXPECT_EQ(focused(), "goEnableButton");
-  EXPECT_FALSE(platform.window.shouldClose());
-  settle();
-  press("exitButton");
-  EXPECT_FALSE(view->showExitEnableConfirm);
-  EXPECT_EQ(calls({"terminate"}), Lines{"terminate application"});
 }
 
 TEST_F(UiTest, SecondClickPressesNothingNew) {

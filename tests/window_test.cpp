@@ -50,6 +50,8 @@ TEST_F(WindowTest, ClosingIsRefusedExactlyWhileWaiting) {
     platform.drain();
     EXPECT_EQ(platform.window.shouldClose(), value != Case::waitingEnable);
   }
+  view.reset();
+  EXPECT_TRUE(platform.window.shouldClose());
 }
 
 }  // namespace

@@ -113,7 +113,6 @@ class Platform {
 
   // The workspace.
   std::set<std::string> refusedUrls;
-  std::set<std::string> damagedUrls;
   std::map<std::string, std::filesystem::path> applications;
 
   // The window, which platform::HostWindow(nullptr) gives.
