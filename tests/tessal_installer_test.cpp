@@ -116,7 +116,7 @@ TEST_F(TessalInstallerTest, SelectForOverwriteTriesTwiceAtMost) {
   EXPECT_EQ(platform.takeJournal(),
             (Lines{"deselect " + kPinyin, "select " + kPinyin, "enable " + kPinyin,
                    "deselect " + kPinyin, "select " + kPinyin}));
-  platform.setEnabled(kPinyin, true);
+  platform.allow();
   platform.statuses["select"] = {-50, -50, 0};
   EXPECT_FALSE(installer.selectModeForOverwrite(Mode::pinyin));
   EXPECT_EQ(platform.journal.size(), 4U);
@@ -134,8 +134,7 @@ TEST_F(TessalInstallerTest, SelectFallsBackStepByStep) {
   installer.select(Mode::pinyin);
   EXPECT_EQ(platform.takeJournal(),
             (Lines{"enable " + kBase, "enable other.id", "deselect other.id", "select other.id"}));
-  platform.addSource(kBase, kPinyin);
-  platform.setEnabled(kPinyin, true);
+  platform.addSource(kBase, kPinyin)->properties[InputSourceProperty::isEnabled] = true;
   installer.select(Mode::pinyin);
   EXPECT_EQ(platform.journal, (Lines{"deselect " + kPinyin, "select " + kPinyin}));
 }
@@ -146,24 +145,20 @@ TEST_F(TessalInstallerTest, EnableAndDisableActOnWhatNeedsIt) {
   EXPECT_EQ(platform.takeJournal(), (Lines{"enable " + kBase, "enable " + kPinyin}));
   installer.disable({});
   EXPECT_TRUE(platform.journal.empty());
-  platform.setEnabled(kPinyin, true);
+  platform.allow();
   installer.disable({});
   installer.enable({Mode::pinyin});
   EXPECT_EQ(platform.journal, (Lines{"disable " + kPinyin, "enable " + kBase}));
 }
 
 TEST_F(TessalInstallerTest, BestEffortActionsReportRawStatuses) {
-  EXPECT_EQ(installer.enableBaseKeyboardInputMethodBestEffort(), std::nullopt);
-  EXPECT_EQ(installer.disableInputModesBestEffort({Mode::pinyin}), std::vector<int>{});
+  EXPECT_EQ(installer.enableInputModeBestEffort(Mode::pinyin), std::nullopt);
   platform.addInputMethod();
-  platform.statuses = {{"enable", {-7}}, {"disable", {-8}}};
-  EXPECT_EQ(installer.enableBaseKeyboardInputMethodBestEffort(), -7);
-  EXPECT_EQ(installer.enableInputModeBestEffort(Mode::pinyin), 0);
+  platform.statuses = {{"enable", {-7, -6}}, {"disable", {-8, -9}}};
+  EXPECT_EQ(installer.enableInputModeBestEffort(Mode::pinyin), -7);
+  EXPECT_EQ(installer.enableBaseKeyboardInputMethodBestEffort(), -6);
   EXPECT_EQ(installer.disableInputModesBestEffort({Mode::pinyin}), std::vector<int>{-8});
-  EXPECT_EQ(installer.disableBaseKeyboardInputMethodBestEffort(), 0);
-  EXPECT_TRUE(installer.disableInputModesBestEffort({}).empty());
-  EXPECT_EQ(platform.journal, (Lines{"enable " + kBase, "enable " + kPinyin, "disable " + kPinyin,
-                                     "disable " + kBase}));
+  EXPECT_EQ(installer.disableBaseKeyboardInputMethodBestEffort(), -9);
 }
 
 TEST_F(TessalInstallerTest, DefaultsGetTheEntryWhereItIsMissing) {

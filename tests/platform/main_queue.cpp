@@ -15,11 +15,9 @@ struct Scheduled {
 
 void Platform::drain() {
   while (!queue.empty()) {
-    {
-      const platform::Block block = std::move(queue.front());
-      queue.pop_front();
-      block();
-    }
+    const platform::Block block = std::move(queue.front());
+    queue.pop_front();
+    block();
     if (afterBlock) afterBlock();
   }
 }

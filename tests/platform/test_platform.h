@@ -100,7 +100,6 @@ class Platform {
   /// A keyboard layout that is in use; the pinyin and base sources, disabled.
   void addInputMethod();
   std::shared_ptr<platform::InputSourceObject> mode, base;
-  void setEnabled(const std::string& sourceID, bool enabled);
   /// What the user answers for the pinyin and base sources.
   void allow(bool isAllowed = true);
   /// Posts the enabled-sources notification to the main queue.

@@ -10,9 +10,8 @@ namespace platform {
 namespace {
 
 Status act(const std::string& call, const InputSource& source) {
-  const auto id = getInputSourceProperty(source, InputSourceProperty::inputSourceID);
-  const auto* text = id ? id->as<std::string>() : nullptr;
-  test::note(call + " " + (text ? *text : "?"));
+  const auto& id = source->properties.at(InputSourceProperty::inputSourceID);
+  test::note(call + " " + *id.as<std::string>());
   auto& answers = test::active->statuses[call];
   if (answers.empty()) return kNoError;
   const Status status = answers.front();
@@ -90,22 +89,14 @@ std::shared_ptr<platform::InputSourceObject> Platform::addSource(const std::stri
 
 void Platform::addInputMethod() {
   current = addSource("com.apple.keyboardlayout", "com.apple.keylayout.US");
-  setEnabled("com.apple.keylayout.US", true);
   mode = addSource(kBase, kPinyin);
   mode->properties[platform::InputSourceProperty::inputModeID] = kPinyin;
   base = addSource(kBase, kBase);
 }
 
-void Platform::setEnabled(const std::string& sourceID, bool enabled) {
-  for (const auto& source : sources)
-    if (source->properties[platform::InputSourceProperty::inputSourceID] ==
-        platform::PropertyListValue(sourceID))
-      source->properties[platform::InputSourceProperty::isEnabled] = enabled;
-}
-
 void Platform::allow(bool isAllowed) {
-  setEnabled(kBase, isAllowed);
-  setEnabled(kPinyin, isAllowed);
+  for (const auto& source : {mode, base})
+    source->properties[platform::InputSourceProperty::isEnabled] = isAllowed;
 }
 
 void Platform::notifyEnabledSourcesChanged() {
