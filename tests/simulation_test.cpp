@@ -17,7 +17,6 @@
 
 namespace {
 
-using Property = platform::InputSourceProperty;
 using Status = InstallationStatus;
 
 void require(bool holds, const char* rule) {
@@ -172,7 +171,8 @@ class World {
   void checkRequest() {
     require(registrations_.size() == 2, "registration comes before the request");
     require(view_->didDisableAllForFreshEnable, "disabling comes before the request");
-    require(platform_.base->properties[Property::isEnabled] == platform::PropertyListValue(false),
+    const auto& isEnabled = platform_.base->properties[platform::InputSourceProperty::isEnabled];
+    require(isEnabled == platform::PropertyListValue(false),
             "nothing is requested while the base source is enabled");
     require(!run_.enabledAt || platform_.elapsed - *run_.enabledAt >= 6.0 - kRounding,
             "requests are 6 seconds apart");

@@ -38,7 +38,6 @@ class ViewTest : public testing::Test {
     platform.duringAdminScript = [this] { platform.putInstalledBundle(); };
     view->userPressedInstall();
     platform.runWorker();
-    platform.drain();
   }
 
   void runFreshInstallUpToWaiting() {

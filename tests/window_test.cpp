@@ -7,25 +7,22 @@ namespace {
 using WindowTest = ViewTest;
 
 TEST_F(WindowTest, ContentIsThousandByNineHundredPixelsAroundTheOldCentre) {
-  struct Case {
-    double scale;
-    platform::Rect frame;
-    std::string size;
-  };
   const platform::Rect large{300 - 500, 265 - 465, 1000, 930};
-  for (const Case& expected : {Case{0.5, large, "1000x900"}, Case{1, large, "1000x900"},
-                               Case{2, {300 - 250, 265 - 240, 500, 480}, "500x450"}}) {
+  const platform::Rect small{300 - 250, 265 - 240, 500, 480};
+  for (const auto& [scale, frame, size] :
+       {std::tuple{0.5, large, "1000x900"}, {1.0, large, "1000x900"}, {2.0, small, "500x450"}}) {
     const auto fresh = ContentView::create();
     platform.window = {};
-    platform.window.scale = expected.scale;
+    platform.window.scale = scale;
     platform::HostWindow window(nullptr);
     fresh->configureWindow(nullptr);
     EXPECT_FALSE(fresh->windowConfigured);
     fresh->configureWindow(&window);
     EXPECT_TRUE(fresh->windowConfigured);
-    EXPECT_EQ(platform.window.frame, expected.frame) << expected.scale;
-    EXPECT_EQ(platform.takeJournal(), (Lines{"delegate", "set frame", "fix size " + expected.size,
-                                             "hide title", "remove size controls"}));
+    EXPECT_EQ(platform.window.frame, frame) << scale;
+    EXPECT_EQ(platform.takeJournal(),
+              (Lines{"delegate", "set frame", std::string("fix size ") + size, "hide title",
+                     "remove size controls"}));
     fresh->configureWindow(&window);
     EXPECT_TRUE(platform.journal.empty());
   }

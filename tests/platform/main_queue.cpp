@@ -42,6 +42,7 @@ void Platform::advance(double seconds) {
 
 void Platform::runWorker() {
   for (const auto& block : std::exchange(workerBlocks, {})) block();
+  drain();
 }
 
 std::size_t Platform::liveTimers() const {

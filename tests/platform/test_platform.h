@@ -48,8 +48,8 @@ class Platform {
   /// Called after every block of the main queue.
   std::function<void()> afterBlock;
   double elapsed = 0.0;
-  /// Blocks given to the worker; the test runs them.
   std::vector<platform::Block> workerBlocks;
+  /// Runs the blocks given to the worker, and what they put on the main queue.
   void runWorker();
   std::size_t liveTimers() const;
   std::deque<platform::Block> queue;
