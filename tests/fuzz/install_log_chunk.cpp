@@ -2,9 +2,7 @@
 // logged once and in order, "finish" starts one activation and takes nothing from
 // the progress.
 
-#include <algorithm>
-#include <memory>
-#include <string_view>
+#include <sstream>
 
 #include "installer/content_view.h"
 #include "tests/fuzz/require.h"
@@ -15,11 +13,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   platform.addInputMethod();
   platform.putInstalledBundle();
   const auto view = ContentView::create();
-  std::string_view rest(reinterpret_cast<const char*>(data), size);
-  std::string inFile;
-  while (!rest.empty()) {
-    const std::string piece(rest.substr(0, rest.find('\xFF')));
-    rest.remove_prefix(std::min(rest.size(), piece.size() + 1));
+  std::istringstream pieces(std::string(reinterpret_cast<const char*>(data), size));
+  for (std::string piece; std::getline(pieces, piece, '\xFF');) {
     const std::size_t before = view->logText->size();
     const double progress = view->installProgress;
     const bool wasTriggered = view->didTriggerActivation;

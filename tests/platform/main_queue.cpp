@@ -61,16 +61,14 @@ std::shared_ptr<test::Scheduled> schedule(Seconds delay, Seconds interval, Block
 }
 
 /// A handle of either kind.
-class Handle : public WorkItem, public Timer {
- public:
-  explicit Handle(std::shared_ptr<test::Scheduled> entry) : entry_(std::move(entry)) {}
+struct Handle : WorkItem, Timer {
+  explicit Handle(std::shared_ptr<test::Scheduled> scheduled) : entry(std::move(scheduled)) {}
   ~Handle() override { Handle::cancel(); }
   void cancel() override {
-    if (test::active) std::erase(test::active->scheduled, entry_);
+    if (test::active) std::erase(test::active->scheduled, entry);
   }
 
- private:
-  std::shared_ptr<test::Scheduled> entry_;
+  const std::shared_ptr<test::Scheduled> entry;
 };
 
 }  // namespace

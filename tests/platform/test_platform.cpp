@@ -4,7 +4,7 @@
 
 #include <cstdlib>
 #include <fstream>
-#include <sstream>
+#include <iterator>
 #include <utility>
 
 #include "platform/file_root.h"
@@ -45,9 +45,8 @@ void Platform::putFile(const std::filesystem::path& path, const std::string& con
 }
 
 std::string Platform::readFile(const std::filesystem::path& path) const {
-  std::ostringstream content;
-  content << std::ifstream(platform::onDisk(path), std::ios::binary).rdbuf();
-  return content.str();
+  std::ifstream stream(platform::onDisk(path), std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 void Platform::putInstalledBundle() {
