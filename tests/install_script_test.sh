@@ -1,5 +1,5 @@
 #!/bin/sh
-# install_script_test.sh RESOURCES: runs the install.sh that lies in RESOURCES beside its archives.
+# install_script_test.sh APP_BUNDLE: runs the install.sh of the bundle.
 
 # shellcheck disable=SC2015,SC2016 # "A && B || return" is meant, and so are dollars in single quotes
 

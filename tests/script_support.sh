@@ -1,4 +1,4 @@
-# Shared by the tests of install.sh and uninstall.sh; sourced with the folder of both scripts as $1. They run below
+# Shared by the tests of install.sh and uninstall.sh; sourced with the bundle that has both scripts as $1. They run below
 # throw-away roots, with the shell whose path INSTALL_SHELL is.
 # shellcheck shell=sh
 # shellcheck disable=SC2015 # "A && B || return" is meant
@@ -7,7 +7,7 @@
 set -u
 . "$(dirname "$0")/support.sh"
 
-use_bundle "$1/../.."
+use_bundle "$1"
 clean_up() { chattr -R -i "$work" 2>/dev/null; }
 resources=$app/Contents/Resources
 shell=${INSTALL_SHELL:-/bin/sh}

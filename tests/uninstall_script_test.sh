@@ -1,5 +1,5 @@
 #!/bin/sh
-# uninstall_script_test.sh RESOURCES: runs the uninstall.sh that lies in RESOURCES, on what install.sh has left.
+# uninstall_script_test.sh APP_BUNDLE: runs the bundle's uninstall.sh on what its install.sh has left.
 
 # shellcheck disable=SC2015 # "A && B || return" is meant
 
