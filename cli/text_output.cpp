@@ -17,8 +17,7 @@ namespace {
 /// The text with pictures in the place of control characters: others may have
 /// written it, and a terminal would obey it.
 std::string visible(const std::string& text) {
-  std::string valid;
-  utf8::replace_invalid(text.begin(), text.end(), std::back_inserter(valid));
+  const std::string valid = utf8::replace_invalid(text);
   std::string shown;
   for (auto at = valid.begin(); at != valid.end();) {
     auto character = utf8::next(at, valid.end());

@@ -11,7 +11,6 @@ Item {
     Accessible.name: model.appDisplayName
 
     FocusScope {
-        objectName: "screens"
         anchors.fill: parent
         // Nothing below the overlay is pressed, hovered or focused.
         enabled: !body.model.showExitEnableConfirm
@@ -34,7 +33,6 @@ Item {
             anchors.fill: parent
             active: body.model.status === InstallerModel.WaitingEnable
             sourceComponent: EnableWaitingView {
-                objectName: "enableWaitingView"
                 model: body.model
             }
             onLoaded: body.model.enableWaitingViewDidAppear()

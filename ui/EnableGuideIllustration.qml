@@ -75,7 +75,6 @@ ContinuousRectangle {
     }
     ContinuousRectangle {
         id: mock
-        objectName: "guideWindow"
         anchors.centerIn: parent
         width: Math.min(parent.width - 2 * (20 + 56), 560)
         height: Math.min(parent.height - 2 * 18, 400)
@@ -136,7 +135,6 @@ ContinuousRectangle {
                     strokeColor: Palette.black(0.08)
                 }
                 PromptButton {
-                    objectName: "guideOk"
                     text: "好"
                     weight: Palette.semibold
                     textColor: Palette.black(0.82)

@@ -33,7 +33,6 @@ Announcement {
         }
         Label {
             id: instruction
-            objectName: "waitingInstruction"
             anchors.horizontalCenter: parent.horizontalCenter
             topPadding: 12
             width: Math.min(implicitWidth, view.contentWidth)
@@ -46,7 +45,6 @@ Announcement {
         Item { width: 1; height: Math.max(view.spacer, 18) }
         EnableGuideIllustration {
             id: illustration
-            objectName: "enableGuideIllustration"
             width: parent.width
             height: view.illustrationHeight
             appName: view.model.appDisplayName

@@ -11,7 +11,6 @@ Announcement {
     Accessible.description: message.text
 
     Rectangle {
-        objectName: "dimming"
         anchors.fill: parent
         color: Palette.black(0.22)
     }
@@ -24,7 +23,6 @@ Announcement {
     }
     ContinuousRectangle {
         id: card
-        objectName: "exitCard"
         anchors.centerIn: parent
         width: Math.max(Math.min(overlay.width - 100, 520), 320)
         height: Math.max(Math.min(overlay.height - 100, 420), 260)
@@ -47,7 +45,6 @@ Announcement {
                 }
                 Label {
                     id: message
-                    objectName: "exitMessage"
                     width: card.width - 2 * 28
                     horizontalAlignment: Text.AlignHCenter
                     wrapMode: Text.Wrap

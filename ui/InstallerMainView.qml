@@ -10,7 +10,6 @@ Column {
     spacing: 16
 
     SystemImage {
-        objectName: "applicationIcon"
         anchors.horizontalCenter: parent.horizontalCenter
         width: 80
         height: 80
@@ -19,7 +18,6 @@ Column {
     }
     Label {
         id: productName
-        objectName: "productName"
         anchors.horizontalCenter: parent.horizontalCenter
         text: "澄枫输入法"
         font { pixelSize: 20; weight: Font.Medium }
@@ -51,7 +49,6 @@ Column {
         }
     }
     Label {
-        objectName: "footer"
         anchors.horizontalCenter: parent.horizontalCenter
         topPadding: 8
         text: "适用于 macOS 11.5 及以上版本"
@@ -75,7 +72,6 @@ Column {
             Accessible.name: button.text
             PrimaryButton {
                 id: button
-                objectName: "quitButton"
                 text: "安装成功"
                 onClicked: view.model.quit()
             }
@@ -113,7 +109,6 @@ Column {
     Component {
         id: needAdmin
         NoticeBox {
-            objectName: "needAdminNotice"
             color: Palette.primarySoft
             text: "请输入管理员账号密码"
             SecondaryButton {
@@ -127,13 +122,11 @@ Column {
     Component {
         id: failed
         NoticeBox {
-            objectName: "failureNotice"
             color: Palette.warning
             // The toolkit would break the text within a word.
             text: view.model.failureMessage.replace(/未检测到|找不到安装脚本 /, "$&\n")
             spacing: 6
             SecondaryButton {
-                objectName: "keyboardSettingsButton"
                 text: "打开键盘设置"
                 padding: 6
                 color: Palette.white(0.8)

@@ -1,11 +1,8 @@
 #include "platform/property_list.h"
 
-#include <QDeadlineTimer>
 #include <QLockFile>
 #include <QSaveFile>
-#include <QThread>
 #include <QXmlStreamReader>
-#include <chrono>
 #include <iostream>
 
 #include "platform/common/property_list_limits.h"
@@ -100,16 +97,6 @@ struct Encoder {
   }
 };
 
-/// QLockFile's own wait gets longer with every try, so that others overtake it.
-bool wait(QLockFile& lock) {
-  const QDeadlineTimer end(std::chrono::seconds(1));
-  while (!lock.tryLock()) {
-    if (lock.error() != QLockFile::LockFailedError || end.hasExpired()) return false;
-    QThread::msleep(5);
-  }
-  return true;
-}
-
 bool refuse(const std::filesystem::path& file, const std::string& problem) {
   std::cerr << file.string() << " stays as it is: " << problem << std::endl;
   return false;
@@ -130,7 +117,8 @@ bool linux_::editPropertyListFile(const std::filesystem::path& file,
   std::filesystem::create_directories(file.parent_path(), error);
   const QString name = QString::fromStdString(file.string());
   QLockFile lock(name + QStringLiteral(".lock"));
-  if (!wait(lock)) return refuse(file, "its lock cannot be had");
+  constexpr int kPatience = 5'000;  // milliseconds
+  if (!lock.tryLock(kPatience)) return refuse(file, "its lock cannot be had");
 
   const auto stored = readPropertyListDictionary(file);
   if (!stored && std::filesystem::exists(std::filesystem::symlink_status(file, error)))

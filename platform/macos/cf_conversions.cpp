@@ -6,7 +6,6 @@
 #include <climits>
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
 #include <utility>
 #include <variant>
 
@@ -145,12 +144,7 @@ class FromCf {
 
 CfRef<CFStringRef> toCfString(std::string_view text) {
   // Core Foundation's own reader of UTF-8 drops a leading byte order mark.
-  std::u16string units;
-  if (utf8::is_valid(text.begin(), text.end())) {
-    utf8::utf8to16(text.begin(), text.end(), std::back_inserter(units));
-  } else {
-    for (const char byte : text) units.push_back(static_cast<unsigned char>(byte));
-  }
+  const std::u16string units = utf8::utf8to16(utf8::replace_invalid(std::string(text)));
   return adopt(CFStringCreateWithCharacters(nullptr, reinterpret_cast<const UniChar*>(units.data()),
                                             static_cast<CFIndex>(units.size())));
 }

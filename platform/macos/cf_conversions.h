@@ -12,7 +12,7 @@
 
 namespace platform {
 
-/// Never null: text that is not UTF-8 is read as Latin-1.
+/// Never null: what is not UTF-8 in the text is replaced.
 CfRef<CFStringRef> toCfString(std::string_view text);
 /// As UTF-8. Text ends at a lone surrogate.
 std::string toString(CFStringRef text);
