@@ -9,20 +9,18 @@ if [ "${1:-}" != --inside ]; then
 fi
 
 use_bundle "$2"
-helpers=$app/Contents/Helpers
 running=
 clean_up() { kill $manager $running 2>/dev/null; }
 start_window_manager
 
 start() { # start TITLE PROGRAM [ARGUMENT...]: until its window has the focus
-  title=$1 program=$helpers/$2
+  title=$1 program=$app/Contents/Helpers/$2
   shift 2
   "$program" "$@" >"$work/out" 2>"$work/err" & running=$!
   # A window of that name may still be there from a program that has just ended.
   window=$(window_of --all --pid "$running" --name "^$title\$") &&
     xdotool windowactivate --sync "$window" || fail "no window $title"
 }
-click() { xdotool mousemove --window "$window" "$1" "$2" sleep 0.2 click 1; }
 ended() { wait_for_end "$running"; expect "$1: status" $? "$2"; running=; }
 expect_state() { expect "$1" "$(sources list | grep "^$base	" | cut -f 2)" "$2"; }
 
@@ -32,13 +30,14 @@ expect "password" "$(cat "$work/out")" 'a "B%1\'
 ask; xdotool type --delay 30 abc; xdotool key Escape; ended Escape 1
 [ ! -s "$work/out" ] || fail "Escape gives the password away"
 
-consent() { start 输入法许可 input-source-agent --root "$root" --consent $base; }
 env -u DISPLAY SUDO_ASKPASS=/bin/true "$app/Contents/MacOS/orvane-install" --root "$root" \
   --no-wait >/dev/null
-expect_state "unanswered" "disabled asked"
-consent; click 140 180; ended "consent 不允许" 0; expect_state 不允许 disabled
-settings() { start '键盘 · 输入法' input-source-agent --root "$root" --settings; }
-settings; xdotool key Tab space; sleep 0.5; expect_state "switched on" enabled
-xdotool key alt+F4; ended settings 0
+start 输入法许可 input-source-agent --root "$root" --consent $base
+xdotool mousemove --window "$window" 140 180 sleep 0.2 click 1
+ended "consent 不允许" 0
+expect_state 不允许 disabled
+start '键盘 · 输入法' input-source-agent --root "$root" --settings
+xdotool key Tab space sleep 0.5
+expect_state "switched on" enabled
 
 finish
