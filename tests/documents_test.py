@@ -6,7 +6,7 @@ import sys
 
 ROOT = pathlib.Path(__file__).resolve().parents[1]
 FILES = [file for file in ROOT.rglob("*") if file.is_file() and
-         not {"build", ".git"} & {*file.relative_to(ROOT).parts}]
+         not re.match(r"(cmake-)?build|\.git$", file.relative_to(ROOT).parts[0])]
 DOCUMENTS = {file: file.read_text() for file in FILES if file.suffix == ".md"}
 problems = []
 

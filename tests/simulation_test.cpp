@@ -214,7 +214,7 @@ int main(int argc, char** argv) {
   for (std::uint64_t seed = first; seed <= number; ++seed) {
     try {
       World(seed, isOne).run();
-    } catch (const std::runtime_error& broken) {
+    } catch (const std::exception& broken) {
       std::printf("seed %llu: %s\n", static_cast<unsigned long long>(seed), broken.what());
       return 1;
     }

@@ -106,6 +106,7 @@ typed() { # typed KEYS EXPECTED_STATUS
 }
 typed "das\003" 2
 typed "$password\n" 3
+! grep -rqF "$password" "$machine/typed" "$machine/tmp" || fail "the password stays"
 
 row "right" SUDO_ASKPASS=/app/askpass-right 3 finish
 expect "owner" "$(stat -c %U:%G "$machine/Library/Input Methods/Orvane.app")" root:root

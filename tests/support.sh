@@ -67,10 +67,8 @@ window_of() { await "the window $*" find_window "$@" >&2 && echo "$found"; }
 find_window() { found=$(xdotool search --onlyvisible "$@" 2>/dev/null | tail -n 1) && [ -n "$found" ]; }
 
 # The agent stays when the installer ends, as the system's does. Those of roots below $work
-# end here. The bracket keeps grep from finding itself.
-end_agents() {
-  grep -lsa "[i]nput-source-agent.--root.$work/" /proc/[0-9]*/cmdline | tr -dc '0-9\n' | xargs -r kill
-}
+# end here.
+end_agents() { pgrep -f "input-source-agent --root $work/" | xargs -r kill; }
 
 # Starts a window manager, as $manager.
 start_window_manager() {

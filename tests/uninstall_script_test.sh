@@ -11,8 +11,8 @@ uninstall() { run_script uninstall "${1:-$resources}"; } # [RESOURCES]
 all_gone() { [ -z "$(find "$root/Library" "$root/Applications" -name '*.app*')" ]; }
 
 everything() {
-  start_from "$work/new" && uninstall && all_gone && [ "$(tail -n 1 "$log")" = finish ] && uninstall && all_gone &&
-    install && holds "$work/new"
+  start_from "$work/new" && uninstall && all_gone && [ "$(tail -n 1 "$log")" = finish ] &&
+    [ "$(grep -cE '^(kill|remove) |removed$' "$log")" = 9 ] && uninstall && all_gone && install && holds "$work/new"
 }
 
 picture() { tar -c -C "$root/Applications" Sondrel.app | cksum; }
@@ -23,7 +23,8 @@ somebody_elses() {
   for change in 'sed -i s/com.tessal.Sondrel/com.tessal.Sondrel2/ "$plist"' 'rm "$plist" && mkfifo "$plist"' \
     'mv "$sondrel" "$work/linked.app" && ln -s "$work/linked.app" "$sondrel"' 'rm "$copy/Sondrel.zip"'; do
     start_from "$work/new" && copy_resources && eval "$change" && before=$(picture) && uninstall "$copy" &&
-      [ "$(picture)" = "$before" ] && [ "$(find "$root/Library" "$root/Applications" -name '*.app*')" = "$sondrel" ] ||
+      [ "$(picture)" = "$before" ] && grep -qx 'keep Sondrel' "$log" &&
+      [ "$(find "$root/Library" "$root/Applications" -name '*.app*')" = "$sondrel" ] ||
       { echo "$change" && return 1; }
   done
 }
