@@ -1,8 +1,5 @@
 // The installer with its window.
 
-#include <QGuiApplication>
-#include <cstdlib>
-#include <iostream>
 #include <string>
 #include <vector>
 
@@ -15,20 +12,14 @@
 
 namespace {
 
-constexpr int kNoWindows = 69;
 #ifdef Q_OS_MACOS
-constexpr const char* kReason = "a part of this application is missing; download it again";
+constexpr const char* kNoWindows =
+    "Orvane Installer: cannot open its window: a part of this application is missing; download "
+    "it again";
 #else
-constexpr const char* kReason = "there is no display; orvane-install needs none";
+constexpr const char* kNoWindows =
+    "Orvane Installer: cannot open its window: there is no display; orvane-install needs none";
 #endif
-
-/// The toolkit aborts where it can open no window; this ends the program with a reason.
-void endWithoutWindows(QtMsgType type, const QMessageLogContext& /*context*/,
-                       const QString& /*message*/) {
-  if (type != QtFatalMsg) return;
-  std::cerr << "Orvane Installer: cannot open its window: " << kReason << '\n';
-  std::_Exit(kNoWindows);
-}
 
 }  // namespace
 
@@ -38,15 +29,10 @@ int main(int argc, char** argv) {
           "Orvane Installer", "Installs the input method in a window.", argc, argv, others))
     return *status;
 
-  prepareToolkit();
-  qInstallMessageHandler(endWithoutWindows);
-  argc = 1;
-  QGuiApplication application(argc, argv);
-  qInstallMessageHandler(nullptr);
-
+  const auto application = startToolkit(argv, kNoWindows);
   int status = 0;
   {
-    TessalInputInstallerApp app(application);
+    TessalInputInstallerApp app(*application);
     platform::onTerminationRequest(platform::terminateApplication);
     status = TessalInputInstallerApp::main();
   }

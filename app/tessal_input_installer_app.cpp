@@ -18,9 +18,7 @@ constexpr QSize kFirstSize{500, 450};
 }  // namespace
 
 TessalInputInstallerApp::TessalInputInstallerApp(QGuiApplication& application) {
-  setApplicationLook();
   appDelegate_.install(application);
-  registerInstallerUi();
 
   window_.setResizeMode(QQuickView::SizeRootObjectToView);
   window_.setInitialProperties({{"model", QVariant::fromValue(&model_)}});

@@ -70,14 +70,10 @@ void takeAll(const QDir& output) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int main(int /*argc*/, char** argv) {
   platform::linux_::setFileRoot(std::filesystem::canonical(argv[1]));
   qputenv("QT_QPA_PLATFORM", "offscreen");
-  prepareToolkit();
-  QGuiApplication application(argc, argv);
-  setApplicationLook();
-  registerInstallerUi();
-
+  const auto application = startToolkit(argv, "");
   takeAll(QDir(QString::fromLocal8Bit(argv[2])));
   return 0;
 }

@@ -1,7 +1,6 @@
 // The screens, drawn off screen over the platform in memory.
 
 #include <QAnimationDriver>
-#include <QGuiApplication>
 #include <QQuickItem>
 #include <QQuickView>
 #include <QTest>
@@ -210,10 +209,7 @@ TEST_F(UiTest, SecondClickPressesNothingNew) {
 
 int main(int argc, char** argv) {
   qputenv("QT_QPA_PLATFORM", "offscreen");
-  QQuickWindow::setSceneGraphBackend("software");
   testing::InitGoogleTest(&argc, argv);
-  QGuiApplication application(argc, argv);
-  setApplicationLook();
-  registerInstallerUi();
+  const auto application = startToolkit(argv, "");
   return RUN_ALL_TESTS();
 }

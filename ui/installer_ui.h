@@ -2,23 +2,19 @@
 
 #pragma once
 
+#include <QGuiApplication>
 #include <QString>
 #include <QUrl>
+#include <memory>
 
-/// Chooses how the toolkit draws. Call it before there is an application.
-void prepareToolkit();
-
-/// Sets the font that every text starts from. Call it once there is an
-/// application.
-void setApplicationLook();
+/// Starts the toolkit, once a process: how it draws, its font, the types of the screens.
+/// If it can open no window, the process says these words on standard error and ends with
+/// status 69. They must outlive the call.
+std::unique_ptr<QGuiApplication> startToolkit(char** argv, const char* noWindowsWords);
 
 /// The product's name as the user sees it: the bundle's display name, or else its
 /// name, or else a fixed one.
 QString appDisplayName();
-
-/// Makes the types of the screens known to QML. Once, before any of them is
-/// loaded.
-void registerInstallerUi();
 
 /// The content of the installer's window; its property `model` is required.
 QUrl contentBodyUrl();

@@ -11,6 +11,7 @@
 
 #include "platform/bundle.h"
 #include "platform/linux/askpass_contract.h"
+#include "ui/installer_ui.h"
 #include "workbench/helper_window.h"
 
 namespace {

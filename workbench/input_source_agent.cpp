@@ -89,6 +89,6 @@ int main(int argc, char** argv) {
     std::cerr << kName << ": --consent ID or --settings is needed\n";
     return platform::kBadUsage;
   }
-  const auto application = startToolkit(argv, kName);
+  const auto application = startToolkit(argv, "input-source-agent: there is no display");
   return settings ? showSettings() : askForConsent(words[1]);
 }
