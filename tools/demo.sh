@@ -45,7 +45,6 @@ shot() {
   file=$out/$(printf %02d $step)-$1.png
   import -silent -window root "$file" || fail "no screenshot of $1"
   [ -z "${2:-}" ] || convert "$file" -crop "1080x980+$2+110" +repage "$out/readme/$1.png"
-  echo "$file"
 }
 # frame MILLISECONDS: the screen as it is joins the animation.
 frame() {
