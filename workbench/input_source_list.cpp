@@ -12,9 +12,7 @@ void InputSourceList::setEnabled(const QString& id, bool enabled) {
   const std::string sourceId = id.toStdString();
   const auto source = service::findInputSource(sourceId);
   if (!source) return;  // gone since the list was read
-  const auto status = !enabled             ? platform::disableInputSource(source)
-                      : !source->isAllowed ? service::answerForUser(source, true)
-                                           : platform::enableInputSource(source);
+  const auto status = service::answerForUser(source, enabled);
   if (status != platform::kNoError)
     std::cerr << "input-source-agent: cannot change " << sourceId << ": status " << status << '\n';
   read();

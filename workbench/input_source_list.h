@@ -18,7 +18,7 @@ class InputSourceList : public QObject {
   InputSourceList();
 
   QVariantList sources() const { return sources_; }
-  /// This is the user's own act: it also allows what the user has not allowed yet.
+  /// The user's own answer: on allows all sources of the bundle, off denies them.
   Q_INVOKABLE void setEnabled(const QString& id, bool enabled);
 
  signals:

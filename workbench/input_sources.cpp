@@ -20,8 +20,6 @@ constexpr const char* kHelp = R"(The input-source service on the command line.
               one, with tabs between them. The state is enabled or disabled, and
               "asked" if the user has to allow or deny the source.
   current     the identifier of the current source
-  enable ID   enables a source; asks the user if it is not allowed yet
-  disable ID  disables a source
   select ID   makes an enabled source the current one
   allow ID    answers for the user: enables the input method
   deny ID     answers for the user: leaves it disabled)";
@@ -42,8 +40,6 @@ int fail(const std::string& problem, int status) {
 int change(const std::string& command, const std::string& id) {
   using Operation = platform::Status (*)(const platform::InputSource&);
   static const std::map<std::string, Operation> kOperations = {
-      {"enable", platform::enableInputSource},
-      {"disable", platform::disableInputSource},
       {"select", platform::selectInputSource},
       {"allow", [](const auto& source) { return service::answerForUser(source, true); }},
       {"deny", [](const auto& source) { return service::answerForUser(source, false); }},

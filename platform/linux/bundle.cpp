@@ -19,8 +19,7 @@ std::filesystem::path contentsFolder() {
 
 std::optional<std::filesystem::path> bundleResource(const std::string& name,
                                                     const std::string& type) {
-  const auto file = type.empty() ? name : name + "." + type;
-  const auto resource = contentsFolder() / "Resources" / file;
+  const auto resource = contentsFolder() / "Resources" / (name + "." + type);
   std::error_code error;
   return std::filesystem::exists(resource, error) ? std::optional(resource) : std::nullopt;
 }

@@ -13,11 +13,6 @@ namespace {
 // An empty title makes Qt and some window managers put another in its place.
 constexpr auto kBlankTitle = "\u200b";
 
-Rect toRect(const QRect& rect) {
-  return {static_cast<double>(rect.x()), static_cast<double>(rect.y()),
-          static_cast<double>(rect.width()), static_cast<double>(rect.height())};
-}
-
 /// Asks when the user wants to close the window. Belongs to the window and so
 /// outlives the HostWindow.
 class CloseQuestion : public QObject {
@@ -57,7 +52,8 @@ double HostWindow::backingScaleFactor() const {
 }
 
 Rect HostWindow::frame() const {
-  return toRect(impl_->window.frameGeometry());
+  const QRectF frame = impl_->window.frameGeometry();
+  return {frame.x(), frame.y(), frame.width(), frame.height()};
 }
 
 Rect HostWindow::frameRectForContentRect(const Rect& content) const {

@@ -23,8 +23,6 @@ struct InputSourceObject {
   bool isSelectCapable = false;
   bool isEnabled = false;
   bool isCurrent = false;
-  /// Whether the user has allowed its bundle.
-  bool isAllowed = false;
   /// Whether the user has been asked to allow its bundle and not answered yet.
   bool isAsked = false;
 };

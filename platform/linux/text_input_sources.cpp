@@ -57,7 +57,7 @@ std::vector<InputSourceObject> sourcesOf(const InputSourceState& state) {
   layout.id = kBuiltInLayoutId;
   layout.bundleId = "com.apple.keyboardlayout.all";
   layout.name = "ABC";
-  layout.isSelectCapable = layout.isEnabled = layout.isAllowed = true;
+  layout.isSelectCapable = layout.isEnabled = true;
 
   std::vector<InputSourceObject> sources{layout};
   for (const auto& bundle : state.registered) {
@@ -65,7 +65,6 @@ std::vector<InputSourceObject> sourcesOf(const InputSourceState& state) {
         readPropertyListDictionary(inputMethodsFolder() / bundle / "Contents" / "Info.plist");
     for (auto& source : info ? declaredSources(*info) : std::vector<InputSourceObject>()) {
       source.isEnabled = state.enabled.contains(source.id);
-      source.isAllowed = state.allowed.contains(source.bundleId);
       source.isAsked = state.asked.contains(source.bundleId);
       sources.push_back(std::move(source));
     }
@@ -164,7 +163,7 @@ Status enableInputSource(const InputSource& source) {
   const Status status = changeInputSourceState([&](InputSourceState& state) {
     const auto now = find(source->id, state);
     if (!now) return kParameterError;
-    hasToAsk = !now->isAllowed;
+    hasToAsk = !state.allowed.contains(now->bundleId);
     if (hasToAsk)
       state.asked.insert(now->bundleId);
     else if (now->modeId)
