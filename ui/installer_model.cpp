@@ -4,7 +4,6 @@
 #include <string>
 #include <utility>
 
-#include "platform/application.h"
 #include "platform/bundle.h"
 #include "platform/main_queue.h"
 #include "ui/installer_ui.h"
@@ -54,8 +53,4 @@ QString InstallerModel::failureMessage() const {
 
 QString InstallerModel::progressText() const {
   return QStringLiteral("正在安装 %1%").arg(static_cast<int>(installProgress_ * 100));
-}
-
-void InstallerModel::quit() {
-  platform::terminateApplication();
 }

@@ -9,6 +9,7 @@
 #include <optional>
 
 #include "installer/content_view.h"
+#include "platform/application.h"
 
 /// Shows a ContentView to the screens and hands their events to it. Each signal
 /// reports all changes so far, so no screen is drawn from a state that the view never
@@ -62,7 +63,7 @@ class InstallerModel : public QObject {
   Q_INVOKABLE void openKeyboardSettings() { view_->openKeyboardSettings(); }
   Q_INVOKABLE void userPressedGoEnable() { view_->userPressedGoEnable(); }
   Q_INVOKABLE void userPressedExit() { view_->userPressedExit(); }
-  Q_INVOKABLE void quit();
+  Q_INVOKABLE static void quit() { platform::terminateApplication(); }
 
   // The waiting screen has come on screen, or left it.
   Q_INVOKABLE void enableWaitingViewDidAppear() { view_->enableWaitingViewDidAppear(); }
