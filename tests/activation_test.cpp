@@ -94,6 +94,7 @@ TEST_F(ActivationTest, OverwriteInstallEndsAtOnceAndSelectsNothing) {
     platform.takeJournal();
     ::setenv("TESSAL_INSTALLER_WRITE_HITOOLBOX_DEFAULTS", value, 1);
     runScript();
+    view->postInstallActivation();  // once more in the same run
     EXPECT_EQ(calls({"register"}), Lines{});
     EXPECT_EQ(calls({"synchronize"}).size(), value == std::string("1") ? 1U : 0U) << value;
     EXPECT_EQ(calls({"run", "stop"}), (Lines{kRestarts[0], kRestarts[1], "stop observing"}));

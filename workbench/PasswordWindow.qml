@@ -41,8 +41,6 @@ Window {
             width: parent.width
             horizontalAlignment: Text.AlignHCenter
             wrapMode: Text.Wrap
-            maximumLineCount: 6
-            elide: Text.ElideRight
             text: window.prompt
             font { pixelSize: 15; bold: true }
         }
