@@ -107,7 +107,7 @@ class Platform {
   platform::HandlerList<> enabledSourcesObservers;
   int liveObservers = 0;
 
-  /// Those of the current user and host; a call for others is in the journal.
+  /// Of the one domain that the product uses, for the current user and host; others have none.
   std::map<std::string, platform::PropertyListValue> preferences;
 
   // The workspace.
