@@ -2,7 +2,6 @@
 
 #include "inputsource/tessal_installer.h"
 #include "platform/file_root.h"
-#include "platform/user_library.h"
 
 namespace fs = std::filesystem;
 

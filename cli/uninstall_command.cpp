@@ -15,7 +15,6 @@
 #include "platform/file_root.h"
 #include "platform/log_file.h"
 #include "platform/program.h"
-#include "platform/user_library.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // The running bundle. It is found from where the program really lies, so a
-// moved or copied bundle works.
+// moved or copied bundle works. Any thread.
 
 #pragma once
 

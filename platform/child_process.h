@@ -21,7 +21,7 @@ class ChildProcess {
   /// read, and the child waits when the pipe is full.
   using OutputHandler = std::function<void(std::string_view)>;
 
-  /// The launch path is that of a program file.
+  /// `launchPath` is the path of the program. PATH is not searched.
   ChildProcess(std::string launchPath, std::vector<std::string> arguments,
                OutputHandler outputHandler);
   /// Kills the child's group. Output that is in the pipe reaches the handler first;

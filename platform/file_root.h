@@ -1,4 +1,4 @@
-// Where the product's absolute paths lie on disk.
+// Where things lie on disk. Any thread.
 
 #pragma once
 
@@ -8,7 +8,10 @@ namespace platform {
 
 /// The place on disk of an absolute path of the product ("/Library/…",
 /// "/Applications/…", "/tmp/…"): the path itself unless the program was started
-/// on another root. Any thread.
+/// on another root.
 std::filesystem::path onDisk(const std::filesystem::path& path);
+
+/// The user's folder "Library": preferences, application support. It need not exist.
+std::filesystem::path userLibrary();
 
 }  // namespace platform

@@ -34,9 +34,8 @@ class HostWindow {
   explicit HostWindow(QWindow& window);
   explicit HostWindow(std::unique_ptr<Impl> impl);
   ~HostWindow();
-  HostWindow(HostWindow&&) noexcept;
 
-  /// Pixels a point.
+  /// Pixels per point.
   double backingScaleFactor() const;
   /// Outer frame, title bar included.
   Rect frame() const;

@@ -13,6 +13,9 @@ using Block = std::function<void()>;
 using Seconds = std::chrono::duration<double>;
 using WallClock = std::chrono::system_clock;
 
+/// Ends the program, with a reason, when it is called on another thread than the main one.
+void assertMainThread();
+
 /// Puts `block` at the end of the main queue and returns at once. Any thread.
 /// Blocks run on the main thread, one at a time, in the order of the calls. Timers,
 /// input and drawing get their turn between them, but not after every block. The

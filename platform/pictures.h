@@ -9,7 +9,7 @@
 
 namespace platform {
 
-/// A picture: rows from the top, 4 bytes a pixel, red green blue alpha, colours
+/// A picture: rows from the top, 4 bytes per pixel, red green blue alpha, colours
 /// multiplied by alpha.
 struct Image {
   int width = 0;
@@ -17,8 +17,8 @@ struct Image {
   std::vector<std::uint8_t> pixels;
 };
 
-/// The icon of the running application (applicationIconImage), square, with
-/// `side` pixels a side. Main thread.
+/// The icon of the running application (applicationIconImage), square, `side` by
+/// `side` pixels. Main thread.
 Image applicationIcon(int side);
 
 /// The system symbol of this name ("gearshape.fill", "keyboard") as a black

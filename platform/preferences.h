@@ -1,4 +1,4 @@
-// The preferences service (CFPreferences).
+// The preferences service (CFPreferences). Main thread only.
 
 #pragma once
 

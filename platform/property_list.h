@@ -22,7 +22,7 @@ using PropertyListDictionary = std::map<std::string, PropertyListValue>;
 struct OpaqueObject;
 
 /// A value that the installer never edits: a real, a date, data, an integer from 2^63
-/// on, a dictionary with a key that is no string. It is written back as it came.
+/// on, a dictionary with a key that is not a string. It is written back as it came.
 struct OpaqueValue {
   std::shared_ptr<const OpaqueObject> object;
   bool isDictionary = false;

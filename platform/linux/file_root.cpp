@@ -17,6 +17,10 @@ std::filesystem::path onDisk(const std::filesystem::path& path) {
   return root ? *root / path.relative_path() : path;
 }
 
+std::filesystem::path userLibrary() {
+  return linux_::userStore() / "Library";
+}
+
 namespace linux_ {
 
 void setUserStore(const std::filesystem::path& folder) {

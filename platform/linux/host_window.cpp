@@ -45,7 +45,6 @@ struct HostWindow::Impl {
 HostWindow::HostWindow(QWindow& window) : HostWindow(std::make_unique<Impl>(Impl{window})) {}
 HostWindow::HostWindow(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
 HostWindow::~HostWindow() = default;
-HostWindow::HostWindow(HostWindow&&) noexcept = default;
 
 double HostWindow::backingScaleFactor() const {
   return impl_->window.devicePixelRatio();

@@ -6,6 +6,7 @@
 #include "platform/linux/file_root_linux.h"
 #include "platform/linux/property_list_file.h"
 #include "platform/linux/status.h"
+#include "platform/main_queue.h"
 
 namespace platform::linux_ {
 
@@ -42,10 +43,12 @@ PropertyListDictionary toDictionary(const InputSourceState& state) {
 }  // namespace
 
 InputSourceState readInputSourceState() {
+  assertMainThread();
   return stateFrom(readPropertyListDictionary(stateFile()).value_or(PropertyListDictionary()));
 }
 
 Status changeInputSourceState(const std::function<Status(InputSourceState&)>& change) {
+  assertMainThread();
   Status status = kNoError;
   const bool isStored = editPropertyListFile(stateFile(), [&](PropertyListDictionary& stored) {
     InputSourceState state = stateFrom(stored);

@@ -2,11 +2,10 @@
 
 #include "platform/pictures.h"
 
-#include <QCoreApplication>
 #include <QImage>
-#include <QThread>
 
 #include "platform/bundle.h"
+#include "platform/main_queue.h"
 
 namespace platform {
 
@@ -14,9 +13,7 @@ namespace {
 
 /// A square picture of the bundle in this size; null if there is none.
 QImage picture(const std::string& name, int side) {
-  // As strict as macOS, whose pictures belong to the main thread.
-  if (QCoreApplication::instance()->thread() != QThread::currentThread())
-    qFatal("pictures are made on the main thread only");
+  assertMainThread();
   const auto file = bundleResource(name, "png");
   const QImage found = file ? QImage(QString::fromStdString(file->string())) : QImage();
   return found.scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation);

@@ -25,7 +25,7 @@ bool operator==(const OpaqueValue& left, const OpaqueValue& right) {
 namespace {
 
 /// Reads the element that the reader stands at. The reader has an error afterwards
-/// if that is no value.
+/// if that is not a value.
 PropertyListValue readValue(QXmlStreamReader& xml, PropertyListBudget& budget,
                             std::size_t depth = 0) {
   if (!budget.take(depth)) xml.raiseError();

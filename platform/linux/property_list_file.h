@@ -15,7 +15,7 @@ namespace platform::linux_ {
 ///
 /// Whether the file now holds the result. False leaves the file as it was, and says
 /// why on standard error: the file is damaged, it cannot be read or written, a value
-/// cannot be written, or another process holds the lock for more than a second.
+/// cannot be written, or another process holds the lock for more than five seconds.
 [[nodiscard]] bool editPropertyListFile(const std::filesystem::path& file,
                                         const std::function<void(PropertyListDictionary&)>& change);
 

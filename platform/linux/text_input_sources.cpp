@@ -150,7 +150,7 @@ Status registerInputSource(const std::filesystem::path& bundle) {
   if (!info) return linux_::kFileNotFound;
   if (bundle.parent_path() != inputMethodsFolder()) return kParameterError;
   const std::string id = textIn(*info, "CFBundleIdentifier").value_or("");
-  // Without this component a bundle is no input method, and is ignored.
+  // A bundle without this component is not an input method, and is ignored.
   if (("." + id + ".").find(".inputmethod.") == std::string::npos) return kNoError;
   return changeInputSourceState([&](InputSourceState& state) {
     state.registered.insert(bundle.filename().string());

@@ -72,7 +72,7 @@ class FromCf {
   PropertyListValue value(CFTypeRef object, std::size_t depth = 0) {
     take(depth);
     const CFTypeID type = CFGetTypeID(object);
-    // A CFBoolean is no CFNumber, though NSNumber stands for both.
+    // A CFBoolean is not a CFNumber, though NSNumber stands for both.
     if (type == CFBooleanGetTypeID()) {
       return CFBooleanGetValue(static_cast<CFBooleanRef>(object)) != 0;
     }

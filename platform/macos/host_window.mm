@@ -9,9 +9,9 @@
 #include <utility>
 
 #include "platform/bundle.h"
-#include "platform/macos/main_thread.h"
 #include "platform/macos/ns_string.h"
 #include "platform/macos/standard_menu.h"
+#include "platform/main_queue.h"
 
 namespace platform {
 
@@ -99,7 +99,6 @@ HostWindow::HostWindow(QWindow& window) : impl_(std::make_unique<Impl>(window)) 
 
 HostWindow::HostWindow(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
 HostWindow::~HostWindow() = default;
-HostWindow::HostWindow(HostWindow&&) noexcept = default;
 
 double HostWindow::backingScaleFactor() const {
   return impl_->native().backingScaleFactor;

@@ -64,6 +64,11 @@ class SourceTimer final : public Timer {
 
 }  // namespace
 
+// The system's own services may fail there long after the call.
+void assertMainThread() {
+  dispatch_assert_queue(dispatch_get_main_queue());
+}
+
 void asyncOnMain(Block block) {
   dispatch_async_f(dispatch_get_main_queue(), handOver(std::move(block)), runOnce);
 }

@@ -4,8 +4,8 @@
 #include <cstddef>
 
 #include "platform/macos/cf_ref.h"
-#include "platform/macos/main_thread.h"
 #include "platform/macos/ns_string.h"
+#include "platform/main_queue.h"
 #include "platform/pictures.h"
 
 namespace platform {

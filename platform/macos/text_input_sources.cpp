@@ -6,7 +6,6 @@
 
 #include "platform/macos/cf_conversions.h"
 #include "platform/macos/cf_ref.h"
-#include "platform/macos/main_thread.h"
 
 namespace platform {
 
@@ -34,6 +33,11 @@ CFStringRef key(InputSourceProperty property) {
 InputSource share(CfRef<TISInputSourceRef> reference) {
   if (!reference) return nullptr;
   return std::make_shared<const InputSourceObject>(InputSourceObject{std::move(reference)});
+}
+
+TISInputSourceRef reference(const InputSource& source) {
+  assertMainThread();
+  return source->reference.get();
 }
 
 CfRef<CFDictionaryRef> toCfDictionary(const InputSourceFilter& filter) {
@@ -64,31 +68,33 @@ std::optional<std::vector<InputSource>> createInputSourceList(
 
 std::optional<PropertyListValue> getInputSourceProperty(const InputSource& source,
                                                         InputSourceProperty property) {
-  return toPropertyListValue(TISGetInputSourceProperty(source->reference.get(), key(property)));
+  return toPropertyListValue(TISGetInputSourceProperty(reference(source), key(property)));
 }
 
 InputSource copyCurrentKeyboardInputSource() {
+  assertMainThread();
   return share(adopt(TISCopyCurrentKeyboardInputSource()));
 }
 
 Status registerInputSource(const std::filesystem::path& bundle) {
+  assertMainThread();
   return TISRegisterInputSource(toCfUrl(bundle, true).get());
 }
 
 Status enableInputSource(const InputSource& source) {
-  return TISEnableInputSource(source->reference.get());
+  return TISEnableInputSource(reference(source));
 }
 
 Status disableInputSource(const InputSource& source) {
-  return TISDisableInputSource(source->reference.get());
+  return TISDisableInputSource(reference(source));
 }
 
 Status selectInputSource(const InputSource& source) {
-  return TISSelectInputSource(source->reference.get());
+  return TISSelectInputSource(reference(source));
 }
 
 Status deselectInputSource(const InputSource& source) {
-  return TISDeselectInputSource(source->reference.get());
+  return TISDeselectInputSource(reference(source));
 }
 
 }  // namespace platform

@@ -24,6 +24,19 @@ extern char** environ;  // NOLINT(readability-redundant-declaration): POSIX has 
 namespace platform {
 namespace {
 
+/// Where the streams of a new program lead.
+struct StreamActions {
+  StreamActions() { posix_spawn_file_actions_init(&value); }
+  ~StreamActions() { posix_spawn_file_actions_destroy(&value); }
+  posix_spawn_file_actions_t value{};
+};
+
+struct SpawnAttributes {
+  SpawnAttributes() { posix_spawnattr_init(&value); }
+  ~SpawnAttributes() { posix_spawnattr_destroy(&value); }
+  posix_spawnattr_t value{};
+};
+
 /// Starts a program. Its output goes to this descriptor, its input is empty, and it
 /// leads a group of its own; without a descriptor it gets our streams and group.
 /// 0, or the error number.
@@ -34,28 +47,23 @@ int spawn(pid_t& child, const std::string& program, const std::vector<std::strin
     words.push_back(const_cast<char*>(argument.c_str()));
   words.push_back(nullptr);
 
-  posix_spawn_file_actions_t streams{};
-  posix_spawn_file_actions_init(&streams);
-  posix_spawnattr_t attributes{};
-  posix_spawnattr_init(&attributes);
+  StreamActions streams;
+  SpawnAttributes attributes;
   int flags = 0;
   if (output >= 0) {
-    posix_spawn_file_actions_addopen(&streams, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_adddup2(&streams, output, STDOUT_FILENO);
-    posix_spawn_file_actions_adddup2(&streams, output, STDERR_FILENO);
+    posix_spawn_file_actions_addopen(&streams.value, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    posix_spawn_file_actions_adddup2(&streams.value, output, STDOUT_FILENO);
+    posix_spawn_file_actions_adddup2(&streams.value, output, STDERR_FILENO);
     flags |= POSIX_SPAWN_SETPGROUP;
   }
 #ifdef __APPLE__
   flags |= POSIX_SPAWN_CLOEXEC_DEFAULT;
   for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
-    if (output < 0) posix_spawn_file_actions_addinherit_np(&streams, stream);
+    if (output < 0) posix_spawn_file_actions_addinherit_np(&streams.value, stream);
 #endif
-  posix_spawnattr_setflags(&attributes, static_cast<short>(flags));
-  const int error =
-      posix_spawn(&child, program.c_str(), &streams, &attributes, words.data(), environ);
-  posix_spawnattr_destroy(&attributes);
-  posix_spawn_file_actions_destroy(&streams);
-  return error;
+  posix_spawnattr_setflags(&attributes.value, static_cast<short>(flags));
+  return posix_spawn(&child, program.c_str(), &streams.value, &attributes.value, words.data(),
+                     environ);
 }
 
 void reap(pid_t child) {
@@ -80,8 +88,8 @@ struct ChildProcess::Impl {
            info.si_pid == 0;
   }
 
-  /// Hands the output on until the pipe ends. A program that the child has started
-  /// may hold the pipe open: then until the child has ended and nothing more comes.
+  /// Hands the output on until the pipe is closed. A program that the child has started
+  /// may keep it open: then this ends when the child has ended and the pipe is empty.
   void read() const {
     constexpr int kGrace = 200;  // milliseconds
     std::array<char, 64 * 1024> buffer;
