@@ -1,8 +1,9 @@
 #include "inputsource/tessal_installer.h"
 #include "installer/content_view.h"
+#include "installer/log_files.h"
+#include "platform/text_input_sources.h"
 
 namespace {
-using InputMode = TessalInstaller::InputMode;
 constexpr platform::Seconds kNotificationDebounce{0.35};
 constexpr platform::Seconds kPollInterval{1.5};
 constexpr platform::Seconds kPollStandsBack{3.0};
@@ -11,20 +12,22 @@ constexpr platform::Seconds kPollStandsBack{3.0};
 void ContentView::registerEnabledInputSourcesChangedNotificationIfNeeded() {
   // A second observer would handle each notification twice.
   if (enableNotificationObserver.get()) return;
-  enableNotificationObserver = platform::observeEnabledInputSourcesChanged([view =
-                                                                                weak_from_this()] {
-    const auto self = view.lock();
-    if (!self) return;
-    self->appendUILog("收到输入源启用状态更新（kTISNotifyEnabledKeyboardInputSourcesChanged）\n");
-    // Notifications come in bursts. Only the last one of a burst is handled.
-    if (const auto& pending = self->pendingEnableNotificationWorkItem.get()) pending->cancel();
-    self->pendingEnableNotificationWorkItem =
-        platform::scheduleWorkItem(kNotificationDebounce, [view] {
-          if (const auto self = view.lock())
-            self->handleEnabledKeyboardInputSourcesChanged(
-                platform::kNotifyEnabledKeyboardInputSourcesChanged);
-        });
-  });
+  enableNotificationObserver =
+      platform::observeEnabledInputSourcesChanged([view = weak_from_this()] {
+        if (const auto self = view.lock()) self->scheduleNotificationHandling();
+      });
+}
+
+void ContentView::scheduleNotificationHandling() {
+  appendUILog("收到输入源启用状态更新（kTISNotifyEnabledKeyboardInputSourcesChanged）\n");
+  // Notifications come in bursts. Only the last one of a burst is handled.
+  if (const auto& pending = pendingEnableNotificationWorkItem.get()) pending->cancel();
+  pendingEnableNotificationWorkItem =
+      platform::scheduleWorkItem(kNotificationDebounce, [view = weak_from_this()] {
+        if (const auto self = view.lock())
+          self->handleEnabledKeyboardInputSourcesChanged(
+              platform::kNotifyEnabledKeyboardInputSourcesChanged);
+      });
 }
 
 void ContentView::removeEnabledInputSourcesChangedNotificationIfNeeded() {
@@ -37,20 +40,18 @@ void ContentView::removeEnabledInputSourcesChangedNotificationIfNeeded() {
 void ContentView::handleEnabledKeyboardInputSourcesChanged(const std::string& trigger) {
   // Every other status is handled, not only waitingEnable: the user may answer before
   // the delayed step has set it.
-  if (installationStatus->is(InstallationStatus::success) ||
-      installationStatus->is(InstallationStatus::failed))
-    return;
+  if (installationStatus->isOver()) return;
   // Stamped before the work, so that the poll stands back while this one acts.
   lastEnabledNotificationAt = platform::now();
   const TessalInstaller installer;
   registerForActivationIfNeeded("（来自通知）");
-  if (!installer.isSelected(InputMode::pinyin)) {
-    const bool isSelectCallOk = installer.selectModeForOverwrite(InputMode::pinyin);
+  if (!installer.isSelected(kDefaultMode)) {
+    const bool isSelectCallOk = installer.selectModeForOverwrite(kDefaultMode);
     appendUILog("已调用 TISSelectInputSource（来自通知：" + trigger +
-                "，ok=" + (isSelectCallOk ? "true" : "false") + "）\n");
+                (isSelectCallOk ? kModeSelected : "，ok=false）") + "\n");
   }
   // Asked afresh: a select call that answers 0 need not have taken effect yet.
-  if (installer.isSelected(InputMode::pinyin)) finalizeInstallSuccess(/*refreshAgents=*/true);
+  if (installer.isSelected(kDefaultMode)) finalizeInstallSuccess(/*refreshAgents=*/true);
 }
 
 void ContentView::startEnablePolling() {
@@ -70,11 +71,11 @@ void ContentView::pollEnableState() {
   if (handled && platform::now() - *handled < kPollStandsBack) return;
 
   const TessalInstaller installer;
-  if (installer.isSelected(InputMode::pinyin)) {
+  if (installer.isSelected(kDefaultMode)) {
     finalizeInstallSuccess(/*refreshAgents=*/true);
   } else if (installer.isBaseEnabledBestEffort()) {
-    installer.selectModeForOverwrite(InputMode::pinyin);
-    if (installer.isSelected(InputMode::pinyin)) finalizeInstallSuccess(/*refreshAgents=*/true);
+    installer.selectModeForOverwrite(kDefaultMode);
+    if (installer.isSelected(kDefaultMode)) finalizeInstallSuccess(/*refreshAgents=*/true);
   }
 }
 

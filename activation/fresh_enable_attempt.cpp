@@ -1,10 +1,10 @@
 #include "inputsource/tessal_installer.h"
 #include "installer/content_view.h"
+#include "installer/log_files.h"
 #include "platform/application.h"
 
 namespace {
 
-using InputMode = TessalInstaller::InputMode;
 constexpr platform::Seconds kEnableRequestSpacing{6.0};
 
 std::string listText(const std::vector<platform::Status>& statuses) {
@@ -17,9 +17,7 @@ std::string listText(const std::vector<platform::Status>& statuses) {
 }  // namespace
 
 void ContentView::attemptFreshEnable(const std::string& trigger) {
-  if (installationStatus->is(InstallationStatus::success) ||
-      installationStatus->is(InstallationStatus::failed))
-    return;
+  if (installationStatus->isOver()) return;
   // Before the throttle: also a press that asks for nothing new brings the
   // installer to the front.
   platform::activateIgnoringOtherApps();
@@ -37,7 +35,7 @@ void ContentView::attemptFreshEnable(const std::string& trigger) {
   // the user again only for a source that is disabled.
   if (!didDisableAllForFreshEnable) {
     didDisableAllForFreshEnable = true;
-    const auto modes = installer.disableInputModesBestEffort({InputMode::pinyin});
+    const auto modes = installer.disableInputModesBestEffort({kDefaultMode});
     const auto base = installer.disableBaseKeyboardInputMethodBestEffort();
     appendUILog("已调用 TISDisableInputSource（fresh:disableAll，一次，mode=" + listText(modes) +
                 ", base=" + (base ? std::to_string(*base) : "nil") + "）\n");
@@ -51,6 +49,5 @@ void ContentView::attemptFreshEnable(const std::string& trigger) {
   }
   // The time from before the calls. A request that failed counts too.
   lastEnableBaseRequestAt = now;
-  appendUILog("已调用 TISEnableInputSource（fresh:enableBase=" + std::to_string(*status) +
-              "，trigger=" + trigger + "）\n");
+  appendUILog(kEnableRequested + std::to_string(*status) + "，trigger=" + trigger + "）\n");
 }

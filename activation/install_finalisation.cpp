@@ -22,10 +22,6 @@ void ContentView::finalizeInstallSuccess(bool /*refreshAgents*/) {
 void ContentView::refreshTextInputAgentsOnce() {
   if (didRefreshTextInputAgentsOnce) return;
   didRefreshTextInputAgentsOnce = true;
-  restartTextInputAgents();
-}
-
-void ContentView::restartTextInputAgents() {
   runCommand("/usr/bin/killall", {"-9", "TextInputMenuAgent"});
   runCommand("/usr/bin/killall", {"-9", "TextInputSwitcher"});
 }

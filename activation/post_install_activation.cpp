@@ -3,6 +3,7 @@
 
 #include "inputsource/tessal_installer.h"
 #include "installer/content_view.h"
+#include "installer/log_files.h"
 
 namespace {
 constexpr const char* kWriteDefaultsVariable = "TESSAL_INSTALLER_WRITE_HITOOLBOX_DEFAULTS";
@@ -14,10 +15,19 @@ bool isDefaultsWriteWanted() {
 }
 }  // namespace
 
+void ContentView::startActivation() {
+  // As after a run of the script over the same bundle: another account has its settings
+  // application already.
+  installPathExistedBeforeStart = TessalInstaller().isInstalled();
+  isInstalling = true;
+  installationStatus = InstallationStatus::installing;
+  postInstallActivation();
+}
+
 void ContentView::postInstallActivation() {
   const TessalInstaller installer;
   if (!installer.isInstalled()) {
-    installationStatus = InstallationStatus::failure("未检测到已安装的输入法");
+    installationStatus = InstallationStatus::failed("未检测到已安装的输入法");
     isInstalling = false;
     return;
   }
@@ -26,10 +36,8 @@ void ContentView::postInstallActivation() {
   // Asked once. This answer alone decides between overwrite and fresh install, also
   // where a disabled copy was installed before.
   const bool isBaseEnabled = installer.isBaseEnabledBestEffort();
-  appendUILog(std::string("启用路径：") +
-              (isBaseEnabled ? "覆盖安装（跳过 enable，仅 select）"
-                             : "全新安装（可能弹出“允许启用”提示）") +
-              "\n");
+  appendUILog(isBaseEnabled ? kOverwriteInstall + std::string("（跳过 enable，仅 select）\n")
+                            : "启用路径：全新安装（可能弹出“允许启用”提示）\n");
   // The observer is in place before anything is enabled, so no answer is missed.
   if (!isBaseEnabled) registerEnabledInputSourcesChangedNotificationIfNeeded();
   registerForActivationIfNeeded("");
@@ -37,11 +45,11 @@ void ContentView::postInstallActivation() {
   if (isBaseEnabled) {
     if (isDefaultsWriteWanted() && !didEnsureHIToolboxDefaultsOnce) {
       didEnsureHIToolboxDefaultsOnce = true;
-      installer.ensureOrvaneEnabledInHIToolboxDefaults(TessalInstaller::InputMode::pinyin);
+      installer.ensureOrvaneEnabledInHIToolboxDefaults(kDefaultMode);
     }
     // The user's current input source is left alone. The result is ignored: the log
     // says ok=true in every case.
-    installer.isSelected(TessalInstaller::InputMode::pinyin);
+    installer.isSelected(kDefaultMode);
     appendUILog("已处理覆盖安装：跳过切换当前输入法（ok=true）\n");
     // This path restarts the agents before the observer goes; finalizeInstallSuccess()
     // then skips the restart.

@@ -18,7 +18,7 @@ constexpr QSize kFirstSize{500, 450};
 }  // namespace
 
 TessalInputInstallerApp::TessalInputInstallerApp(QGuiApplication& application) {
-  appDelegate_.install(application);
+  appDelegate.install(application);
 
   window_.setResizeMode(QQuickView::SizeRootObjectToView);
   window_.setInitialProperties({{"model", QVariant::fromValue(&model_)}});

@@ -17,8 +17,10 @@ class TessalInputInstallerApp {
   /// Runs until the application terminates; returns its exit status.
   static int main();
 
+  /// Must live as long as the main loop runs.
+  AppDelegate appDelegate;
+
  private:
-  AppDelegate appDelegate_;
   std::shared_ptr<ContentView> contentView_ = ContentView::create();
   InstallerModel model_{contentView_};
   QQuickView window_;

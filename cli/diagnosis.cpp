@@ -8,8 +8,8 @@
 #include <sstream>
 
 #include "cli/installed_files.h"
-#include "inputsource/tessal_installer.h"
-#include "installer/content_view.h"
+#include "inputsource/removal.h"
+#include "installer/log_files.h"
 #include "platform/accounts.h"
 #include "platform/bundle.h"
 #include "platform/common/property_list_lookups.h"
@@ -26,16 +26,14 @@ using platform::PropertyListDictionary;
 using platform::textIn;
 using Lines = std::vector<std::string>;
 
-constexpr auto kMode = TessalInstaller::InputMode::pinyin;
-
 constexpr const char* kReinstall = "运行 orvane-install install 重新安装";
 constexpr const char* kActivate = "运行 orvane-install activate";
 constexpr const char* kLogInAgain = "注销后重新登录；仍不行则重新安装";
 constexpr const char* kAddAgain = "在「系统设置 → 键盘 → 输入法」中移除「澄枫输入法」后重新添加";
 
 /// Whether there is the source, and its property has this value.
-bool has(const platform::InputSource& source, InputSourceProperty property,
-         const platform::PropertyListValue& value) {
+bool hasProperty(const platform::InputSource& source, InputSourceProperty property,
+                 const platform::PropertyListValue& value) {
   return source && platform::getInputSourceProperty(source, property) == value;
 }
 
@@ -70,9 +68,9 @@ std::string accessProblem(const fs::path& path) {
   const auto status = fs::symlink_status(path, error);
   if (error) return "无法查看";
   if (fs::is_symlink(status)) return "";
-  const auto has = [&](perms bits) { return (status.permissions() & bits) != perms::none; };
-  if (has(perms::others_write | perms::group_write)) return "其他用户可以修改";
-  if (!has(perms::others_read) || (fs::is_directory(status) && !has(perms::others_exec)))
+  const auto allows = [&](perms bits) { return (status.permissions() & bits) != perms::none; };
+  if (allows(perms::others_write | perms::group_write)) return "其他用户可以修改";
+  if (!allows(perms::others_read) || (fs::is_directory(status) && !allows(perms::others_exec)))
     return "其他用户不能读取";
   const std::string owner = platform::ownerAndGroup(path);
   return owner.starts_with("root:") ? "" : "属于 " + owner + "，应属于 root";
@@ -90,7 +88,7 @@ std::string accessProblemIn(const fs::path& folder) {
   return error ? folder.string() + " 无法查看：" + error.message() : "";
 }
 
-/// The lines at the end of a log; absent if it cannot be read or is no regular file.
+/// The lines at the end of a log; absent if it cannot be read or is not a regular file.
 std::optional<Lines> lastLines(const fs::path& file) {
   std::error_code error;
   if (!fs::is_regular_file(fs::symlink_status(file, error))) return std::nullopt;
@@ -119,15 +117,15 @@ std::string ageText(const fs::path& file) {
 
 /// What to do about an install log with these last lines; empty if they tell of no fault.
 std::string adviceOnInstallLog(const Lines& lines) {
-  if (lines.empty() || lines.back().find("finish") != std::string::npos) return "";
-  return lines.back().starts_with("error")
+  if (lines.empty() || lines.back().find(kFinish) != std::string::npos) return "";
+  return lines.back().starts_with(kError)
              ? "上一次安装失败了，原因在最后一行；排除后运行 orvane-install install"
              : "上一次安装没有做完；运行 orvane-install install 重新安装";
 }
 
 std::string adviceOnUILog(const Lines& lines) {
-  const bool isFailed = std::any_of(lines.begin(), lines.end(), [](const std::string& line) {
-    return line.find("管理员授权失败") != line.npos || line.find("未找到 install.sh") != line.npos;
+  const bool isFailed = std::ranges::any_of(lines, [](const std::string& line) {
+    return line.find(kScriptFailed) != line.npos || line.find(kNoScript) != line.npos;
   });
   return isFailed ? "上一次安装失败了，原因在最后几行；排除后运行 orvane-install install" : "";
 }
@@ -136,104 +134,135 @@ std::string adviceOnUILog(const Lines& lines) {
 std::string whyNotEnabled() {
   std::string why = "：还没有允许，或后来被拒绝、停用了";
   for (const std::string& line : lastLines(platform::onDisk(kUILogPath)).value_or(Lines())) {
-    const auto tells = [&line](const char* words) { return line.find(words) != line.npos; };
-    if (tells("fresh:enableBase="))
+    const auto tells = [&line](const char* phrase) { return line.find(phrase) != line.npos; };
+    if (tells(kEnableRequested))
       why = "：已经请求过，但还没有允许，或被拒绝了";
-    else if (tells("启用路径：覆盖安装") || (tells("TISSelectInputSource") && tells("ok=true")))
+    else if (tells(kOverwriteInstall) || tells(kModeSelected))
       why = "：曾经启用过，后来被拒绝或停用了，或启用它的是另一位用户";
   }
   return why;
 }
 
-/// The table: each row says what is looked at, what is wrong and what to do about it, and what
-/// is well.
+std::string identifierProblem(const std::string& identifier) {
+  const std::string expected(TessalInstaller::baseBundleID);
+  if (identifier.empty()) return "Info.plist 里没有标识符（CFBundleIdentifier）";
+  if (("." + identifier + ".").find(".inputmethod.") == std::string::npos)
+    return "标识符 " + identifier + " 缺少 inputmethod 一段，系统不会登记它";
+  return identifier == expected ? "" : "标识符是 " + identifier + "，应为 " + expected;
+}
+
+std::string versionProblem(const std::string& version) {
+  if (version.empty()) return "Info.plist 里没有版本号";
+  const std::string brought = broughtVersion();
+  if (brought.empty() || version == brought || !newerVersionNotice().empty()) return "";
+  return "已安装的版本是 " + version + "，安装器里的是 " + brought;
+}
+
+/// What is looked at: a row for each check.
 class Diagnosis {
  public:
   std::vector<Finding> run(bool machineOnly) {
-    const bool isBundleWell = bundle();
+    const bool isThere = bundle();
     remains();
     log("installLog", "安装日志", kInstallLogPath, adviceOnInstallLog);
     log("uiLog", "安装器日志", kUILogPath, adviceOnUILog);
     if (machineOnly) return findings_;
     scope_ = Scope::user;
-    if (isBundleWell) sources();
+    if (isThere) sources();
     // Of a bundle with another identifier all entries would seem to be another's.
-    if (installer_.entryBundleID() == TessalInstaller::kBaseBundleID)
-      for (const auto& entries : installer_.listedEntries(kMode)) list(entries);
-    row("rights", platform::isAdministrator() ? "" : "当前用户不是管理员",
-        "安装时输入一位管理员的用户名和密码，或请管理员安装；启用不需要管理员",
-        "可以取得管理员权限：安装时输入密码即可", "", Level::warn);
+    if (entryBundleID() == TessalInstaller::baseBundleID)
+      for (const ListedEntries& entries : listedEntries(kDefaultMode)) list(entries);
+    row({.check = "rights",
+         .wrong = platform::isAdministrator() ? "" : "当前用户不是管理员",
+         .next = "安装时输入一位管理员的用户名和密码，或请管理员安装；启用不需要管理员",
+         .well = "可以取得管理员权限：安装时输入密码即可",
+         .level = Level::warn});
     return findings_;
   }
 
  private:
-  /// Whether all is well: nothing is `wrong`. What is well is said if there is something to say.
-  bool row(const char* check, const std::string& wrong, const std::string& next,
-           const std::string& well, const std::string& value = "", Level level = Level::fail) {
-    if (!wrong.empty())
-      findings_.push_back({level, scope_, check, wrong, next, value});
-    else if (!well.empty())
-      findings_.push_back({Level::pass, scope_, check, well, Finding::kNothingToDo, value});
-    return wrong.empty();
+  struct Row {
+    std::string check;
+    /// Empty if nothing is wrong.
+    std::string wrong = {};
+    /// What to do about it.
+    std::string next = {};
+    /// What is said if nothing is wrong; empty for nothing.
+    std::string well = {};
+    std::string value = {};
+    /// Of what is wrong.
+    Level level = Level::fail;
+  };
+
+  /// Whether nothing is wrong.
+  bool row(const Row& row) {
+    if (!row.wrong.empty())
+      findings_.push_back({row.level, scope_, row.check, row.wrong, row.next, row.value});
+    else if (!row.well.empty())
+      findings_.push_back(
+          {Level::pass, scope_, row.check, row.well, Finding::nothingToDo, row.value});
+    return row.wrong.empty();
   }
 
   /// Whether there is a bundle; what else is wrong with it does not matter here.
   bool bundle() {
     const fs::path place = platform::onDisk(TessalInstaller::appDir());
-    std::error_code error;
-    std::string wrong;
     if (!installer_.isInstalled())
-      wrong = "没有安装：" + place.string() + " 不存在";
-    else if (!fs::is_directory(fs::symlink_status(place, error)))
-      wrong = place.string() + " 不是程序包";
-    if (!row("bundle", wrong,
-             installer_.isInstalled() ? kReinstall : "运行 orvane-install install 安装",
-             "已安装：" + place.string(), wrong.empty() ? place.string() : ""))
-      return false;
+      return row({.check = "bundle",
+                  .wrong = "没有安装：" + place.string() + " 不存在",
+                  .next = "运行 orvane-install install 安装"});
+    std::error_code error;
+    if (!fs::is_directory(fs::symlink_status(place, error)))
+      return row({.check = "bundle", .wrong = place.string() + " 不是程序包", .next = kReinstall});
+    row({.check = "bundle", .well = "已安装：" + place.string(), .value = place.string()});
+
     const auto info = installer_.installedInfo();
-    if (row("info", info ? "" : "Info.plist 缺失或损坏", kReinstall, "")) content(place, *info);
+    if (row({.check = "info", .wrong = info ? "" : "Info.plist 缺失或损坏", .next = kReinstall}))
+      content(place, *info);
     const std::string owner = platform::ownerAndGroup(place);
     const std::string problem = accessProblemIn(place);
-    row("access", problem.empty() ? "" : "权限不对：" + problem, kReinstall,
-        "属于 " + owner + "，所有用户可读，只有所有者可以修改", owner);
+    row({.check = "access",
+         .wrong = problem.empty() ? "" : "权限不对：" + problem,
+         .next = kReinstall,
+         .well = "属于 " + owner + "，所有用户可读，只有所有者可以修改",
+         .value = owner});
     return true;
   }
 
   void content(const fs::path& place, const PropertyListDictionary& info) {
     const std::string identifier = textIn(info, "CFBundleIdentifier").value_or("");
-    const std::string expected(TessalInstaller::kBaseBundleID);
-    std::string wrong;
-    if (identifier.empty())
-      wrong = "Info.plist 里没有标识符（CFBundleIdentifier）";
-    else if (("." + identifier + ".").find(".inputmethod.") == std::string::npos)
-      wrong = "标识符 " + identifier + " 缺少 inputmethod 一段，系统不会登记它";
-    else if (identifier != expected)
-      wrong = "标识符是 " + identifier + "，应为 " + expected;
-    isIdentifierWell_ =
-        row("identifier", wrong, kReinstall, "标识符正确：" + identifier, identifier);
+    isIdentifierWell_ = row({.check = "identifier",
+                             .wrong = identifierProblem(identifier),
+                             .next = kReinstall,
+                             .well = "标识符正确：" + identifier,
+                             .value = identifier});
 
     const std::string version = versionIn(info);
-    const std::string brought = broughtVersion();
     const std::string newer = newerVersionNotice();
-    wrong = version.empty() ? "Info.plist 里没有版本号" : "";
-    if (!version.empty() && newer.empty() && !brought.empty() && version != brought)
-      wrong = "已安装的版本是 " + version + "，安装器里的是 " + brought;
-    row("version", wrong,
-        version.empty() ? kReinstall : "运行 orvane-install install 换成安装器里的版本",
-        newer.empty() ? "版本 " + version : newer, version, Level::warn);
+    row({.check = "version",
+         .wrong = versionProblem(version),
+         .next = version.empty() ? kReinstall : "运行 orvane-install install 换成安装器里的版本",
+         .well = newer.empty() ? "版本 " + version : newer,
+         .value = version,
+         .level = Level::warn});
 
-    const std::string mode = TessalInstaller::rawValue(kMode);
+    const std::string mode = TessalInstaller::rawValue(kDefaultMode);
     const bool hasMode = dictionaryIn(
         dictionaryIn(dictionaryIn(&info, "ComponentInputModeDict"), "tsInputModeListKey"), mode);
     isModeWell_ = row(
-        "mode", hasMode ? "" : "Info.plist 里没有拼音模式 " + mode + "，输入法列表里不会出现拼音",
-        kReinstall, "Info.plist 里有拼音模式", hasMode ? mode : "");
+        {.check = "mode",
+         .wrong = hasMode ? "" : "Info.plist 里没有拼音模式 " + mode + "，输入法列表里不会出现拼音",
+         .next = kReinstall,
+         .well = "Info.plist 里有拼音模式",
+         .value = hasMode ? mode : ""});
 
     const fs::path program =
         place / "Contents" / "MacOS" / textIn(info, "CFBundleExecutable").value_or("Orvane");
-    row("program",
-        isRunnable(program) ? "" : "程序缺失，或不是所有用户都能运行：" + program.string(),
-        kReinstall, "程序可以运行");
+    row({.check = "program",
+         .wrong =
+             isRunnable(program) ? "" : "程序缺失，或不是所有用户都能运行：" + program.string(),
+         .next = kReinstall,
+         .well = "程序可以运行"});
   }
 
   void remains() {
@@ -243,11 +272,16 @@ class Diagnosis {
       std::string& list = path.extension() == ".staging" ? damaged : left;
       list += (list.empty() ? "" : "、") + path.string();
     }
-    if (row("leftovers", damaged.empty() ? "" : "上一次安装或移除被中断，留下了：" + damaged,
-            "确认没有安装正在进行，然后运行 orvane-install install，它会先清理再安装", "", damaged))
-      row("leftovers", left.empty() ? "" : "旧版本有一部分删不掉，留下了：" + left,
-          "重新启动后再运行一次 orvane-install install", "没有被中断的安装留下的文件", left,
-          Level::warn);
+    if (row({.check = "leftovers",
+             .wrong = damaged.empty() ? "" : "上一次安装或移除被中断，留下了：" + damaged,
+             .next = "确认没有安装正在进行，然后运行 orvane-install install，它会先清理再安装",
+             .value = damaged}))
+      row({.check = "leftovers",
+           .wrong = left.empty() ? "" : "旧版本有一部分删不掉，留下了：" + left,
+           .next = "重新启动后再运行一次 orvane-install install",
+           .well = "没有被中断的安装留下的文件",
+           .value = left,
+           .level = Level::warn});
   }
 
   void log(const char* check, const std::string& name, const char* path,
@@ -256,7 +290,12 @@ class Diagnosis {
     std::error_code error;
     const auto status = fs::symlink_status(file, error);
     const auto tell = [&](const std::string& text, const std::string& next) {
-      row(check, next.empty() ? "" : text, next, text, file.string(), Level::warn);
+      row({.check = check,
+           .wrong = next.empty() ? "" : text,
+           .next = next,
+           .well = text,
+           .value = file.string(),
+           .level = Level::warn});
     };
     if (!fs::exists(status)) return tell("没有" + name + "：还没有安装过，或已被系统清理", "");
     if (!fs::is_regular_file(status))
@@ -277,80 +316,106 @@ class Diagnosis {
   void sources() {
     const auto bundled = installer_.bundledSettingsApplication();
     const auto settings = bundled ? bundled : installer_.otherSettingsApplication();
-    row("settings", settings ? "" : "没有设置应用 OrvaneSettings.app", kReinstall,
-        bundled ? "找到设置应用"
-                : "找到设置应用，但不在程序包里：" + settings.value_or("").string(),
-        settings.value_or("").string(), Level::warn);
+    const std::string place = settings.value_or("").string();
+    row({.check = "settings",
+         .wrong = settings ? "" : "没有设置应用 OrvaneSettings.app",
+         .next = kReinstall,
+         .well = bundled ? "找到设置应用" : "找到设置应用，但不在程序包里：" + place,
+         .value = place,
+         .level = Level::warn});
     if (!isIdentifierWell_) return;
 
     const auto all = installer_.allInputSources(/*includeAllInstalled=*/true);
-    const bool isRegistered =
-        std::any_of(all.begin(), all.end(), [](const platform::InputSource& source) {
-          return has(source, InputSourceProperty::bundleID,
-                     std::string(TessalInstaller::kBaseBundleID));
-        });
-    if (!row("registered", isRegistered ? "" : "系统的输入法服务不知道它：没有登记", kActivate,
-             "已登记为输入法"))
+    const bool isRegistered = std::ranges::any_of(all, [](const platform::InputSource& source) {
+      return hasProperty(source, InputSourceProperty::bundleID,
+                         std::string(TessalInstaller::baseBundleID));
+    });
+    if (!row({.check = "registered",
+              .wrong = isRegistered ? "" : "系统的输入法服务不知道它：没有登记",
+              .next = kActivate,
+              .well = "已登记为输入法"}))
       return;
-    const bool hasBase =
-        installer_.keyboardInputMethodSource(/*includeAllInstalled=*/true) != nullptr;
-    const auto mode = installer_.inputModeSource(kMode, /*includeAllInstalled=*/true);
-    const bool isByID =
-        has(mode, InputSourceProperty::inputSourceID, TessalInstaller::rawValue(kMode));
-    const bool isBaseWell = row("baseSource", hasBase ? "" : "找不到输入法本身的输入源",
-                                kLogInAgain, "找到输入法本身的输入源（按标识符）");
-    isModeWell_ = isModeWell_ && row("modeSource", mode ? "" : "找不到拼音模式的输入源",
-                                     "重新安装；若刚刚更新过，先注销再登录",
-                                     isByID ? "找到拼音模式的输入源（按输入源标识符）"
-                                            : "找到拼音模式的输入源（按模式标识符）",
-                                     isByID ? "inputSourceID"
-                                     : mode ? "inputModeID"
-                                            : "");
-    if (isBaseWell) enabled(mode);
+
+    const auto base = installer_.keyboardInputMethodSource(/*includeAllInstalled=*/true);
+    const bool isBaseWell = row({.check = "baseSource",
+                                 .wrong = base ? "" : "找不到输入法本身的输入源",
+                                 .next = kLogInAgain,
+                                 .well = "找到输入法本身的输入源（按标识符）"});
+    const auto mode = installer_.inputModeSource(kDefaultMode, /*includeAllInstalled=*/true);
+    if (isModeWell_) isModeWell_ = modeSource(mode);
+    if (isBaseWell && enabled() && isModeWell_) modeState(mode);
   }
 
-  void enabled(const platform::InputSource& mode) {
-    if (!row("enabled",
-             installer_.isBaseEnabledBestEffort() ? "" : "当前用户没有启用输入法" + whyNotEnabled(),
-             std::string(kActivate) +
-                 "，在系统询问时允许；或在「系统设置 → 键盘 → 输入法」中添加「澄枫输入法」",
-             "当前用户已启用输入法") ||
-        !isModeWell_)
+  bool modeSource(const platform::InputSource& mode) {
+    if (!mode)
+      return row({.check = "modeSource",
+                  .wrong = "找不到拼音模式的输入源",
+                  .next = "重新安装；若刚刚更新过，先注销再登录"});
+    const bool isByID = hasProperty(mode, InputSourceProperty::inputSourceID,
+                                    TessalInstaller::rawValue(kDefaultMode));
+    return row({.check = "modeSource",
+                .well = isByID ? "找到拼音模式的输入源（按输入源标识符）"
+                               : "找到拼音模式的输入源（按模式标识符）",
+                .value = isByID ? "inputSourceID" : "inputModeID"});
+  }
+
+  bool enabled() {
+    const bool isEnabled = installer_.isBaseEnabledBestEffort();
+    return row({.check = "enabled",
+                .wrong = isEnabled ? "" : "当前用户没有启用输入法" + whyNotEnabled(),
+                .next = std::string(kActivate) +
+                        "，在系统询问时允许；或在「系统设置 → 键盘 → 输入法」中添加「澄枫输入法」",
+                .well = "当前用户已启用输入法"});
+  }
+
+  void modeState(const platform::InputSource& mode) {
+    const bool isEnabled =
+        row({.check = "modeEnabled",
+             .wrong = installer_.enabledModes().empty() ? "输入法已启用，但拼音模式没有启用" : "",
+             .next = kAddAgain,
+             .well = "拼音模式已启用"});
+    const bool isCapable = hasProperty(mode, InputSourceProperty::isSelectCapable, true);
+    if (!row({.check = "selectCapable",
+              .wrong = isCapable ? "" : "拼音模式不能选择",
+              .next = kLogInAgain,
+              .well = "拼音模式可以选择"}) ||
+        !isEnabled)
       return;
-    const bool isEnabled = row(
-        "modeEnabled", installer_.enabledModes().empty() ? "输入法已启用，但拼音模式没有启用" : "",
-        kAddAgain, "拼音模式已启用");
-    const bool isCapable = has(mode, InputSourceProperty::isSelectCapable, true);
-    if (row("selectCapable", isCapable ? "" : "拼音模式不能选择", kLogInAgain,
-            "拼音模式可以选择") &&
-        isEnabled)
-      row("selected", installer_.isSelected(kMode) ? "" : "已启用，但正在使用别的输入法",
-          "在菜单栏的输入法菜单中选择「澄枫输入法」", "正在使用拼音模式", "", Level::warn);
+    row({.check = "selected",
+         .wrong = installer_.isSelected(kDefaultMode) ? "" : "已启用，但正在使用别的输入法",
+         .next = "在菜单栏的输入法菜单中选择「澄枫输入法」",
+         .well = "正在使用拼音模式",
+         .level = Level::warn});
   }
 
   /// One of the three lists in the user's preferences.
-  void list(const TessalInstaller::ListedEntries& entries) {
+  void list(const ListedEntries& entries) {
     const std::string name = "偏好列表 " + entries.list;
-    const std::string own = std::to_string(entries.own);
-    const auto look = [&](bool isWrong, const std::string& wrong, const std::string& next,
-                          const std::string& well, Level level) {
-      return row(entries.list.c_str(), isWrong ? name + wrong : "", next, well, own, level);
-    };
-    const std::string foreign = entries.foreign.empty() ? "" : entries.foreign.front();
-    look(!entries.foreign.empty(), "：有一条拼音模式的条目属于别的程序包「" + foreign + "」",
-         "在「系统设置 → 键盘 → "
-         "输入法」中移除那一项，再重新添加「澄枫输入法」；看不到那一项时，运行 "
-         "defaults -currentHost delete com.apple.HIToolbox " +
-             entries.list + "，重新登录后再添加需要的输入法",
-         "", Level::fail) &&
-        look(entries.isDamaged, "：有不是输入法条目的内容",
-             "在「系统设置 → 键盘 → 输入法」中移除并重新添加任意一个输入法，让系统重写这个列表", "",
-             Level::fail) &&
-        look(entries.own > 0 && !installer_.isInstalled(), "：输入法已不在，条目还在",
-             "运行 orvane-install uninstall 清理，或重新安装", "", Level::warn) &&
-        look(entries.own > 1, "：同一条目出现 " + own + " 次", kAddAgain,
-             name + (entries.own == 1 ? "：有拼音模式的条目" : "：没有条目，不影响使用"),
-             Level::warn);
+    Row found{.check = entries.list, .value = std::to_string(entries.own)};
+    if (!entries.foreign.empty()) {
+      found.wrong =
+          name + "：有一条拼音模式的条目属于别的程序包「" + entries.foreign.front() + "」";
+      found.next =
+          "在「系统设置 → 键盘 → "
+          "输入法」中移除那一项，再重新添加「澄枫输入法」；看不到那一项时，运行 "
+          "defaults -currentHost delete com.apple.HIToolbox " +
+          entries.list + "，重新登录后再添加需要的输入法";
+    } else if (entries.isDamaged) {
+      found.wrong = name + "：有不是输入法条目的内容";
+      found.next =
+          "在「系统设置 → 键盘 → 输入法」中移除并重新添加任意一个输入法，让系统重写这个列表";
+    } else if (entries.own > 0 && !installer_.isInstalled()) {
+      found.wrong = name + "：输入法已不在，条目还在";
+      found.next = "运行 orvane-install uninstall 清理，或重新安装";
+      found.level = Level::warn;
+    } else if (entries.own > 1) {
+      found.wrong = name + "：同一条目出现 " + found.value + " 次";
+      found.next = kAddAgain;
+      found.level = Level::warn;
+    } else {
+      found.well = name + (entries.own == 1 ? "：有拼音模式的条目" : "：没有条目，不影响使用");
+    }
+    row(found);
   }
 
   TessalInstaller installer_;

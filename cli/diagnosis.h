@@ -12,7 +12,7 @@ struct Finding {
     machine,  ///< The same for all users.
     user,     ///< Of the user who asks.
   };
-  static constexpr const char* kNothingToDo = "无需操作";
+  static constexpr const char* nothingToDo = "无需操作";
 
   Level level;
   Scope scope;

@@ -6,11 +6,13 @@
 #include <string>
 
 #include "cli/diagnosis.h"
-#include "installer/installation_status.h"
+#include "installer/content_view.h"
 
 /// Takes the events of one command in their order. Main thread.
 class EventOutput {
  public:
+  using InstallationStatus = ContentView::InstallationStatus;
+
   virtual ~EventOutput() = default;
   /// What the command does from now on: "script", "activation", "waiting",
   /// "cleanup" or "diagnosis".
@@ -30,6 +32,6 @@ class EventOutput {
 /// to standard error.
 std::unique_ptr<EventOutput> makeTextOutput(const std::string& command);
 
-/// One JSON object a line on standard output, with an "event" in each. The form is
+/// One JSON object per line on standard output, with an "event" in each. The form is
 /// described in the manual page, and kept.
 std::unique_ptr<EventOutput> makeJsonOutput(const std::string& command);

@@ -11,12 +11,14 @@
 #include "cli/installed_files.h"
 #include "inputsource/tessal_installer.h"
 #include "installer/content_view.h"
+#include "installer/log_files.h"
 #include "platform/admin_script.h"
 #include "platform/file_root.h"
-#include "platform/log_file.h"
 #include "platform/program.h"
 
 namespace {
+
+using InstallationStatus = ContentView::InstallationStatus;
 
 /// Shows one run of a view and waits for its end. Lives on the main queue.
 class InstallationRun {
@@ -45,19 +47,13 @@ class InstallationRun {
                 }),
                 view_->installationStatus.observe(
                     [this](const InstallationStatus& status, auto) { statusChanged(status); })};
-    if (!isActivation_) return view_->userPressedInstall();
-    // As after a run of the script over the same bundle: another account has its
-    // settings application already.
-    view_->installPathExistedBeforeStart = TessalInstaller().isInstalled();
-    view_->isInstalling = true;
-    view_->installationStatus = InstallationStatus::installing;
-    view_->postInstallActivation();
+    isActivation_ ? view_->startActivation() : view_->userPressedInstall();
   }
 
   void statusChanged(const InstallationStatus& status) {
     if (isActivation_ && status.is(InstallationStatus::success) &&
         TessalInstaller().enabledModes().empty())
-      return statusChanged(InstallationStatus::failure("输入法已启用，但拼音模式没有启用"));
+      return statusChanged(InstallationStatus::failed("输入法已启用，但拼音模式没有启用"));
     output_.status(status);
     switch (status.value()) {
       case InstallationStatus::notStarted:
@@ -73,7 +69,7 @@ class InstallationRun {
       case InstallationStatus::needAdmin:
         output_.complain("未获得管理员授权，安装未进行");
         return leaveSoon(kRefused);
-      case InstallationStatus::failed:
+      case InstallationStatus::Case::failed:
         output_.complain(isAskedToLeave_ ? "安装被中断" : status.message());
         if (const auto reason = failureReason(); !reason.empty()) output_.complain(reason);
         output_.complain(failureHint());
@@ -84,10 +80,9 @@ class InstallationRun {
   /// What the script, or the system in its place, has said last; empty if nothing.
   std::string failureReason() const {
     const std::string& log = view_->logText;
-    constexpr std::string_view kBefore = "管理员授权失败: ";
-    const auto at = log.rfind(kBefore);
+    const auto at = log.rfind(kScriptFailed);
     if (at == std::string::npos) return "";
-    std::string reason = log.substr(at + kBefore.size());
+    std::string reason = log.substr(at + std::string_view(kScriptFailed).size());
     std::replace(reason.begin(), reason.end(), '\r', '\n');  // macOS ends the lines so
     return reason.substr(0, reason.find_last_not_of('\n') + 1);
   }
@@ -160,10 +155,7 @@ int runActivate(EventOutput& output, const WaitOptions& options, bool once) {
   }
   output.phase("activation");
   const int status = InstallationRun(output, options, InstallationRun::Kind::activation).run();
-  if (status == kSuccess) {
-    std::filesystem::create_directories(activationStamp().parent_path(), error);
-    // Without the note the next login does this again, which harms nothing.
-    platform::emptyLogFile(activationStamp());
-  }
+  // Without the note the next login does this again, which harms nothing.
+  if (status == kSuccess) std::filesystem::create_directories(activationStamp(), error);
   return status;
 }

@@ -12,5 +12,6 @@ std::vector<std::filesystem::path> installedBundles();
 /// delete.
 std::vector<std::filesystem::path> leftovers();
 
-/// The file that notes, by being there, that `activate` has succeeded for this user.
+/// A folder that notes, by being there, that `activate` has succeeded for this user. To
+/// make a folder follows no link and waits for nobody.
 std::filesystem::path activationStamp();

@@ -5,13 +5,6 @@
 
 #include "cli/event_output.h"
 
-NLOHMANN_JSON_SERIALIZE_ENUM(InstallationStatus::Case,
-                             {{InstallationStatus::failed, "failed"},
-                              {InstallationStatus::notStarted, "notStarted"},
-                              {InstallationStatus::installing, "installing"},
-                              {InstallationStatus::waitingEnable, "waitingEnable"},
-                              {InstallationStatus::success, "success"},
-                              {InstallationStatus::needAdmin, "needAdmin"}})
 NLOHMANN_JSON_SERIALIZE_ENUM(Finding::Level, {{Finding::Level::pass, "pass"},
                                               {Finding::Level::warn, "warn"},
                                               {Finding::Level::fail, "fail"}})
@@ -22,6 +15,26 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+// The compiler warns of a case that is not here.
+const char* nameOf(ContentView::InstallationStatus::Case value) {
+  using Case = ContentView::InstallationStatus::Case;
+  switch (value) {
+    case Case::failed:
+      return "failed";
+    case Case::notStarted:
+      return "notStarted";
+    case Case::installing:
+      return "installing";
+    case Case::waitingEnable:
+      return "waitingEnable";
+    case Case::success:
+      return "success";
+    case Case::needAdmin:
+      return "needAdmin";
+  }
+  return "";
+}
+
 class JsonOutput : public EventOutput {
  public:
   explicit JsonOutput(std::string command) : command_(std::move(command)) {}
@@ -31,7 +44,7 @@ class JsonOutput : public EventOutput {
     if (std::exchange(progress_, value) != value) line("progress", {{"progress", value}});
   }
   void status(const InstallationStatus& status) override {
-    Json event = {{"status", status.value()}};
+    Json event = {{"status", nameOf(status.value())}};
     if (!status.message().empty()) event["message"] = status.message();
     line("status", event);
   }
@@ -57,7 +70,7 @@ class JsonOutput : public EventOutput {
   static void line(const char* event, const Json& fields) {
     Json whole = {{"event", event}};
     whole.update(fields);
-    // A path may hold bytes that are no text.
+    // A path may hold bytes that are not text.
     std::cout << whole.dump(-1, ' ', false, Json::error_handler_t::replace) << std::endl;
   }
 

@@ -34,6 +34,7 @@ int main(int argc, char** argv) {
 
   CLI::App program("Installs the input method and waits until it is enabled.", "orvane-install");
   program.require_subcommand(0, 1);
+  program.option_defaults()->disable_flag_override();  // "--json=5" is a mistake
   addEveryonesOptions(program);
   const auto installOptions = addWaitOptions(program);
 

@@ -30,15 +30,15 @@ std::string visible(const std::string& text) {
   return shown;
 }
 
-/// The value of this environment variable; empty if it has none.
-std::string variable(const char* name) {
+/// The value of this environment variable; empty if it is not set.
+std::string environmentVariable(const char* name) {
   const char* value = std::getenv(name);
   return value ? value : "";
 }
 
-/// The width of a terminal that can draw a line anew; 0 if standard output is none.
+/// The width of a terminal that can draw a line anew; 0 if standard output is not one.
 int terminalColumns() {
-  const std::string kind = variable("TERM");
+  const std::string kind = environmentVariable("TERM");
   if (::isatty(STDOUT_FILENO) != 1 || kind.empty() || kind == "dumb") return 0;
   winsize size{};
   constexpr int kUsual = 80;
@@ -100,7 +100,9 @@ class TextOutput : public EventOutput {
         {Finding::Level::warn, {"\033[33m", "[警告]"}},
         {Finding::Level::fail, {"\033[31m", "[失败]"}}};
     const auto& [colour, text] = marks.at(level);
-    return terminalColumns() > 0 && variable("NO_COLOR").empty() ? colour + text + "\033[0m" : text;
+    return terminalColumns() > 0 && environmentVariable("NO_COLOR").empty()
+               ? colour + text + "\033[0m"
+               : text;
   }
 
   void endLine() {

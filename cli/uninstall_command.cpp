@@ -7,10 +7,10 @@
 
 #include "cli/commands.h"
 #include "cli/installed_files.h"
-#include "inputsource/tessal_installer.h"
+#include "inputsource/removal.h"
 #include "installer/authorisation.h"
-#include "installer/content_view.h"
 #include "platform/bundle.h"
+#include "platform/child_process.h"
 #include "platform/common/admin_script_source.h"
 #include "platform/file_root.h"
 #include "platform/log_file.h"
@@ -22,9 +22,9 @@ namespace fs = std::filesystem;
 
 /// Written by the uninstallation script, and by this program.
 constexpr const char* kScriptLogPath = "/tmp/tessal_uninstaller.log";
-constexpr const char* kUILogPathOfUninstaller = "/tmp/tessal_uninstaller_ui.log";
+constexpr const char* kUninstallLogPath = "/tmp/tessal_uninstaller_ui.log";
 
-bool lies(const fs::path& path) {
+bool isThere(const fs::path& path) {
   std::error_code error;
   return fs::exists(fs::symlink_status(path, error));
 }
@@ -32,7 +32,7 @@ bool lies(const fs::path& path) {
 /// Where the input method keeps the user's dictionary and settings.
 std::vector<fs::path> userFiles() {
   const fs::path library = platform::userLibrary();
-  const std::string identifier(TessalInstaller::kBaseBundleID);
+  const std::string identifier(TessalInstaller::baseBundleID);
   return {library / "Application Support" / "Orvane", library / "Caches" / identifier,
           library / "Preferences" / (identifier + ".plist"),
           library / "Preferences" / (identifier + ".settings.plist")};
@@ -50,14 +50,14 @@ class Uninstallation {
       isInterrupted_ = true;
       if (!platform::interruptAdminScript()) fail("移除被中断；密码窗口或卸载脚本还在，无法中止");
     });
-    platform::emptyLogFile(platform::onDisk(kUILogPathOfUninstaller));
+    platform::emptyLogFile(platform::onDisk(kUninstallLogPath));
     const auto script = platform::bundleResource("uninstall", "sh");
     if (!script) return fail("找不到卸载脚本 uninstall.sh");
     output_.progress(0.0);
     // The script takes the bundles away, and the service may then know their
     // sources no more. They go only after it: a refused prompt changes nothing.
-    sources_ = TessalInstaller().ownSources();
-    bundleID_ = TessalInstaller().entryBundleID();
+    sources_ = ownSources();
+    bundleID_ = entryBundleID();
     if (!isAnythingOnDisk()) {
       say("没有程序包可移除");
       return cleanUp();
@@ -78,7 +78,7 @@ class Uninstallation {
     const auto bundles = installedBundles();
     return !leftovers().empty() ||
            std::any_of(bundles.begin(), bundles.end(),
-                       [](const auto& bundle) { return lies(platform::onDisk(bundle)); });
+                       [](const auto& bundle) { return isThere(platform::onDisk(bundle)); });
   }
 
   void scriptEnded(const std::optional<platform::AdminScriptError>& error) {
@@ -92,7 +92,7 @@ class Uninstallation {
     }
     output_.progress(0.8);
     for (const fs::path& bundle : installedBundles())
-      if (lies(platform::onDisk(bundle)))
+      if (isThere(platform::onDisk(bundle)))
         say("保留了 " + platform::onDisk(bundle).string() + "：它不是这个安装器装的");
     if (TessalInstaller().isInstalled()) return fail("输入法没有移除");
     say("已移除程序包");
@@ -102,23 +102,24 @@ class Uninstallation {
   void cleanUp() {
     output_.phase("cleanup");
     const TessalInstaller installer;
-    const auto disabled = installer.retire(sources_);
+    const auto disabled = deselectAndDisable(sources_);
     if (installer.isBaseEnabledBestEffort() || !installer.enabledModes().empty())
-      miss("还有输入源没有停用");
+      reportRemaining("还有输入源没有停用");
     else
       say("已停用 " + std::to_string(disabled) + " 个输入源");
-    const auto removed = installer.removeOrvaneFromHIToolboxDefaults(bundleID_);
-    const auto lists = installer.listedEntries(TessalInstaller::InputMode::pinyin);
+    const auto removed = removeOrvaneFromHIToolboxDefaults(bundleID_);
+    const auto lists = listedEntries(kDefaultMode);
     if (removed &&
         std::all_of(lists.begin(), lists.end(), [](const auto& list) { return list.own == 0; }))
       say("已从偏好列表中取出 " + std::to_string(*removed) + " 条");
     else
-      miss("没有写入偏好列表，其中的条目还在");
+      reportRemaining("没有写入偏好列表，其中的条目还在");
     // As long as a source was enabled, the system may have started it anew.
     if (platform::onDisk("/") == "/")
       for (const char* process : {"Orvane", "OrvaneSettings"})
-        ContentView::runCommand("/usr/bin/killall", {process});
-    ContentView::restartTextInputAgents();
+        platform::runAndWait("/usr/bin/killall", {process});
+    for (const char* agent : {"TextInputMenuAgent", "TextInputSwitcher"})
+      platform::runAndWait("/usr/bin/killall", {"-9", agent});
     std::error_code error;
     fs::remove(activationStamp(), error);
     fs::remove(activationStamp().parent_path(), error);  // if that was all
@@ -131,7 +132,7 @@ class Uninstallation {
 
   /// Removes a file of the user if that is wanted, else says where it is.
   void purgeOrName(const fs::path& file) {
-    if (!lies(file)) return;
+    if (!isThere(file)) return;
     if (!options_.purge)
       return say("保留了用户词库和设置：" + file.string() + "（uninstall --purge 会删除）");
     std::error_code error;
@@ -139,17 +140,17 @@ class Uninstallation {
     for (fs::path folder = file.parent_path(); folder != platform::userLibrary().parent_path();
          folder = folder.parent_path())
       if (fs::is_symlink(folder, error))
-        return miss("没有删除 " + file.string() + "：" + folder.string() + " 是链接");
+        return reportRemaining("没有删除 " + file.string() + "：" + folder.string() + " 是链接");
     // The preferences service of macOS would write a mere file anew.
     if (file.extension() == ".plist")
-      ContentView::runCommand("/usr/bin/defaults", {"delete", file.stem().string()});
+      platform::runAndWait("/usr/bin/defaults", {"delete", file.stem().string()});
     if (fs::remove_all(file, error); error)
-      return miss("无法删除 " + file.string() + "：" + error.message());
+      return reportRemaining("无法删除 " + file.string() + "：" + error.message());
     say("已删除 " + file.string());
   }
 
   /// Something stays that should have gone.
-  void miss(const std::string& line) {
+  void reportRemaining(const std::string& line) {
     log(line);
     output_.complain(line);
     isComplete_ = false;
@@ -167,7 +168,7 @@ class Uninstallation {
   }
 
   static void log(const std::string& line) {
-    platform::appendToLogFile(platform::onDisk(kUILogPathOfUninstaller), line + "\n");
+    platform::appendToLogFile(platform::onDisk(kUninstallLogPath), line + "\n");
   }
 
   EventOutput& output_;

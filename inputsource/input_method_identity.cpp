@@ -14,7 +14,7 @@ std::string TessalInstaller::rawValue(InputMode mode) {
 
 std::optional<TessalInstaller::InputMode> TessalInstaller::modeFromRawValue(
     std::string_view rawValueText) {
-  for (const InputMode mode : kAllCases)
+  for (const InputMode mode : allCases)
     if (rawValue(mode) == rawValueText) return mode;
   return std::nullopt;
 }

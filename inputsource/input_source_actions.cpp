@@ -26,7 +26,7 @@ void TessalInstaller::registerBundle() const {
 }
 
 void TessalInstaller::enable(std::vector<InputMode> modes) const {
-  if (modes.empty()) modes.assign(kAllCases.begin(), kAllCases.end());
+  if (modes.empty()) modes.assign(allCases.begin(), allCases.end());
   if (const InputSource base = keyboardInputMethodSource(/*includeAllInstalled=*/true))
     platform::enableInputSource(base);
 
@@ -39,14 +39,14 @@ void TessalInstaller::enable(std::vector<InputMode> modes) const {
 }
 
 void TessalInstaller::disable(std::vector<InputMode> modes) const {
-  if (modes.empty()) modes.assign(kAllCases.begin(), kAllCases.end());
+  if (modes.empty()) modes.assign(allCases.begin(), allCases.end());
   for (const auto& [mode, source] : getInputSource(modes, /*includeAllInstalled=*/false))
     if (getBool(source, InputSourceProperty::isEnabled) == true)
       platform::disableInputSource(source);
 }
 
 void TessalInstaller::select(std::optional<InputMode> requested) const {
-  const InputMode mode = requested.value_or(InputMode::pinyin);
+  const InputMode mode = requested.value_or(kDefaultMode);
   auto found = getInputSource({mode}, /*includeAllInstalled=*/false);
   if (found.empty()) {
     enable({mode});
@@ -91,13 +91,4 @@ std::vector<Status> TessalInstaller::disableInputModesBestEffort(
                                      inputModeSource(mode, /*includeAllInstalled=*/true)))
       statuses.push_back(*status);
   return statuses;
-}
-
-int TessalInstaller::retire(const std::vector<InputSource>& sources) const {
-  int disabled = 0;
-  for (const InputSource& source : sources) {
-    platform::deselectInputSource(source);
-    if (platform::disableInputSource(source) == platform::kNoError) ++disabled;
-  }
-  return disabled;
 }

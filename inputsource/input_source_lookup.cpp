@@ -52,8 +52,8 @@ std::map<TessalInstaller::InputMode, InputSource> TessalInstaller::getInputSourc
 
 InputSource TessalInstaller::keyboardInputMethodSource(bool includeAllInstalled) const {
   for (const InputSource& source : allInputSources(includeAllInstalled))
-    if (getString(source, InputSourceProperty::bundleID) == kBaseBundleID &&
-        getString(source, InputSourceProperty::inputSourceID) == kBaseBundleID)
+    if (getString(source, InputSourceProperty::bundleID) == baseBundleID &&
+        getString(source, InputSourceProperty::inputSourceID) == baseBundleID)
       return source;
   return nullptr;
 }
@@ -70,7 +70,7 @@ bool TessalInstaller::isBaseEnabledBestEffort() const {
   const auto enabled = platform::createInputSourceList(
       InputSourceFilter{InputSourceProperty::isEnabled, true}, /*includeAllInstalled=*/false);
   if (enabled && std::any_of(enabled->begin(), enabled->end(), [](const InputSource& source) {
-        return getString(source, InputSourceProperty::inputSourceID) == kBaseBundleID;
+        return getString(source, InputSourceProperty::inputSourceID) == baseBundleID;
       }))
     return true;
 
@@ -81,19 +81,9 @@ bool TessalInstaller::isBaseEnabledBestEffort() const {
 std::vector<TessalInstaller::InputMode> TessalInstaller::enabledModes() const {
   std::vector<InputMode> enabled;
   for (const auto& [mode, source] :
-       getInputSource({kAllCases.begin(), kAllCases.end()}, /*includeAllInstalled=*/false))
+       getInputSource({allCases.begin(), allCases.end()}, /*includeAllInstalled=*/false))
     if (getBool(source, InputSourceProperty::isEnabled) == true) enabled.push_back(mode);
   return enabled;
-}
-
-std::vector<InputSource> TessalInstaller::ownSources() const {
-  std::vector<InputSource> sources;
-  for (const InputMode mode : kAllCases)
-    if (const auto source = inputModeSource(mode, /*includeAllInstalled=*/true))
-      sources.push_back(source);
-  if (const auto base = keyboardInputMethodSource(/*includeAllInstalled=*/true))
-    sources.push_back(base);
-  return sources;
 }
 
 bool TessalInstaller::isSelected(InputMode mode) const {

@@ -22,14 +22,14 @@ class TessalInstaller {
  public:
   /// A mode of the input method.
   enum class InputMode { pinyin };
-  static constexpr std::array kAllCases = {InputMode::pinyin};
+  static constexpr std::array allCases = {InputMode::pinyin};
   /// The mode's source identifier, mode identifier and preferences entry.
   static std::string rawValue(InputMode mode);
   /// The mode of exactly this raw value, else absent.
   static std::optional<InputMode> modeFromRawValue(std::string_view rawValue);
 
   /// Bundle identifier of the input method, and identifier of its base source.
-  static constexpr std::string_view kBaseBundleID = "com.tessal.inputmethod.Orvane";
+  static constexpr std::string_view baseBundleID = "com.tessal.inputmethod.Orvane";
 
   // Identities (input_method_identity.cpp).
   /// The install location "/Library/Input Methods/Orvane.app".
@@ -39,22 +39,22 @@ class TessalInstaller {
   /// The information dictionary of the installed bundle; absent if it has none
   /// that can be read.
   std::optional<platform::PropertyListDictionary> installedInfo() const;
-  /// The settings application inside the installed bundle; absent if it lacks.
+  /// The bundle identifier that the installed bundle declares; absent if it declares none.
+  std::optional<std::string> readInstalledBundleIdentifier() const;
+  /// The settings application inside the installed bundle; absent if it has none.
   std::optional<std::filesystem::path> bundledSettingsApplication() const;
   /// A settings application that the system knows from elsewhere.
   std::optional<std::filesystem::path> otherSettingsApplication() const;
 
   // Lookups (input_source_lookup.cpp).
   std::vector<platform::InputSource> allInputSources(bool includeAllInstalled) const;
-  /// The base source: both identifiers are kBaseBundleID; null if there is none.
+  /// The base source: both identifiers are baseBundleID; null if there is none.
   platform::InputSource keyboardInputMethodSource(bool includeAllInstalled) const;
   /// The source of a mode, by source identifier or else by mode identifier; null
   /// if there is none.
   platform::InputSource inputModeSource(InputMode mode, bool includeAllInstalled) const;
   bool isBaseEnabledBestEffort() const;
   std::vector<InputMode> enabledModes() const;
-  /// All that the system knows of the input method: its modes, then the base.
-  std::vector<platform::InputSource> ownSources() const;
   /// Whether the mode is the current keyboard input source.
   bool isSelected(InputMode mode) const;
 
@@ -62,7 +62,7 @@ class TessalInstaller {
   void registerBundle() const;
   void enable(std::vector<InputMode> modes = {}) const;
   void disable(std::vector<InputMode> modes) const;
-  /// No mode means pinyin. Selects the base source if the mode has no source.
+  /// No mode means kDefaultMode. Selects the base source if the mode has no source.
   void select(std::optional<InputMode> mode) const;
   /// Whether a select call succeeded.
   bool selectModeForOverwrite(InputMode mode) const;
@@ -74,41 +74,18 @@ class TessalInstaller {
   std::vector<platform::Status> disableInputModesBestEffort(
       const std::vector<InputMode>& modes) const;
 
-  /// Deselects and disables sources that ownSources() gave, also when their bundle
-  /// is gone by now. How many the service has disabled.
-  int retire(const std::vector<platform::InputSource>& sources) const;
-
   // Preferences (hitoolbox_defaults.cpp).
   /// Adds the mode's entry to the user's three input-source lists where it is
   /// missing. Always true.
   bool ensureOrvaneEnabledInHIToolboxDefaults(InputMode mode) const;
-  /// What one of the three lists holds of a mode.
-  struct ListedEntries {
-    std::string list;  ///< Its key.
-    /// Entries of this mode under the input method's own bundle identifier.
-    int own = 0;
-    /// Bundle identifiers under which entries name this mode that are not its own.
-    std::vector<std::string> foreign;
-    /// The list itself, or an element of it, is of a kind that does not belong there.
-    bool isDamaged = false;
-  };
-  std::vector<ListedEntries> listedEntries(InputMode mode) const;
-  /// Takes the entries of the input method's bundle out of the three lists. All
-  /// others stay as they are, in their order. How many it took; absent if that could
-  /// not be stored.
-  std::optional<int> removeOrvaneFromHIToolboxDefaults(const std::string& bundleID) const;
-  /// The bundle identifier that the entries carry: of the installed bundle, or the
-  /// one that it should have.
-  std::string entryBundleID() const;
 
  private:
   /// The property's value if it is a string, else absent.
   static std::optional<std::string> getString(const platform::InputSource& source,
                                               platform::InputSourceProperty key);
-  /// The property's value if it is a boolean, else absent: a number is none.
+  /// The property's value if it is a boolean, else absent: a number is not a boolean.
   static std::optional<bool> getBool(const platform::InputSource& source,
                                      platform::InputSourceProperty key);
-  std::optional<std::string> readInstalledBundleIdentifier() const;
   std::map<InputMode, platform::InputSource> getInputSource(const std::vector<InputMode>& modes,
                                                             bool includeAllInstalled) const;
   static std::vector<platform::PropertyListDictionary> readCFArrayOfDicts(
@@ -117,3 +94,6 @@ class TessalInstaller {
   static bool containsInputModeEntry(const std::vector<platform::PropertyListDictionary>& entries,
                                      const std::string& bundleID, const std::string& inputMode);
 };
+
+/// The mode that an installation selects.
+inline constexpr TessalInstaller::InputMode kDefaultMode = TessalInstaller::InputMode::pinyin;

@@ -2,10 +2,14 @@
 
 #include <utf8.h>
 
+#include "app/window/window_close_interceptor.h"
+#include "installer/log_files.h"
+#include "platform/bundle.h"
+#include "platform/child_process.h"
 #include "platform/file_root.h"
 #include "platform/log_file.h"
 
-ContentView::ContentView() = default;
+ContentView::ContentView() : closeInterceptor(std::make_unique<WindowCloseInterceptor>()) {}
 ContentView::~ContentView() {
   for (const auto& tail : tails_)
     if (const auto running = tail.lock()) running->terminate();
@@ -17,6 +21,14 @@ std::shared_ptr<ContentView> ContentView::create() {
   auto view = std::make_shared<Shared>();
   view->watchWindowHooks();
   return view;
+}
+
+std::string ContentView::appDisplayName() {
+  for (const char* key : {"CFBundleDisplayName", "CFBundleName"}) {
+    const std::string name = platform::bundleInfoText(key).value_or("");
+    if (!name.empty()) return name;
+  }
+  return "澄枫输入法";
 }
 
 void ContentView::appendUILog(const std::string& text) {

@@ -4,23 +4,17 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
-#include "app/window/notification_center.h"
-#include "app/window/window_close_interceptor.h"
-#include "installer/installation_status.h"
 #include "installer/state.h"
-#include "platform/admin_script.h"
-#include "platform/child_process.h"
-#include "platform/host_window.h"
-#include "platform/main_queue.h"
-#include "platform/text_input_sources.h"
 
-// The two log files of an installation. Paths are as the product names them.
-/// Written by the install script, followed by the installer.
-inline constexpr const char* kInstallLogPath = "/tmp/tessal_installer.log";
-/// Written by the installer: what it did, and every piece of the install log.
-inline constexpr const char* kUILogPath = "/tmp/tessal_installer_ui.log";
+class WindowCloseInterceptor;
+namespace platform {
+class ChildProcess;
+class HostWindow;
+struct AdminScriptError;
+}  // namespace platform
 
 /// The installer's main view: all of its state and every operation on it. It lives
 /// on the main thread, for as long as the window. The blocks that it puts on the
@@ -31,6 +25,55 @@ inline constexpr const char* kUILogPath = "/tmp/tessal_installer_ui.log";
 /// most of them, see startInstallation().
 class ContentView : public std::enable_shared_from_this<ContentView> {
  public:
+  // Where an installation stands.
+  // clang-format off
+  //
+  // | status        | meaning                                   | entered from              | by                                                             |
+  // |---------------|-------------------------------------------|---------------------------|----------------------------------------------------------------|
+  // | notStarted    | nothing has been tried yet                | –                         | a new view                                                     |
+  // | installing    | the script runs, or its result is handled | any                       | startInstallation, startActivation                             |
+  // | needAdmin     | the password prompt was closed or refused | installing                | finishPrivilegedRun                                            |
+  // | failed        | the run ended in an error, with a message | installing                | startInstallation, finishPrivilegedRun, postInstallActivation  |
+  // | waitingEnable | installed; the user has to allow it       | installing                | postInstallActivation                                          |
+  // | success       | installed and enabled                     | installing, waitingEnable | finalizeInstallSuccess                                         |
+  //
+  // clang-format on
+  // Only a new run leaves needAdmin, failed and success, with three exceptions:
+  // - The user allows the input method before the delayed step to waitingEnable has run.
+  //   The status is then success, becomes waitingEnable, and the next poll makes it
+  //   success again.
+  // - A script fails after it has written "finish". finishPrivilegedRun then sets failed
+  //   or needAdmin from wherever the activation had come to.
+  // - It fails before the delayed step has run: that step makes it waitingEnable again.
+  /// One of these statuses.
+  class InstallationStatus {
+   public:
+    enum class Case { failed, notStarted, installing, waitingEnable, success, needAdmin };
+    static constexpr Case notStarted = Case::notStarted, installing = Case::installing,
+                          waitingEnable = Case::waitingEnable, success = Case::success,
+                          needAdmin = Case::needAdmin;
+
+    InstallationStatus(Case value) : case_(value) {}
+    /// The only one that carries data: a message for the user.
+    static InstallationStatus failed(std::string message) {
+      InstallationStatus status(Case::failed);
+      status.message_ = std::move(message);
+      return status;
+    }
+
+    bool is(Case value) const { return case_ == value; }
+    /// Whether the run has ended, well or not, after which no more is asked of the system.
+    bool isOver() const { return is(success) || is(Case::failed); }
+    Case value() const { return case_; }
+    /// Empty unless failed.
+    const std::string& message() const { return message_; }
+    bool operator==(const InstallationStatus&) const = default;
+
+   private:
+    Case case_;
+    std::string message_;
+  };
+
   [[nodiscard]] static std::shared_ptr<ContentView> create();
   ~ContentView();
 
@@ -69,10 +112,12 @@ class ContentView : public std::enable_shared_from_this<ContentView> {
   State<bool> shouldLaunchSettingsBootstrapOnSuccess{false};
   State<bool> didLaunchSettingsBootstrap{false};
   /// Never replaced.
-  State<std::unique_ptr<WindowCloseInterceptor>> closeInterceptor{
-      std::make_unique<WindowCloseInterceptor>()};
+  State<std::unique_ptr<WindowCloseInterceptor>> closeInterceptor;
 
-  // The log and commands (installer/content_view.cpp).
+  // Name, log and commands (installer/content_view.cpp).
+  /// The product's name as the user sees it: the bundle's display name, or else its
+  /// name, or else a fixed one.
+  static std::string appDisplayName();
   /// Appends `text` as it is to logText and to the UI log.
   void appendUILog(const std::string& text);
   /// Runs a tool and waits for it; failures are dropped.
@@ -93,7 +138,9 @@ class ContentView : public std::enable_shared_from_this<ContentView> {
   void handleInstallLogChunk(const std::string& text);
 
   // After the script (activation/).
-  /// Registers the installed bundle, and finishes or starts to wait. Runs once a
+  /// A run without the script, for an input method that is there already.
+  void startActivation();
+  /// Registers the installed bundle, and finishes or starts to wait. Runs once in each
   /// run, see triggerActivation().
   void postInstallActivation();
   /// Asks the system to enable the input method. `trigger` says in the log who
@@ -111,12 +158,10 @@ class ContentView : public std::enable_shared_from_this<ContentView> {
   /// The waiting screen has come on screen, or left it.
   void enableWaitingViewDidAppear();
   void enableWaitingViewDidDisappear();
-  /// `refreshAgents` makes no difference: the agents are restarted once a run.
+  /// `refreshAgents` makes no difference: the agents are restarted once in each run.
   void finalizeInstallSuccess(bool refreshAgents);
   void launchSettingsBootstrapIfNeeded();
   static void registerWithLaunchServicesIfPossible();
-  /// Ends the system's text-input agents, which it then starts anew.
-  static void restartTextInputAgents();
   void openKeyboardSettings();
   void userPressedGoEnable();
 
@@ -132,6 +177,7 @@ class ContentView : public std::enable_shared_from_this<ContentView> {
   void watchWindowHooks();
   void finishPrivilegedRun(const std::optional<platform::AdminScriptError>& error);
   void triggerActivation();
+  void scheduleNotificationHandling();
   void registerForActivationIfNeeded(std::string_view logSuffix);
   void refreshTextInputAgentsOnce();
 

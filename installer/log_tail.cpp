@@ -5,6 +5,8 @@
 #include <string_view>
 
 #include "installer/content_view.h"
+#include "installer/log_files.h"
+#include "platform/child_process.h"
 #include "platform/file_root.h"
 #include "platform/log_file.h"
 
@@ -29,9 +31,32 @@ constexpr std::array kMarkers = {
     Marker{"move Cogwen to Applications", 0.88},
     Marker{"Cogwen installed successfully", 0.92},
 };
-constexpr Marker kFinishMarker = {"finish", 0.94};
+constexpr Marker kFinishMarker = {kFinish, 0.94};
+
+/// Whether no phrase holds one that comes before it, which would decide in its place.
+constexpr bool everyMarkerCounts() {
+  for (std::size_t later = 0; later < kMarkers.size(); ++later)
+    for (std::size_t earlier = 0; earlier < later; ++earlier)
+      if (kMarkers[later].phrase.find(kMarkers[earlier].phrase) != std::string_view::npos)
+        return false;
+  return true;
+}
+static_assert(everyMarkerCounts());
 
 constexpr LinearAnimation kMarkerAnimation{platform::Seconds(0.25)};
+
+/// Starts `tail` on this log. Absent on success, else why not.
+std::optional<std::string> follow(const std::string& log, platform::ChildProcess& tail) {
+  // "/tmp" is open to everyone. Another account's file could hold "finish"; a link could
+  // show this user's private files.
+  const std::string foreign = log + ": 不是当前用户或 root 自己的普通文件";
+  if (!platform::isOwnLogFile(log)) return foreign;
+  if (const auto problem = tail.launch()) return problem;
+  // It may have been replaced before "tail" opened it.
+  if (platform::isOwnLogFile(log)) return std::nullopt;
+  tail.terminate();
+  return foreign;
+}
 
 }  // namespace
 
@@ -47,15 +72,7 @@ std::shared_ptr<platform::ChildProcess> ContentView::startFollowingInstallLog() 
   const std::vector<std::string> arguments = {"-n", "+1", "-F", log};
   auto tail = std::make_shared<platform::ChildProcess>("/usr/bin/tail", arguments, handle);
   tails_.push_back(tail);
-  // Everybody may put a file there: "finish" in one of another account would start the
-  // activation, and a link would show what only this user may read.
-  const std::string foreign = log + ": 不是当前用户或 root 自己的普通文件";
-  auto problem = platform::isOwnLogFile(log) ? tail->launch() : foreign;
-  if (!problem && !platform::isOwnLogFile(log)) {
-    tail->terminate();
-    problem = foreign;
-  }
-  if (problem) appendUILog("无法启动日志跟踪: " + *problem + "\n");
+  if (const auto problem = follow(log, *tail)) appendUILog("无法启动日志跟踪: " + *problem + "\n");
   return tail;
 }
 

@@ -1,6 +1,8 @@
 #include "inputsource/tessal_installer.h"
 #include "installer/authorisation.h"
 #include "installer/content_view.h"
+#include "installer/log_files.h"
+#include "platform/admin_script.h"
 #include "platform/bundle.h"
 #include "platform/child_process.h"
 #include "platform/common/admin_script_source.h"
@@ -37,9 +39,9 @@ void ContentView::startInstallation() {
 
   const auto script = platform::bundleResource("install", "sh");
   if (!script) {
-    installationStatus = InstallationStatus::failure("找不到安装脚本 install.sh");
+    installationStatus = InstallationStatus::failed("找不到安装脚本 install.sh");
     isInstalling = false;
-    appendUILog("未找到 install.sh，请将其加入 Copy Bundle Resources\n");
+    appendUILog(std::string(kNoScript) + "，请将其加入 Copy Bundle Resources\n");
     return;
   }
 
@@ -68,8 +70,8 @@ void ContentView::finishPrivilegedRun(const std::optional<platform::AdminScriptE
       installationStatus = InstallationStatus::needAdmin;
       return;
     }
-    installationStatus = InstallationStatus::failure("安装失败");
-    appendUILog("管理员授权失败: " + error->message.value_or("") + "\n");
+    installationStatus = InstallationStatus::failed("安装失败");
+    appendUILog(kScriptFailed + error->message.value_or("") + "\n");
     return;
   }
   if (!didTriggerActivation) triggerActivation();

@@ -39,7 +39,7 @@ class State {
     return *this;
   }
   void set(T value, std::optional<LinearAnimation> animation = std::nullopt) {
-    // Swapped first: the end of the old value may read this field.
+    // The old value is destroyed when this returns. Its destructor may read the new one.
     std::swap(cell_->value, value);
     changed(animation);
   }

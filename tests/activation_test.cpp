@@ -132,7 +132,7 @@ TEST_F(ActivationTest, EnableRequestsKeepSixSecondsApart) {
   platform.advance(10);
   view->attemptFreshEnable("user");
   EXPECT_EQ(platform.takeJournal(), Lines{"activate"});
-  for (const auto over : {InstallationStatus::success, InstallationStatus::failed}) {
+  for (const auto over : {InstallationStatus::Case::success, InstallationStatus::Case::failed}) {
     view->installationStatus = over;
     view->attemptFreshEnable("user");
     view->handleEnabledKeyboardInputSourcesChanged("x");

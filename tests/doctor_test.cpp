@@ -38,7 +38,7 @@ class DoctorTest : public testing::Test {
     for (const Finding& finding : diagnose(/*machineOnly=*/false)) {
       const bool isPass = finding.level == Finding::Level::pass;
       EXPECT_FALSE(finding.text.empty() || finding.next.empty()) << finding.check;
-      EXPECT_EQ(isPass, finding.next == Finding::kNothingToDo) << finding.text;
+      EXPECT_EQ(isPass, finding.next == Finding::nothingToDo) << finding.text;
       if (isPass) continue;
       problems += problems.empty() ? "" : ", ";
       problems += finding.level == Finding::Level::fail ? "fail " : "warn ";

@@ -24,7 +24,7 @@ TEST_F(InstallationTest, EveryWayOfWritingReachesObserversOnceTheOperationIsOver
       [&](const auto& value, auto) { seen.push_back("status " + value.message()); });
 
   view->handleInstallLogChunk("unzip package\n");
-  view->installationStatus = InstallationStatus::failure("安装失败");
+  view->installationStatus = InstallationStatus::failed("安装失败");
   EXPECT_TRUE(seen.empty());
   platform.drain();
   EXPECT_EQ(seen, (Lines{"0.150000 over 0.250000", "log unzip package\n", "status 安装失败"}));
@@ -125,7 +125,7 @@ TEST_F(InstallationTest, RunEmptiesLogsFollowsTheInstallLogAndRunsTheScript) {
   EXPECT_EQ(platform.journal, (Lines{"launch /usr/bin/tail -n +1 -F " +
                                          (platform.root / "tmp/tessal_installer.log").string(),
                                      kExecute, "terminate"}));
-  EXPECT_EQ(status(), InstallationStatus::failed);
+  EXPECT_EQ(status(), InstallationStatus::Case::failed);
   EXPECT_EQ(view->installationStatus->message(), "未检测到已安装的输入法");
   EXPECT_EQ(uiLog(), "kill Orvane\nmore\n开始注册并激活输入法...\n");
   EXPECT_FALSE(view->isInstalling);
@@ -156,7 +156,8 @@ TEST_F(InstallationTest, LogOfSomebodyElseIsNotFollowed) {
     const bool isRunning = platform.runningChildren > 0;
     EXPECT_EQ(uiLog().starts_with("无法启动日志跟踪: " + log.string() + ": "), !isRunning);
     platform.runWorker();
-    EXPECT_EQ(status(), InstallationStatus::failed);  // nothing was installed; the run went on
+    EXPECT_EQ(status(),
+              InstallationStatus::Case::failed);  // nothing was installed; the run went on
     return isRunning;
   };
   platform.putFile("/tmp/private", "finish");
@@ -197,10 +198,10 @@ TEST_F(InstallationTest, RefusalAndFailureKeepTheRunOnScreen) {
   EXPECT_EQ(endWith(-128, std::nullopt), InstallationStatus::needAdmin);
   EXPECT_EQ(uiLog(), "unzip package\n");
 
-  EXPECT_EQ(endWith(3, "disk full"), InstallationStatus::failed);
+  EXPECT_EQ(endWith(3, "disk full"), InstallationStatus::Case::failed);
   EXPECT_EQ(view->installationStatus->message(), "安装失败");
   EXPECT_EQ(uiLog(), "unzip package\n管理员授权失败: disk full\n");
-  EXPECT_EQ(endWith(std::nullopt, std::nullopt), InstallationStatus::failed);
+  EXPECT_EQ(endWith(std::nullopt, std::nullopt), InstallationStatus::Case::failed);
 }
 
 TEST_F(InstallationTest, NewRunResetsItsOwnFieldsOnly) {

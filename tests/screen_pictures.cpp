@@ -16,6 +16,7 @@
 
 namespace {
 
+using InstallationStatus = ContentView::InstallationStatus;
 using Case = InstallationStatus::Case;
 
 /// Keeps the picture of the window, or of one item with what is near.
@@ -56,9 +57,9 @@ void takeAll(const QDir& output) {
        {Picture{"start", Case::notStarted, nullptr},
         Picture{"installing", Case::installing, "installerMainView"},
         Picture{"success", Case::success}, Picture{"need-admin", Case::needAdmin},
-        Picture{"failed", InstallationStatus::failure("安装失败")},
-        Picture{"not-installed", InstallationStatus::failure("未检测到已安装的输入法")},
-        Picture{"no-script", InstallationStatus::failure("找不到安装脚本 install.sh")},
+        Picture{"failed", InstallationStatus::failed("安装失败")},
+        Picture{"not-installed", InstallationStatus::failed("未检测到已安装的输入法")},
+        Picture{"no-script", InstallationStatus::failed("找不到安装脚本 install.sh")},
         Picture{"waiting", Case::waitingEnable, nullptr}}) {
     view->isInstalling = status.value() == Case::installing;
     view->installationStatus = status;

@@ -17,7 +17,7 @@
 
 namespace {
 
-using Status = InstallationStatus;
+using Status = ContentView::InstallationStatus;
 
 void require(bool holds, const char* rule) {
   if (!holds) throw std::runtime_error(rule);
@@ -159,7 +159,7 @@ class World {
       require(!run_.wasBundleThere, "settings open only after a first install");
     if (begins("disable")) require(!run_.enabledAt, "disabling comes before the first request");
     if (begins("activate") || begins("enable") || begins("select"))
-      require(!isOver(status_) || !isOver(view_->installationStatus),
+      require(!status_.isOver() || !view_->installationStatus->isOver(),
               "nothing is asked for once a run is over");
     if (line == "enable " + kBase) checkRequest();
     // The handler stamps the time before it calls anything, so this is a poll.
@@ -180,9 +180,6 @@ class World {
   }
 
   bool is(Status::Case value) const { return view_->installationStatus->is(value); }
-  static bool isOver(const Status& status) {
-    return status.is(Status::success) || status.is(Status::failed);
-  }
   void tell(const std::string& line) const {
     if (isTold_) std::printf("%9.4f %s\n", platform_.elapsed, line.c_str());
   }

@@ -1,9 +1,8 @@
 // Lookups, actions and preferences against the scripted service.
 
-#include "inputsource/tessal_installer.h"
-
 #include <gtest/gtest.h>
 
+#include "inputsource/removal.h"
 #include "tests/identifiers.h"
 #include "tests/platform/test_platform.h"
 
@@ -204,7 +203,7 @@ TEST_F(TessalInstallerTest, RemovalTakesOwnEntriesAndKeepsTheRestInOrder) {
                           {kSelected, PropertyListArray{other}},
                           {kHistory, "no list"}};
   const auto before = platform.preferences;
-  EXPECT_EQ(installer.removeOrvaneFromHIToolboxDefaults("renamed"), 3);
+  EXPECT_EQ(removeOrvaneFromHIToolboxDefaults("renamed"), 3);
   EXPECT_EQ(platform.preferences[kEnabled], list({"text", other, std::int64_t{4}}));
   EXPECT_EQ(platform.preferences[kSelected], before.at(kSelected));
   EXPECT_EQ(platform.preferences[kHistory], before.at(kHistory));
@@ -213,9 +212,9 @@ TEST_F(TessalInstallerTest, RemovalTakesOwnEntriesAndKeepsTheRestInOrder) {
 
 TEST_F(TessalInstallerTest, RetiringUsesTheSourcesThatWereThere) {
   platform.addInputMethod();
-  const auto sources = installer.ownSources();
+  const auto sources = ownSources();
   platform.sources.clear();
-  EXPECT_EQ(installer.retire(sources), 2);
+  EXPECT_EQ(deselectAndDisable(sources), 2);
   EXPECT_EQ(platform.journal, (Lines{"deselect " + kPinyin, "disable " + kPinyin,
                                      "deselect " + kBase, "disable " + kBase}));
 }

@@ -104,7 +104,7 @@ TEST_F(UiTest, NamesComeFromTheBundle) {
 TEST_F(UiTest, ProgressIsTruncatedAndMovesSmoothly) {
   AnimationClock clock;
   view->installProgress = 0.9;  // an earlier run's
-  view->installationStatus = InstallationStatus::failure("未检测到已安装的输入法");
+  view->installationStatus = InstallationStatus::failed("未检测到已安装的输入法");
   open();
   press("retryButton");
   EXPECT_EQ(place("progressFill").width(), 0);
@@ -126,7 +126,7 @@ TEST_F(UiTest, ProgressTakesThePlaceOfTheButtonsOfTheMainScreen) {
        {std::tuple{InstallationStatus(Case::notStarted), "installButton", false},
         std::tuple{InstallationStatus(Case::installing), "installButton", false},
         std::tuple{InstallationStatus(Case::needAdmin), "retryAuthorisationButton", true},
-        std::tuple{InstallationStatus::failure("安装失败"), "retryButton", false}}) {
+        std::tuple{InstallationStatus::failed("安装失败"), "retryButton", false}}) {
     become(status, /*isInstalling=*/true);
     EXPECT_TRUE(item("progressBar") && !item(button)) << button;
     become(status);

@@ -11,6 +11,8 @@
 #include "installer/content_view.h"
 #include "tests/platform/test_platform.h"
 
+using InstallationStatus = ContentView::InstallationStatus;
+
 class ViewTest : public testing::Test {
  protected:
   using Lines = std::vector<std::string>;

@@ -6,7 +6,6 @@
 
 #include "platform/bundle.h"
 #include "platform/main_queue.h"
-#include "ui/installer_ui.h"
 
 namespace {
 
@@ -23,7 +22,6 @@ InstallerModel::InstallerModel(std::shared_ptr<ContentView> view, QObject* paren
       view_(std::move(view)),
       installProgress_(view_->installProgress),
       progressAnimation_(milliseconds(kBarAnimation)),
-      appDisplayName_(::appDisplayName()),
       version_(QString::fromStdString(
           platform::bundleInfoText("CFBundleShortVersionString").value_or("-"))),
       observations_{

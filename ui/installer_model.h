@@ -48,7 +48,7 @@ class InstallerModel : public QObject {
   int progressAnimation() const { return progressAnimation_; }
 
   /// The product's name as its bundle gives it.
-  QString appDisplayName() const { return appDisplayName_; }
+  QString appDisplayName() const { return QString::fromStdString(view_->appDisplayName()); }
   /// The bundle's version, "-" if it has none.
   QString version() const { return version_; }
 
@@ -79,7 +79,6 @@ class InstallerModel : public QObject {
   std::shared_ptr<ContentView> view_;
   double installProgress_;
   int progressAnimation_;
-  const QString appDisplayName_;
   const QString version_;
   std::array<platform::Observation, 4> observations_;
 };

@@ -5,9 +5,6 @@
 #include <QtGlobal>
 #include <cstdlib>
 #include <iostream>
-#include <string>
-
-#include "platform/bundle.h"
 
 // The build names these functions after the QML module. They must be called,
 // because nothing else keeps them in a static library.
@@ -15,7 +12,6 @@ void qml_register_types_Orvane_Installer();
 
 namespace {
 constexpr int kFontSize = 13;
-constexpr const char* kProductName = "澄枫输入法";
 constexpr int kNoWindows = 69;
 const char* words = "";
 
@@ -47,14 +43,6 @@ std::unique_ptr<QGuiApplication> startToolkit(char** argv, const char* noWindows
   Q_INIT_RESOURCE(qmlcache_orvane_ui);
   qml_register_types_Orvane_Installer();
   return application;
-}
-
-QString appDisplayName() {
-  for (const char* key : {"CFBundleDisplayName", "CFBundleName"}) {
-    const std::string name = platform::bundleInfoText(key).value_or("");
-    if (!name.empty()) return QString::fromStdString(name);
-  }
-  return QString::fromUtf8(kProductName);
 }
 
 QUrl contentBodyUrl() {

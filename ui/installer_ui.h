@@ -3,7 +3,6 @@
 #pragma once
 
 #include <QGuiApplication>
-#include <QString>
 #include <QUrl>
 #include <memory>
 
@@ -11,10 +10,6 @@
 /// If it can open no window, the process says these words on standard error and ends with
 /// status 69. They must outlive the call.
 std::unique_ptr<QGuiApplication> startToolkit(char** argv, const char* noWindowsWords);
-
-/// The product's name as the user sees it: the bundle's display name, or else its
-/// name, or else a fixed one.
-QString appDisplayName();
 
 /// The content of the installer's window; its property `model` is required.
 QUrl contentBodyUrl();

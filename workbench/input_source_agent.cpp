@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "installer/content_view.h"
 #include "platform/common/program_options.h"
 #include "platform/linux/file_root_linux.h"
 #include "platform/linux/input_source_service.h"
@@ -53,9 +54,10 @@ int askForConsent(const std::string& id) {
   if (!isAsked()) return EXIT_SUCCESS;
 
   QQmlApplicationEngine engine;
-  const QObject* const window = openHelperWindow(
-      engine, QStringLiteral("ConsentWindow"),
-      {{"appName", appDisplayName()}, {"inputMethodName", QString::fromStdString(source->name)}});
+  const QObject* const window =
+      openHelperWindow(engine, QStringLiteral("ConsentWindow"),
+                       {{"appName", QString::fromStdString(ContentView::appDisplayName())},
+                        {"inputMethodName", QString::fromStdString(source->name)}});
   QGuiApplication::exec();
   lock.unlock();  // the next question needs a window of its own
   const QVariant isAllowed = window->property("isAllowed");

@@ -1,20 +1,24 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
-/// The text of the notification that asks the main view to show the exit
-/// confirmation.
+#include "installer/state.h"
+
+/// The name of the notification that asks the main view to show the exit confirmation.
 const std::string& requestExitConfirmNotification();
+
+/// Calls `handler` on every post of `name` within this process, until the result is
+/// destroyed. Main thread.
+[[nodiscard]] platform::Observation observeNotification(const std::string& name,
+                                                        std::function<void()> handler);
 
 /// Answers for the window whether the user may close it. Main thread.
 class WindowCloseInterceptor {
  public:
-  bool shouldBlockClose() const { return shouldBlockClose_; }
-  void setShouldBlockClose(bool block) { shouldBlockClose_ = block; }
+  State<bool> shouldBlockClose{false};
 
-  /// Whether the window may close; if not, posts requestExitConfirmNotification.
+  /// Whether the window may close. If not, posts requestExitConfirmNotification() first:
+  /// its observers have been called when this returns.
   bool windowShouldClose() const;
-
- private:
-  bool shouldBlockClose_ = false;
 };

@@ -1,10 +1,11 @@
 #include <algorithm>
 
+#include "app/window/window_close_interceptor.h"
 #include "installer/content_view.h"
 #include "platform/host_window.h"
 
 namespace {
-// In device pixels: 500 by 450 points on a screen of 2 pixels a point.
+// In device pixels: 500 by 450 points on a screen of 2 pixels per point.
 constexpr double kContentWidth = 1000.0;
 constexpr double kContentHeight = 900.0;
 }  // namespace
@@ -13,8 +14,8 @@ void ContentView::configureWindow(platform::HostWindow* window) {
   if (windowConfigured || !window) return;
   windowConfigured = true;
 
-  WindowCloseInterceptor* interceptor = closeInterceptor.get().get();
-  interceptor->setShouldBlockClose(installationStatus->is(InstallationStatus::waitingEnable));
+  closeInterceptor.get()->shouldBlockClose =
+      installationStatus->is(InstallationStatus::waitingEnable);
   window->setShouldClose([view = weak_from_this()] {
     const auto self = view.lock();
     return !self || self->closeInterceptor.get()->windowShouldClose();
