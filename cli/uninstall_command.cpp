@@ -136,7 +136,7 @@ class Uninstallation {
     if (!options_.purge)
       return say("保留了用户词库和设置：" + file.string() + "（uninstall --purge 会删除）");
     std::error_code error;
-    // Behind a link lies somebody else's.
+    // What is behind a link is somebody else's.
     for (fs::path folder = file.parent_path(); folder != platform::userLibrary().parent_path();
          folder = folder.parent_path())
       if (fs::is_symlink(folder, error))

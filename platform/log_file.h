@@ -1,6 +1,6 @@
 // The files of an installation's log. They lie in a folder that everybody may
 // write, so anything may have been put in their place. A log is a regular file with
-// one name that belongs to this user or to root; a link is none, wherever it leads.
+// one name that belongs to this user or to root; a link is never one, wherever it leads.
 // Nothing else is written, and a log that cannot be written stops nothing. Any
 // thread; no call blocks.
 

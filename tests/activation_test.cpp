@@ -87,7 +87,7 @@ TEST_F(ActivationTest, OverwriteInstallEndsAtOnceAndSelectsNothing) {
                    kRestarts[1]}));
   EXPECT_TRUE(logText().ends_with("已处理覆盖安装：跳过切换当前输入法（ok=true）\n"));
 
-  // Registration is once a window; defaults and agents are once a run.
+  // Registration is once per window; defaults and agents are once per run.
   for (const char* value : {"true", " 1", "1 ", "1", "1"}) {
     // As a fresh run before would have left it: it goes after the agents.
     view->registerEnabledInputSourcesChangedNotificationIfNeeded();

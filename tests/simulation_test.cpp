@@ -152,9 +152,9 @@ class World {
   void checkCall(const std::string& line) {
     tell("  " + line);
     const auto begins = [&](const char* words) { return line.starts_with(words); };
-    if (begins("register")) require(++registrations_[line] == 1, "registration is once a window");
+    if (begins("register")) require(++registrations_[line] == 1, "registration is once per window");
     if (begins("run") || begins("open application") || begins("disable"))
-      require(++run_.calls[line] == 1, "agents, settings and disabling are once a run");
+      require(++run_.calls[line] == 1, "agents, settings and disabling are once per run");
     if (begins("open application"))
       require(!run_.wasBundleThere, "settings open only after a first install");
     if (begins("disable")) require(!run_.enabledAt, "disabling comes before the first request");

@@ -67,7 +67,7 @@ TEST_F(TessalInstallerTest, ModeSourceIsTheLastByIdentifierThenByModeIdentifier)
 TEST_F(TessalInstallerTest, BaseCountsAsEnabledByIdentifierInTheEnabledList) {
   EXPECT_FALSE(installer.isBaseEnabledBestEffort());
   const auto base = platform.addSource(kBase, kBase);
-  base->properties[InputSourceProperty::isEnabled] = std::int64_t{1};  // a number is no boolean
+  base->properties[InputSourceProperty::isEnabled] = std::int64_t{1};  // a number is not a boolean
   EXPECT_FALSE(installer.isBaseEnabledBestEffort());
   const auto foreign = platform.addSource("another.bundle", kBase);
   foreign->properties[InputSourceProperty::isEnabled] = true;

@@ -16,7 +16,7 @@ namespace service = platform::linux_;
 constexpr const char* kName = "input-sources";
 constexpr const char* kHelp = R"(The input-source service on the command line.
 
-  list        one line a source: identifier, state, name, and * if it is the current
+  list        one line per source: identifier, state, name, and * if it is the current
               one, with tabs between them. The state is enabled or disabled, and
               "asked" if the user has to allow or deny the source.
   current     the identifier of the current source

@@ -15,7 +15,7 @@ namespace platform {
 class Descriptor {
  public:
   Descriptor() = default;
-  /// Takes what a system call returned; a negative number is none.
+  /// Takes what a system call returned; a negative number means none.
   explicit Descriptor(int descriptor) : descriptor_(descriptor) {}
   /// Closes it; errno stays as it was.
   ~Descriptor() {
