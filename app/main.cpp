@@ -25,8 +25,8 @@ constexpr const char* kNoWindows =
 
 int main(int argc, char** argv) {
   std::vector<std::string> others;  // the system may give an application some
-  if (const auto status = platform::parseArguments(
-          "Orvane Installer", "Installs the input method in a window.", argc, argv, others))
+  if (const auto status =
+          platform::parseArguments("Orvane Installer", "在窗口里安装输入法。", argc, argv, others))
     return *status;
 
   const auto application = startToolkit(argv, kNoWindows);

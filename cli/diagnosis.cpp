@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <fstream>
 #include <iterator>
 #include <optional>
 #include <sstream>
@@ -14,6 +13,7 @@
 #include "platform/bundle.h"
 #include "platform/common/property_list_lookups.h"
 #include "platform/file_root.h"
+#include "platform/log_file.h"
 
 namespace {
 
@@ -88,27 +88,17 @@ std::string accessProblemIn(const fs::path& folder) {
   return error ? folder.string() + " 无法查看：" + error.message() : "";
 }
 
-/// The lines at the end of a log; absent if it cannot be read or is not a regular file.
-std::optional<Lines> lastLines(const fs::path& file) {
-  std::error_code error;
-  if (!fs::is_regular_file(fs::symlink_status(file, error))) return std::nullopt;
-  constexpr std::streamoff kMostBytes = 65536;
-  std::ifstream stream(file, std::ios::binary | std::ios::ate);
-  stream.seekg(std::max(std::streamoff(stream.tellg()) - kMostBytes, std::streamoff(0)));
-  if (!stream) return std::nullopt;
+/// The lines of a text that are not empty.
+Lines linesOf(const std::string& text) {
   Lines lines;
+  std::istringstream stream(text);
   for (std::string line; std::getline(stream, line);)
     if (!line.empty()) lines.push_back(line);
   return lines;
 }
 
-std::string ageText(const fs::path& file) {
-  using namespace std::chrono;
-  std::error_code error;
-  // On macOS a difference of these times is a number too wide for std::to_string.
-  const auto age =
-      duration_cast<seconds>(fs::file_time_type::clock::now() - fs::last_write_time(file, error));
-  if (error) return "时间不明";
+std::string ageText(std::chrono::seconds age) {
+  using namespace std::chrono_literals;
   if (age < 1min) return "不到 1 分钟前";
   if (age < 1h) return std::to_string(age / 1min) + " 分钟前";
   if (age < 24h) return std::to_string(age / 1h) + " 小时前";
@@ -133,7 +123,8 @@ std::string adviceOnUILog(const Lines& lines) {
 /// Why the input method may not be enabled, by the last that the log tells of it.
 std::string whyNotEnabled() {
   std::string why = "：还没有允许，或后来被拒绝、停用了";
-  for (const std::string& line : lastLines(platform::onDisk(kUILogPath)).value_or(Lines())) {
+  const auto end = platform::readEndOfLogFile(platform::onDisk(kUILogPath));
+  for (const std::string& line : linesOf(end ? end->text : "")) {
     const auto tells = [&line](const char* phrase) { return line.find(phrase) != line.npos; };
     if (tells(kEnableRequested))
       why = "：已经请求过，但还没有允许，或被拒绝了";
@@ -186,7 +177,7 @@ class Diagnosis {
     /// Empty if nothing is wrong.
     std::string wrong = {};
     /// What to do about it.
-    std::string next = {};
+    std::string next = kReinstall;
     /// What is said if nothing is wrong; empty for nothing.
     std::string well = {};
     std::string value = {};
@@ -213,17 +204,15 @@ class Diagnosis {
                   .next = "运行 orvane-install install 安装"});
     std::error_code error;
     if (!fs::is_directory(fs::symlink_status(place, error)))
-      return row({.check = "bundle", .wrong = place.string() + " 不是程序包", .next = kReinstall});
+      return row({.check = "bundle", .wrong = place.string() + " 不是程序包"});
     row({.check = "bundle", .well = "已安装：" + place.string(), .value = place.string()});
 
     const auto info = installer_.installedInfo();
-    if (row({.check = "info", .wrong = info ? "" : "Info.plist 缺失或损坏", .next = kReinstall}))
-      content(place, *info);
+    if (row({.check = "info", .wrong = info ? "" : "Info.plist 缺失或损坏"})) content(place, *info);
     const std::string owner = platform::ownerAndGroup(place);
     const std::string problem = accessProblemIn(place);
     row({.check = "access",
          .wrong = problem.empty() ? "" : "权限不对：" + problem,
-         .next = kReinstall,
          .well = "属于 " + owner + "，所有用户可读，只有所有者可以修改",
          .value = owner});
     return true;
@@ -233,7 +222,6 @@ class Diagnosis {
     const std::string identifier = textIn(info, "CFBundleIdentifier").value_or("");
     isIdentifierWell_ = row({.check = "identifier",
                              .wrong = identifierProblem(identifier),
-                             .next = kReinstall,
                              .well = "标识符正确：" + identifier,
                              .value = identifier});
 
@@ -252,7 +240,6 @@ class Diagnosis {
     isModeWell_ = row(
         {.check = "mode",
          .wrong = hasMode ? "" : "Info.plist 里没有拼音模式 " + mode + "，输入法列表里不会出现拼音",
-         .next = kReinstall,
          .well = "Info.plist 里有拼音模式",
          .value = hasMode ? mode : ""});
 
@@ -261,7 +248,6 @@ class Diagnosis {
     row({.check = "program",
          .wrong =
              isRunnable(program) ? "" : "程序缺失，或不是所有用户都能运行：" + program.string(),
-         .next = kReinstall,
          .well = "程序可以运行"});
   }
 
@@ -298,18 +284,21 @@ class Diagnosis {
            .level = Level::warn});
     };
     if (!fs::exists(status)) return tell("没有" + name + "：还没有安装过，或已被系统清理", "");
-    if (!fs::is_regular_file(status))
+    std::string owner = platform::ownerAndGroup(file);
+    owner.erase(std::min(owner.find(':'), owner.size()));
+    const std::string whose = name + " " + file.string() + " 属于 " + owner;
+    const auto end = platform::readEndOfLogFile(file);
+    if (!end && fs::is_regular_file(status) && fs::hard_link_count(file, error) == 1)
+      return tell(whose + "，当前用户的安装不会写入它", "请 " + owner + " 删除它");
+    if (!end)
       return tell(name + "的位置上不是普通文件：" + file.string(), "删除它，否则安装过程没有记录");
-    const std::string owner = platform::ownerAndGroup(file);
-    std::string text = name + " " + file.string() + "：" + ageText(file) + "，属于 " +
-                       owner.substr(0, owner.find(':'));
-    auto lines = lastLines(file);
-    if (!lines) return tell(text + "，无法读取", "请它的所有者或管理员查看");
+
+    auto lines = linesOf(end->text);
     constexpr std::size_t kShown = 3;
-    if (lines->size() > kShown) lines->erase(lines->begin(), lines->end() - kShown);
-    if (lines->empty()) text += "，是空的";
-    for (const std::string& line : *lines) text += "\n         " + line;
-    tell(text, advice(*lines));
+    if (lines.size() > kShown) lines.erase(lines.begin(), lines.end() - kShown);
+    std::string text = whose + "，" + ageText(end->age) + (lines.empty() ? "，是空的" : "");
+    for (const std::string& line : lines) text += "\n" + line;
+    tell(text, advice(lines));
   }
 
   /// What the input-source service knows, and this user's answer.
@@ -319,7 +308,6 @@ class Diagnosis {
     const std::string place = settings.value_or("").string();
     row({.check = "settings",
          .wrong = settings ? "" : "没有设置应用 OrvaneSettings.app",
-         .next = kReinstall,
          .well = bundled ? "找到设置应用" : "找到设置应用，但不在程序包里：" + place,
          .value = place,
          .level = Level::warn});

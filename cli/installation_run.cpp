@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "cli/commands.h"
@@ -42,6 +44,7 @@ class InstallationRun {
     const auto showProgress = [this](auto, auto) { output_.progress(view_->installProgress); };
     watches_ = {view_->installProgress.observe(showProgress),
                 view_->isInstalling.observe(showProgress),
+                view_->observeScriptEnd([this] { leaveIfDone(); }),
                 view_->didTriggerActivation.observe([this](bool isTriggered, auto) {
                   if (isTriggered) output_.phase("activation");
                 }),
@@ -64,8 +67,7 @@ class InstallationRun {
       case InstallationStatus::success:
         output_.progress(view_->installProgress);
         view_->enableWaitingViewDidDisappear();
-        output_.say(isActivation_ ? "已启用" : "安装成功");
-        return leaveSoon(kSuccess);
+        return leave(kSuccess, isActivation_ ? "已启用" : "安装成功");
       case InstallationStatus::needAdmin:
         output_.complain("未获得管理员授权，安装未进行");
         return leaveSoon(kRefused);
@@ -102,19 +104,33 @@ class InstallationRun {
     if (options_.goEnable) view_->userPressedGoEnable();
   }
 
-  void leaveWaiting() {
-    output_.say("已安装，尚未启用");
-    leaveSoon(kLeftWhileWaiting);
+  void leaveWaiting() { leave(kLeftWhileWaiting, "已安装，尚未启用"); }
+
+  /// Says this and leaves, once our own script has ended as well: the "finish" in the log
+  /// may have been another installer's.
+  void leave(ExitStatus status, const std::string& line) {
+    wanted_ = {status, line};
+    leaveIfDone();
+  }
+
+  void leaveIfDone() {
+    const InstallationStatus& status = view_->installationStatus;
+    const bool isInstalled =
+        status.is(InstallationStatus::success) || status.is(InstallationStatus::waitingEnable);
+    if (!wanted_ || view_->isScriptRunning() || !isInstalled) return;
+    output_.say(wanted_->second);
+    leaveSoon(std::exchange(wanted_, std::nullopt)->first);
   }
 
   void terminationRequested() {
     isAskedToLeave_ = true;
     if (!view_) return;
-    if (view_->installationStatus->is(InstallationStatus::waitingEnable)) return leaveWaiting();
-    // The run goes on: how the script ends now decides its result.
-    if (platform::interruptAdminScript()) return;
-    output_.complain("安装被中断；密码窗口或安装脚本还在，无法中止");
-    leaveSoon(kFailed);
+    if (!platform::interruptAdminScript()) {
+      output_.complain("安装被中断；密码窗口或安装脚本还在，无法中止");
+      return leaveSoon(kFailed);
+    }
+    // If the script was running, how it ends now decides the result.
+    if (view_->installationStatus->is(InstallationStatus::waitingEnable)) leaveWaiting();
   }
 
   /// Leaves when all that is on the main queue now has run. The last pieces of the
@@ -133,6 +149,7 @@ class InstallationRun {
   WaitOptions options_;
   bool isActivation_;
   bool isAskedToLeave_ = false;
+  std::optional<std::pair<ExitStatus, std::string>> wanted_;
   std::shared_ptr<ContentView> view_ = ContentView::create();
   std::vector<platform::Observation> watches_;
 };

@@ -14,6 +14,13 @@
 
 namespace {
 
+/// Whether a terminal would turn the direction of the text, or break the line.
+bool isFormat(char32_t character) {
+  return character == 0x061c || character == 0x200e || character == 0x200f ||
+         (character >= 0x2028 && character <= 0x202e) ||
+         (character >= 0x2066 && character <= 0x2069);
+}
+
 /// The text with pictures in the place of control characters: others may have
 /// written it, and a terminal would obey it.
 std::string visible(const std::string& text) {
@@ -23,7 +30,7 @@ std::string visible(const std::string& text) {
     auto character = utf8::next(at, valid.end());
     if (character < 0x20 && character != '\n' && character != '\t')
       character += 0x2400;
-    else if (character >= 0x7f && character < 0xa0)
+    else if ((character >= 0x7f && character < 0xa0) || isFormat(character))
       character = 0xfffd;
     utf8::append(character, std::back_inserter(shown));
   }
@@ -85,7 +92,10 @@ class TextOutput : public EventOutput {
   }
 
   void finding(const Finding& finding) override {
-    std::cout << mark(finding.level) << ' ' << visible(finding.text) << '\n';
+    // Only a mark begins a line: the text may hold what others have written.
+    std::string text = visible(finding.text);
+    for (std::size_t at = 0; (at = text.find('\n', at)) != text.npos;) text.insert(++at, 9, ' ');
+    std::cout << mark(finding.level) << ' ' << text << '\n';
     if (finding.level != Finding::Level::pass)
       std::cout << "       → " << visible(finding.next) << '\n';
     std::cout << std::flush;

@@ -2,6 +2,7 @@
 
 #include "inputsource/hitoolbox_lists.h"
 #include "inputsource/tessal_installer.h"
+#include "platform/common/property_list_lookups.h"
 
 using platform::OpaqueValue;
 using platform::PropertyListArray;
@@ -33,24 +34,24 @@ bool TessalInstaller::containsInputModeEntry(const std::vector<PropertyListDicti
                                              const std::string& bundleID,
                                              const std::string& inputMode) {
   return std::ranges::any_of(entries, [&](const PropertyListDictionary& entry) {
-    return hitoolbox::holdsText(entry, hitoolbox::kBundleID, bundleID) &&
-           hitoolbox::holdsText(entry, hitoolbox::kInputMode, inputMode);
+    return platform::textIn(entry, kBundleIDKey) == bundleID &&
+           platform::textIn(entry, kInputModeKey) == inputMode;
   });
 }
 
 bool TessalInstaller::ensureOrvaneEnabledInHIToolboxDefaults(InputMode mode) const {
   const std::string bundleID = readInstalledBundleIdentifier().value_or(std::string(baseBundleID));
   const std::string inputMode = rawValue(mode);
-  const PropertyListDictionary entry = {{hitoolbox::kBundleID, bundleID},
-                                        {hitoolbox::kInputMode, inputMode},
-                                        {"InputSourceKind", "Input Mode"}};
+  const PropertyListDictionary entry = {
+      {kBundleIDKey, bundleID}, {kInputModeKey, inputMode}, {"InputSourceKind", "Input Mode"}};
 
-  for (const auto& [key, place] : hitoolbox::kLists) {
-    auto entries = readCFArrayOfDicts(hitoolbox::kDomain, key, hitoolbox::kUser, hitoolbox::kHost);
+  for (const auto& [key, place] : kLists) {
+    auto entries = readCFArrayOfDicts(kDomain, key, kUser, kHost);
     if (containsInputModeEntry(entries, bundleID, inputMode)) continue;
-    entries.insert(place == hitoolbox::ListKey::front ? entries.begin() : entries.end(), entry);
-    hitoolbox::writeList(key, PropertyListArray(entries.begin(), entries.end()));
+    entries.insert(place == ListKey::front ? entries.begin() : entries.end(), entry);
+    platform::setPreferencesValue(key, PropertyListArray(entries.begin(), entries.end()), kDomain,
+                                  kUser, kHost);
   }
-  hitoolbox::synchronizeLists();
+  platform::synchronizePreferences(kDomain, kUser, kHost);
   return true;
 }

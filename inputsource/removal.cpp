@@ -1,6 +1,7 @@
 #include "inputsource/removal.h"
 
 #include "inputsource/hitoolbox_lists.h"
+#include "platform/common/property_list_lookups.h"
 
 using platform::InputSource;
 using platform::PropertyListArray;
@@ -15,8 +16,7 @@ struct List {
   bool isDamaged = false;
 };
 List readList(const char* key) {
-  const auto value =
-      platform::copyPreferencesValue(key, hitoolbox::kDomain, hitoolbox::kUser, hitoolbox::kHost);
+  const auto value = platform::copyPreferencesValue(key, kDomain, kUser, kHost);
   if (!value) return {};
   const auto* array = value->as<PropertyListArray>();
   return array ? List{*array} : List{{}, /*isDamaged=*/true};
@@ -53,7 +53,7 @@ std::vector<ListedEntries> listedEntries(TessalInstaller::InputMode mode) {
   const std::string inputMode = TessalInstaller::rawValue(mode);
   const std::string bundleID = entryBundleID();
   std::vector<ListedEntries> found;
-  for (const auto& [key, place] : hitoolbox::kLists) {
+  for (const auto& [key, place] : kLists) {
     const List list = readList(key);
     ListedEntries& entries = found.emplace_back();
     entries.list = key;
@@ -62,8 +62,8 @@ std::vector<ListedEntries> listedEntries(TessalInstaller::InputMode mode) {
       const auto* entry = element.as<PropertyListDictionary>();
       if (!entry) {
         entries.isDamaged = true;
-      } else if (hitoolbox::holdsText(*entry, hitoolbox::kInputMode, inputMode)) {
-        const auto name = platform::textIn(*entry, hitoolbox::kBundleID);
+      } else if (platform::textIn(*entry, kInputModeKey) == inputMode) {
+        const auto name = platform::textIn(*entry, kBundleIDKey);
         if (name == bundleID)
           ++entries.own;
         else
@@ -76,17 +76,18 @@ std::vector<ListedEntries> listedEntries(TessalInstaller::InputMode mode) {
 
 std::optional<int> removeOrvaneFromHIToolboxDefaults(const std::string& bundleID) {
   int removed = 0;
-  for (const auto& [key, place] : hitoolbox::kLists) {
+  for (const auto& [key, place] : kLists) {
     // What is not a dictionary stays: it is not ours to clean.
     PropertyListArray kept = readList(key).elements;
     const auto count = std::erase_if(kept, [&](const PropertyListValue& element) {
       const auto* entry = element.as<PropertyListDictionary>();
-      const auto name = entry ? platform::textIn(*entry, hitoolbox::kBundleID) : std::nullopt;
+      const auto name = entry ? platform::textIn(*entry, kBundleIDKey) : std::nullopt;
       return name == bundleID || name == TessalInstaller::baseBundleID;
     });
     if (count == 0) continue;
     removed += static_cast<int>(count);
-    hitoolbox::writeList(key, kept);
+    platform::setPreferencesValue(key, kept, kDomain, kUser, kHost);
   }
-  return hitoolbox::synchronizeLists() ? std::optional(removed) : std::nullopt;
+  return platform::synchronizePreferences(kDomain, kUser, kHost) ? std::optional(removed)
+                                                                 : std::nullopt;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -129,6 +130,10 @@ class ContentView : public std::enable_shared_from_this<ContentView> {
   /// What "重试" does after a refused authorisation.
   void userPressedRetryAuthorisation();
   void startInstallation();
+  /// Whether a script of this view runs; another installer's may have written "finish".
+  bool isScriptRunning() const { return !tails_.empty(); }
+  /// Calls `handler` each time that one has ended, with the status set to what follows.
+  [[nodiscard]] platform::Observation observeScriptEnd(std::function<void()> handler);
 
   // The install log (installer/log_tail.cpp).
   /// Starts `tail` on the install log. The caller owns it, and it ends with the view at
@@ -183,6 +188,7 @@ class ContentView : public std::enable_shared_from_this<ContentView> {
 
   /// The followers of runs whose scripts have not ended; they must not outlive the view.
   std::vector<std::weak_ptr<platform::ChildProcess>> tails_;
+  platform::HandlerList<> scriptEndObservers_;
   platform::Observation waitingEnableWatch_;
   platform::Observation exitConfirmObserver_;
 };

@@ -33,15 +33,12 @@ constexpr std::array kMarkers = {
 };
 constexpr Marker kFinishMarker = {kFinish, 0.94};
 
-/// Whether no phrase holds one that comes before it, which would decide in its place.
-constexpr bool everyMarkerCounts() {
-  for (std::size_t later = 0; later < kMarkers.size(); ++later)
-    for (std::size_t earlier = 0; earlier < later; ++earlier)
-      if (kMarkers[later].phrase.find(kMarkers[earlier].phrase) != std::string_view::npos)
-        return false;
-  return true;
-}
-static_assert(everyMarkerCounts());
+// A phrase that holds one before it would never count.
+static_assert(std::ranges::all_of(kMarkers, [](const Marker& later) {
+  return std::ranges::none_of(kMarkers.data(), &later, [&](const Marker& earlier) {
+    return later.phrase.find(earlier.phrase) != std::string_view::npos;
+  });
+}));
 
 constexpr LinearAnimation kMarkerAnimation{platform::Seconds(0.25)};
 

@@ -59,8 +59,13 @@ void ContentView::startInstallation() {
       if (!self) return;
       std::erase_if(self->tails_, [&](const auto& each) { return each.lock() == tail; });
       self->finishPrivilegedRun(error);
+      self->scriptEndObservers_.call();
     });
   });
+}
+
+platform::Observation ContentView::observeScriptEnd(std::function<void()> handler) {
+  return scriptEndObservers_.add(std::move(handler));
 }
 
 void ContentView::finishPrivilegedRun(const std::optional<platform::AdminScriptError>& error) {

@@ -27,7 +27,7 @@ inline constexpr int kAdminScriptCancelled = -128;
 std::optional<AdminScriptError> executeAdminScript(const std::string& source);
 
 /// Asks the script or password prompt that is running to end, and waits for that
-/// for a second at most. No script is started afterwards. False if it still runs:
+/// for three seconds at most. No script is started afterwards. False if it still runs:
 /// macOS and root's rights keep this process from ending it. Main thread.
 bool interruptAdminScript();
 

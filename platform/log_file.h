@@ -6,7 +6,10 @@
 
 #pragma once
 
+#include <chrono>
 #include <filesystem>
+#include <optional>
+#include <string>
 #include <string_view>
 
 namespace platform {
@@ -18,7 +21,15 @@ void emptyLogFile(const std::filesystem::path& path);
 /// is ignored.
 void appendToLogFile(const std::filesystem::path& path, std::string_view entry);
 
-/// Whether such a log lies there.
+/// Whether there is such a log.
 bool isOwnLogFile(const std::filesystem::path& path);
+
+struct LogEnd {
+  /// The last 64 KiB at most.
+  std::string text;
+  std::chrono::seconds age;
+};
+/// What such a log ends with; absent if there is none, or it cannot be read.
+std::optional<LogEnd> readEndOfLogFile(const std::filesystem::path& path);
 
 }  // namespace platform

@@ -24,6 +24,10 @@ struct PlatformOption {
 /// These options (Linux: `--root DIR` and `--home DIR`; macOS has none).
 std::vector<PlatformOption> platformOptions();
 
+/// What is wrong if one of them had to be given and was not, for the user (Linux:
+/// `--root`); else absent.
+std::optional<std::string> missingOption();
+
 /// Runs the main loop of a program without windows until endMainLoop(), and
 /// returns the status given there. Main thread.
 int runMainLoop();

@@ -46,17 +46,19 @@ $1" || fail "the lines: $(cat "$work/out")"
 }
 
 echo usage
-for arguments in "--no-wait doctor" "uninstall --json" "instal" "--root"; do
+for arguments in "--no-wait doctor" "uninstall --json" "instal" "--root" "doctor --json=5"; do
   # shellcheck disable=SC2086
   status_of 64 $arguments
-  says "wrong use" Usage:
+  says "wrong use" '--help 查看用法'
 done
 "$app/Contents/MacOS/orvane-install" --root "$work/none" doctor 2>/dev/null
 expect "status of a mistyped root" $? 64
 [ ! -e "$work/none" ] || fail "a mistyped root was made"
+"$app/Contents/MacOS/orvane-install" doctor 2>/dev/null
+expect "status without a root" $? 64
 "$app/Contents/MacOS/orvane-install" --root "$root" doctor --json 2>"$work/err" >/dev/full
 expect "status without room for the output" $? 1
-says "no room" 'could be written'
+says "no room" 输出没有全部写完
 
 echo "installations that fail"
 SUDO_ASKPASS=/bin/false
@@ -76,6 +78,10 @@ started_run_ends 0
 expect "current source" "$(sources current)" $base.pinyin
 opened="$root/user/Library/Application Support/Orvane/opened.log"
 await "the settings" grep -q opened "$opened"
+scripted install 'echo finish >>"$INSTALL_ROOT/tmp/tessal_installer.log"; sleep 1; printf "满" >&2; exit 3'
+status_of 1 install # the "finish" was not its own script's
+says "a script that fails after it" '^满'
+bundle=$app
 info="$root/Library/Input Methods/Orvane.app/Contents/Info.plist"
 sed -i 's|<string>1.0.0</string>|<string>99.0</string>|' "$info"
 status_of 0

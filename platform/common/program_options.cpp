@@ -7,9 +7,35 @@
 
 namespace platform {
 
+namespace {
+
+/// The library's own texts are English. They begin with the word that is wrong.
+std::string problemIn(const CLI::App& program, const CLI::ParseError& error) {
+  const std::string text = error.what();
+  const std::string word = text.substr(0, text.find_first_of(": "));
+  if (dynamic_cast<const CLI::ExtrasError*>(&error))
+    return "不认识的参数：" + program.remaining(/*recurse=*/true).front();
+  if (dynamic_cast<const CLI::ExcludesError*>(&error)) {
+    const std::string option = text.substr(text.rfind(' ') + 1);
+    return program.get_subcommand(word)->get_option_no_throw(option)
+               ? option + " 要写在 " + word + " 之后"
+               : word + " 没有选项 " + option;
+  }
+  if (!dynamic_cast<const CLI::ArgumentMismatch*>(&error)) return text;
+  if (text.ends_with("missing")) return word + " 后面缺少文件夹";
+  return text.ends_with("override") ? "--" + word + " 后面不能有值" : word + " 只能写一次";
+}
+
+}  // namespace
+
 void addCommonOptions(CLI::App& program) {
-  program.set_help_flag("-h,--help", "show this");
-  program.set_version_flag("--version", ORVANE_VERSION, "show the version");
+  for (const auto& [label, text] :
+       {std::pair{"Usage", "用法"}, {"OPTIONS", "选项"}, {"SUBCOMMAND", "命令"}})
+    program.get_formatter()->label(label, text);
+  program.option_defaults()->group("选项");
+  program.option_defaults()->disable_flag_override();  // "--json=5" is a mistake
+  program.set_help_flag("-h,--help", "显示帮助");
+  program.set_version_flag("--version", ORVANE_VERSION, "显示版本");
   for (const auto& option : platformOptions()) {
     program
         .add_option_function<std::string>(
@@ -27,11 +53,14 @@ void addCommonOptions(CLI::App& program) {
 std::optional<int> parseArguments(CLI::App& program, int argc, char** argv) {
   try {
     program.parse(argc, argv);
+    if (const auto missing = missingOption()) throw CLI::ValidationError(*missing);
     return std::nullopt;
   } catch (const CLI::Success& request) {
     return program.exit(request);
   } catch (const CLI::ParseError& error) {
-    std::cerr << program.get_name() << ": " << error.what() << "\n\n" << program.help();
+    std::cerr << program.get_name() << ": " << problemIn(program, error) << "\n运行 "
+              << program.get_name() << (program.get_subcommands({}).empty() ? "" : " COMMAND")
+              << " --help 查看用法\n";
     return kBadUsage;
   }
 }

@@ -39,9 +39,8 @@ constexpr std::array kNotAllowed = {"is not in the sudoers file"sv, "may not run
 
 std::mutex oneAtATime;
 
-std::mutex mutex;     // guards the next three
-pid_t running = 0;    // the prompt or script that is being run; its group as a negative number
-bool isSudo = false;  // what runs is sudo with a script of root
+std::mutex mutex;   // guards the next two
+pid_t running = 0;  // the prompt, the script's shell, or sudo, which passes signals on to it
 bool isInterrupted = false;
 
 struct Outcome {
@@ -76,8 +75,6 @@ Outcome run(const std::string& program, const std::vector<std::string>& argument
     if (!child.waitForStarted(-1))
       return {std::nullopt, program + ": " + child.errorString().toStdString()};
     running = static_cast<pid_t>(child.processId());
-    if (!usesTerminal) running = -running;
-    isSudo = program == kSudo;
   }
   child.waitForFinished(-1);
   const std::lock_guard lock(mutex);
@@ -144,15 +141,15 @@ std::optional<AdminScriptError> executeAdminScript(const std::string& source) {
 }
 
 bool interruptAdminScript() {
-  constexpr int kRequests = 10;
+  constexpr int kRequests = 30;
   for (int request = 0; request < kRequests; ++request) {
     {
       const std::lock_guard lock(mutex);
       isInterrupted = true;
       if (running == 0) return true;
-      // A program that is just being started misses the first request. sudo passes
-      // them on; it is not killed, because its script would go on without it.
-      ::kill(running, request < kRequests / 2 || isSudo ? SIGTERM : SIGKILL);
+      // The shell alone: what it is deleting or putting back, it ends. A program that is
+      // just being started misses the first request.
+      ::kill(running, SIGTERM);
     }
     std::this_thread::sleep_for(100ms);
   }

@@ -31,8 +31,12 @@ void setFileRoot(const std::filesystem::path& folder) {
   root = folder;
 }
 
+bool isFileRootGiven() {
+  return root.has_value();
+}
+
 std::optional<std::filesystem::path> fileRoot() {
-  return root;
+  return root == "/" ? std::nullopt : root;
 }
 
 std::vector<std::string> rootArguments() {
@@ -44,7 +48,7 @@ std::vector<std::string> rootArguments() {
 
 std::filesystem::path userStore() {
   if (store) return *store;
-  if (root) return *root / "user";
+  if (const auto below = fileRoot()) return *below / "user";
   const QString dataHome = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
   return std::filesystem::path(dataHome.toStdString()) / "orvane-workbench";
 }

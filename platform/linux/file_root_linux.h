@@ -15,7 +15,10 @@ namespace platform::linux_ {
 /// absolute folder. Before other threads run and before any service is used.
 void setFileRoot(const std::filesystem::path& folder);
 
-/// The folder given to setFileRoot(); absent if there was none. Any thread.
+/// Whether there was one. Any thread.
+bool isFileRootGiven();
+
+/// The folder given to setFileRoot(); absent for "/", which means the real places. Any thread.
 std::optional<std::filesystem::path> fileRoot();
 
 /// Puts the user's stores into this absolute folder, as those of another account.

@@ -23,10 +23,11 @@ std::optional<std::string> useFolder(const std::string& directory,
   std::error_code error;
   // With the slash at its end only a folder is found.
   const auto folder = std::filesystem::canonical(std::filesystem::path(directory) / "", error);
-  if (error) return directory + ": " + error.message();
+  if (error)
+    return directory + (error == std::errc::not_a_directory ? " 不是文件夹" : "：没有这个文件夹");
   // The toolkit would turn it into another path.
   const std::string path = folder.string();
-  if (!utf8::is_valid(path.begin(), path.end())) return "the path of the folder is not UTF-8";
+  if (!utf8::is_valid(path.begin(), path.end())) return "文件夹的路径不是 UTF-8";
   use(folder);
   return std::nullopt;
 }
@@ -34,10 +35,16 @@ std::optional<std::string> useFolder(const std::string& directory,
 }  // namespace
 
 std::vector<PlatformOption> platformOptions() {
-  return {{"--root", "DIR", "keep everything below DIR and run the script as this user",
+  return {{"--root", "DIR", "一切都放在 DIR 之下，并以当前用户运行脚本；/ 表示真实的位置",
            [](const std::string& folder) { return useFolder(folder, linux_::setFileRoot); }},
-          {"--home", "DIR", "keep the user's own stores in DIR, as another account's",
+          {"--home", "DIR", "用户自己的数据放在 DIR，相当于另一个账户",
            [](const std::string& folder) { return useFolder(folder, linux_::setUserStore); }}};
+}
+
+std::optional<std::string> missingOption() {
+  // Nobody installs into a developer's machine by leaving something out.
+  if (linux_::isFileRootGiven()) return std::nullopt;
+  return "缺少 --root DIR（--root / 表示真实的位置）";
 }
 
 int runMainLoop() {

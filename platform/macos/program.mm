@@ -38,6 +38,10 @@ std::vector<PlatformOption> platformOptions() {
   return {};
 }
 
+std::optional<std::string> missingOption() {
+  return std::nullopt;
+}
+
 int runMainLoop() {
   @autoreleasepool {
     // The input-source and scripting services want a shared application. The

@@ -4,7 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <ctime>
 #include <system_error>
 #include <utility>
 
@@ -55,6 +57,19 @@ void appendToLogFile(const std::filesystem::path& path, std::string_view entry) 
     if (count <= 0) return;
     entry.remove_prefix(static_cast<std::size_t>(count));
   }
+}
+
+std::optional<LogEnd> readEndOfLogFile(const std::filesystem::path& path) {
+  constexpr off_t kMostBytes = 65536;
+  const Descriptor file = openRegularFile(path, O_RDONLY | O_NOFOLLOW);
+  struct stat status {};
+  if (!file || ::fstat(file.get(), &status) != 0 || !isOwnLog(status)) return std::nullopt;
+  std::string text(static_cast<std::size_t>(std::min(status.st_size, kMostBytes)), '\0');
+  const off_t start = status.st_size - static_cast<off_t>(text.size());
+  const ssize_t count = ::pread(file.get(), text.data(), text.size(), start);
+  if (count < 0) return std::nullopt;
+  text.resize(static_cast<std::size_t>(count));
+  return LogEnd{std::move(text), std::chrono::seconds(std::time(nullptr) - status.st_mtime)};
 }
 
 bool isOwnLogFile(const std::filesystem::path& path) {
