@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <chrono>
+#include <fstream>
 #include <iterator>
-#include <optional>
+#include <map>
 #include <sstream>
 
 #include "cli/installed_files.h"
@@ -54,11 +55,19 @@ std::vector<int> numbersOf(std::string version) {
   return numbers;
 }
 
-bool isRunnable(const fs::path& program) {
+/// What is wrong with the program of the bundle; empty if nothing is.
+std::string programProblem(const fs::path& program) {
   std::error_code error;
   const auto status = fs::status(program, error);
-  return fs::is_regular_file(status) &&
-         (status.permissions() & fs::perms::others_exec) != fs::perms::none;
+  if (!fs::is_regular_file(status)) return "程序缺失：" + program.string();
+  if ((status.permissions() & fs::perms::others_exec) == fs::perms::none)
+    return "不是所有用户都能运行程序：" + program.string();
+  std::string start(4, '\0');
+  std::ifstream(program, std::ios::binary).read(start.data(), 4);
+  // Mach-O for one processor, for several, or a script.
+  const bool isProgram =
+      start == "\xcf\xfa\xed\xfe" || start == "\xca\xfe\xba\xbe" || start.starts_with("#!");
+  return isProgram ? "" : "程序损坏：" + program.string();
 }
 
 /// What is wrong with the owner or the modes of one file; empty if nothing is.
@@ -154,15 +163,16 @@ class Diagnosis {
  public:
   std::vector<Finding> run(bool machineOnly) {
     const bool isThere = bundle();
+    if (isThere) companions();
     remains();
-    log("installLog", "安装日志", kInstallLogPath, adviceOnInstallLog);
-    log("uiLog", "安装器日志", kUILogPath, adviceOnUILog);
+    // A reason that is in both logs is told once.
+    const bool isTold = log("installLog", "安装日志", kInstallLogPath, adviceOnInstallLog);
+    log("uiLog", "安装器日志", kUILogPath, isTold ? nullptr : adviceOnUILog);
     if (machineOnly) return findings_;
     scope_ = Scope::user;
     if (isThere) sources();
     // Of a bundle with another identifier all entries would seem to be another's.
-    if (entryBundleID() == TessalInstaller::baseBundleID)
-      for (const ListedEntries& entries : listedEntries(kDefaultMode)) list(entries);
+    if (entryBundleID() == TessalInstaller::baseBundleID) lists();
     row({.check = "rights",
          .wrong = platform::isAdministrator() ? "" : "当前用户不是管理员",
          .next = "安装时输入一位管理员的用户名和密码，或请管理员安装；启用不需要管理员",
@@ -203,8 +213,11 @@ class Diagnosis {
                   .wrong = "没有安装：" + place.string() + " 不存在",
                   .next = "运行 orvane-install install 安装"});
     std::error_code error;
-    if (!fs::is_directory(fs::symlink_status(place, error)))
-      return row({.check = "bundle", .wrong = place.string() + " 不是程序包"});
+    const auto status = fs::symlink_status(place, error);
+    if (!fs::is_directory(status))
+      return row(
+          {.check = "bundle",
+           .wrong = place.string() + (fs::is_symlink(status) ? " 是链接，" : " ") + "不是程序包"});
     row({.check = "bundle", .well = "已安装：" + place.string(), .value = place.string()});
 
     const auto info = installer_.installedInfo();
@@ -245,10 +258,20 @@ class Diagnosis {
 
     const fs::path program =
         place / "Contents" / "MacOS" / textIn(info, "CFBundleExecutable").value_or("Orvane");
-    row({.check = "program",
-         .wrong =
-             isRunnable(program) ? "" : "程序缺失，或不是所有用户都能运行：" + program.string(),
-         .well = "程序可以运行"});
+    row({.check = "program", .wrong = programProblem(program), .well = "程序可以运行"});
+  }
+
+  /// The applications that the archive brings beside the input method.
+  void companions() {
+    for (const fs::path& bundle : installedBundles()) {
+      const fs::path place = platform::onDisk(bundle);
+      std::error_code error;
+      if (platform::bundleResource(bundle.stem(), "zip") && !fs::exists(place, error))
+        row({.check = "companions",
+             .wrong = "缺少随它安装的应用：" + place.string(),
+             .value = place.string(),
+             .level = Level::warn});
+    }
   }
 
   void remains() {
@@ -270,18 +293,22 @@ class Diagnosis {
            .level = Level::warn});
   }
 
-  void log(const char* check, const std::string& name, const char* path,
+  /// Whether there is advice on its last lines. Without such advice they are not shown.
+  bool log(const char* check, const std::string& name, const char* path,
            std::string (*advice)(const Lines&)) {
     const fs::path file = platform::onDisk(path);
     std::error_code error;
     const auto status = fs::symlink_status(file, error);
-    const auto tell = [&](const std::string& text, const std::string& next) {
-      row({.check = check,
-           .wrong = next.empty() ? "" : text,
-           .next = next,
-           .well = text,
-           .value = file.string(),
-           .level = Level::warn});
+    const auto tell = [&](const std::string& text, const std::string& next, bool isReason = false) {
+      const bool isWell = row({.check = check,
+                               .wrong = next.empty() ? "" : text,
+                               .next = next,
+                               .well = text,
+                               .value = file.string(),
+                               .level = Level::warn});
+      // Why the latest installation has failed comes before what is missing for that.
+      if (!isWell) std::rotate(findings_.begin(), findings_.end() - 1, findings_.end());
+      return isReason && !isWell;
     };
     if (!fs::exists(status)) return tell("没有" + name + "：还没有安装过，或已被系统清理", "");
     std::string owner = platform::ownerAndGroup(file);
@@ -293,12 +320,14 @@ class Diagnosis {
     if (!end)
       return tell(name + "的位置上不是普通文件：" + file.string(), "删除它，否则安装过程没有记录");
 
+    std::string text = whose + "，" + ageText(end->age);
+    if (!advice) return tell(text, "");
     auto lines = linesOf(end->text);
     constexpr std::size_t kShown = 3;
     if (lines.size() > kShown) lines.erase(lines.begin(), lines.end() - kShown);
-    std::string text = whose + "，" + ageText(end->age) + (lines.empty() ? "，是空的" : "");
+    if (lines.empty()) text += "，是空的";
     for (const std::string& line : lines) text += "\n" + line;
-    tell(text, advice(lines));
+    return tell(text, advice(lines), /*isReason=*/true);
   }
 
   /// What the input-source service knows, and this user's answer.
@@ -364,46 +393,59 @@ class Diagnosis {
              .well = "拼音模式已启用"});
     const bool isCapable = hasProperty(mode, InputSourceProperty::isSelectCapable, true);
     if (!row({.check = "selectCapable",
-              .wrong = isCapable ? "" : "拼音模式不能选择",
+              .wrong = isCapable ? "" : "拼音模式无法选择",
               .next = kLogInAgain,
               .well = "拼音模式可以选择"}) ||
         !isEnabled)
       return;
+    const bool isSelected = installer_.isSelected(kDefaultMode);
     row({.check = "selected",
-         .wrong = installer_.isSelected(kDefaultMode) ? "" : "已启用，但正在使用别的输入法",
-         .next = "在菜单栏的输入法菜单中选择「澄枫输入法」",
-         .well = "正在使用拼音模式",
-         .level = Level::warn});
+         .well = isSelected ? "正在使用拼音模式" : "已启用，但正在使用别的输入法"});
   }
 
-  /// One of the three lists in the user's preferences.
-  void list(const ListedEntries& entries) {
-    const std::string name = "偏好列表 " + entries.list;
-    Row found{.check = entries.list, .value = std::to_string(entries.own)};
+  /// The three lists in the user's preferences. Those of which the same is said are named
+  /// together.
+  void lists() {
+    std::vector<Row> rows;
+    std::map<std::string, std::string> names;  // by what is said
+    for (const ListedEntries& entries : listedEntries(kDefaultMode)) {
+      rows.push_back(list(entries));
+      std::string& joined = names[rows.back().wrong + rows.back().well];
+      joined += (joined.empty() ? "偏好列表 " : "、") + entries.list;
+    }
+    for (Row& each : rows) {
+      std::string& said = each.wrong.empty() ? each.well : each.wrong;
+      said = names[said] + "：" + said;
+      row(each);
+    }
+  }
+
+  Row list(const ListedEntries& entries) {
+    const std::string count = std::to_string(entries.own);
+    Row found{.check = entries.list, .value = count};
     if (!entries.foreign.empty()) {
-      found.wrong =
-          name + "：有一条拼音模式的条目属于别的程序包「" + entries.foreign.front() + "」";
+      found.wrong = "有一条拼音模式的条目属于别的程序包「" + entries.foreign.front() + "」";
       found.next =
           "在「系统设置 → 键盘 → "
           "输入法」中移除那一项，再重新添加「澄枫输入法」；看不到那一项时，运行 "
           "defaults -currentHost delete com.apple.HIToolbox " +
           entries.list + "，重新登录后再添加需要的输入法";
     } else if (entries.isDamaged) {
-      found.wrong = name + "：有不是输入法条目的内容";
+      found.wrong = "无法读取，或有不是输入法条目的内容";
       found.next =
           "在「系统设置 → 键盘 → 输入法」中移除并重新添加任意一个输入法，让系统重写这个列表";
     } else if (entries.own > 0 && !installer_.isInstalled()) {
-      found.wrong = name + "：输入法已不在，条目还在";
+      found.wrong = "输入法已不在，条目还在";
       found.next = "运行 orvane-install uninstall 清理，或重新安装";
       found.level = Level::warn;
     } else if (entries.own > 1) {
-      found.wrong = name + "：同一条目出现 " + found.value + " 次";
+      found.wrong = "同一条目出现 " + count + " 次";
       found.next = kAddAgain;
       found.level = Level::warn;
     } else {
-      found.well = name + (entries.own == 1 ? "：有拼音模式的条目" : "：没有条目，不影响使用");
+      found.well = entries.own == 1 ? "有拼音模式的条目" : "没有条目，不影响使用";
     }
-    row(found);
+    return found;
   }
 
   TessalInstaller installer_;

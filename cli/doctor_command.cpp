@@ -1,4 +1,5 @@
 #include <map>
+#include <set>
 #include <string>
 
 #include "cli/commands.h"
@@ -9,9 +10,10 @@ namespace {
 
 int tell(EventOutput& output, bool machineOnly) {
   std::map<Finding::Level, int> count;
+  std::set<std::string> told;  // several findings with one cause count once
   for (const Finding& finding : diagnose(machineOnly)) {
     output.finding(finding);
-    ++count[finding.level];
+    if (told.insert(finding.text).second) ++count[finding.level];
   }
   output.say(std::to_string(count[Finding::Level::pass]) + " 项通过，" +
              std::to_string(count[Finding::Level::warn]) + " 项警告，" +

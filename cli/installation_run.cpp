@@ -16,6 +16,7 @@
 #include "installer/log_files.h"
 #include "platform/admin_script.h"
 #include "platform/file_root.h"
+#include "platform/log_file.h"
 #include "platform/program.h"
 
 namespace {
@@ -73,26 +74,26 @@ class InstallationRun {
         return leaveSoon(kRefused);
       case InstallationStatus::Case::failed:
         output_.complain(isAskedToLeave_ ? "安装被中断" : status.message());
-        if (const auto reason = failureReason(); !reason.empty()) output_.complain(reason);
-        output_.complain(failureHint());
+        if (!isAskedToLeave_) explainFailure();
         return leaveSoon(kFailed);
     }
   }
 
-  /// What the script, or the system in its place, has said last; empty if nothing.
-  std::string failureReason() const {
+  /// Tells what the script, or the system in its place, has said last, and where to look.
+  void explainFailure() {
     const std::string& log = view_->logText;
-    const auto at = log.rfind(kScriptFailed);
-    if (at == std::string::npos) return "";
-    std::string reason = log.substr(at + std::string_view(kScriptFailed).size());
-    std::replace(reason.begin(), reason.end(), '\r', '\n');  // macOS ends the lines so
-    return reason.substr(0, reason.find_last_not_of('\n') + 1);
-  }
-
-  std::string failureHint() const {
-    if (!isActivation_) return "日志：" + platform::onDisk(kUILogPath).string();
-    return TessalInstaller().isInstalled() ? "运行 orvane-install doctor 查看原因"
-                                           : "请先运行 orvane-install install 安装输入法";
+    if (const auto at = log.rfind(kScriptFailed); at != std::string::npos) {
+      std::string reason = log.substr(at + std::string_view(kScriptFailed).size());
+      std::replace(reason.begin(), reason.end(), '\r', '\n');  // macOS ends the lines so
+      output_.complain(reason.substr(0, reason.find_last_not_of('\n') + 1));
+    }
+    const auto file = platform::onDisk(kUILogPath);
+    if (isActivation_ && !TessalInstaller().isInstalled())
+      output_.complain("请先运行 orvane-install install 安装输入法");
+    else if (isActivation_ || !platform::isOwnLogFile(file))
+      output_.complain("运行 orvane-install doctor 查看原因");
+    else
+      output_.complain("日志：" + file.string());
   }
 
   void startWaiting() {
@@ -100,6 +101,9 @@ class InstallationRun {
     if (options_.noWait || isAskedToLeave_) return leaveWaiting();
     output_.phase("waiting");
     output_.say("为了正常使用，请将「澄枫输入法」添加到输入法列表");
+    output_.say(
+        "正在等待：请在系统询问时点「好」，或在「系统设置 → 键盘 → 输入法」中添加；按 Ctrl-C "
+        "可以退出");
     view_->enableWaitingViewDidAppear();
     if (options_.goEnable) view_->userPressedGoEnable();
   }

@@ -8,6 +8,7 @@
 #include <iostream>
 #include <iterator>
 #include <map>
+#include <set>
 #include <utility>
 
 #include "cli/event_output.h"
@@ -92,6 +93,7 @@ class TextOutput : public EventOutput {
   }
 
   void finding(const Finding& finding) override {
+    if (!told_.insert(finding.text).second) return;  // of several with one cause
     // Only a mark begins a line: the text may hold what others have written.
     std::string text = visible(finding.text);
     for (std::size_t at = 0; (at = text.find('\n', at)) != text.npos;) text.insert(++at, 9, ' ');
@@ -121,6 +123,7 @@ class TextOutput : public EventOutput {
 
   std::string activity_;
   bool isLineOpen_ = false;
+  std::set<std::string> told_;
   std::string shown_;
 };
 

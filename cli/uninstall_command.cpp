@@ -111,7 +111,8 @@ class Uninstallation {
     const auto lists = listedEntries(kDefaultMode);
     if (removed &&
         std::all_of(lists.begin(), lists.end(), [](const auto& list) { return list.own == 0; }))
-      say("已从偏好列表中取出 " + std::to_string(*removed) + " 条");
+      say(*removed == 0 ? "没有要清理的条目"
+                        : "已从偏好列表中取出 " + std::to_string(*removed) + " 条");
     else
       reportRemaining("没有写入偏好列表，其中的条目还在");
     // As long as a source was enabled, the system may have started it anew.
@@ -185,6 +186,7 @@ bool isConfirmed() {
   std::string answer;
   // Only somebody at a terminal ends the line.
   if (!std::getline(std::cin, answer) || ::isatty(STDIN_FILENO) == 0) std::cout << std::endl;
+  answer.erase(answer.find_last_not_of(" \t\r") + 1);
   const auto yes = {"y", "Y", "yes", "Yes", "YES", "是"};
   return std::find(yes.begin(), yes.end(), answer) != yes.end();
 }

@@ -52,12 +52,13 @@ std::string entryBundleID() {
 std::vector<ListedEntries> listedEntries(TessalInstaller::InputMode mode) {
   const std::string inputMode = TessalInstaller::rawValue(mode);
   const std::string bundleID = entryBundleID();
+  const bool isReadable = platform::synchronizePreferences(kDomain, kUser, kHost);
   std::vector<ListedEntries> found;
   for (const auto& [key, place] : kLists) {
     const List list = readList(key);
     ListedEntries& entries = found.emplace_back();
     entries.list = key;
-    entries.isDamaged = list.isDamaged;
+    entries.isDamaged = list.isDamaged || !isReadable;
     for (const PropertyListValue& element : list.elements) {
       const auto* entry = element.as<PropertyListDictionary>();
       if (!entry) {

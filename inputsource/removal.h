@@ -26,7 +26,8 @@ struct ListedEntries {
   int own = 0;
   /// Bundle identifiers under which entries name this mode that are not its own.
   std::vector<std::string> foreign;
-  /// The list itself, or an element of it, is of a kind that does not belong there.
+  /// The lists cannot be read, or this one or an element of it is of a kind that does not
+  /// belong there.
   bool isDamaged = false;
 };
 std::vector<ListedEntries> listedEntries(TessalInstaller::InputMode mode);

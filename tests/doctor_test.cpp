@@ -22,7 +22,9 @@ class DoctorTest : public testing::Test {
     info()["ComponentInputModeDict"] = PropertyListDictionary{
         {"tsInputModeListKey", PropertyListDictionary{{kPinyin, PropertyListDictionary{}}}}};
     platform.info["OrvanePayloadVersion"] = "1.10.0";
-    platform.putFile(kBundle + "/Contents/MacOS/Orvane", "");
+    platform.putFile(kBundle + "/Contents/MacOS/Orvane", "#!");
+    for (const char* companion : {"Sondrel", "Cogwen"})
+      platform.putFile("/Applications/" + std::string(companion) + ".app/x", "");
     platform.putFile(kBundle + "/Contents/MacOS/OrvaneSettings.app/x", "");
     fs::permissions(program, fs::perms(0755));
     platform.addInputMethod();
@@ -54,14 +56,14 @@ class DoctorTest : public testing::Test {
 
 TEST_F(DoctorTest, SourcesAreToldApart) {
   EXPECT_EQ(problems(), "");
-  EXPECT_TRUE(platform.journal.empty());
+  EXPECT_EQ(platform.journal, std::vector<std::string>{"synchronize"});
   auto& mode = platform.mode->properties;
   mode[InputSourceProperty::inputSourceID] = "other.id";
   // Found by the mode identifier, but enabled only counts by the source identifier.
   EXPECT_EQ(problems(), "fail modeEnabled");
   mode[InputSourceProperty::inputSourceID] = kPinyin;
   platform.current = platform.base;
-  EXPECT_EQ(problems(), "warn selected");
+  EXPECT_EQ(problems(), "") << "whoever types a command has another one on";
   mode[InputSourceProperty::isSelectCapable] = false;
   EXPECT_EQ(problems(), "fail selectCapable");
   platform.allow(false);
@@ -90,6 +92,11 @@ TEST_F(DoctorTest, BundleOnDiskIsLookedThrough) {
   fs::remove_all(settings);
   fs::permissions(program, fs::perms(0744));
   EXPECT_EQ(problems(), "fail program, warn settings");
+  fs::permissions(program, fs::perms(0755));
+  platform.putFile(kBundle + "/Contents/MacOS/Orvane", "MZ");
+  fs::remove_all(platform.root / "Applications/Cogwen.app");
+  EXPECT_EQ(problems(), "fail program, warn companions, warn settings");
+  platform.putFile("/Applications/Cogwen.app/x", "");
   // The faults of the sources have their reason in this one.
   info().erase("ComponentInputModeDict");
   platform.sources = {platform.base};
@@ -131,13 +138,13 @@ TEST_F(DoctorTest, PreferencesAndLeftoversAndLogs) {
   platform.putFile("/tmp/tessal_installer.log", "unzip package\nkill Orvane\n");
   fs::create_directory(platform.root / "tmp/tessal_installer_ui.log");
   EXPECT_EQ(problems(),
-            "warn leftovers, warn installLog, warn uiLog, warn AppleEnabledInputSources");
+            "warn uiLog, warn installLog, warn leftovers, warn AppleEnabledInputSources");
   platform.preferences = {{"AppleEnabledInputSources", PropertyListArray{own}}};
   platform.putFile("/Library/Input Methods/.Orvane.app.staging/x", "");
   platform.putFile("/tmp/tessal_installer.log", "unzip package\nfinish\n");
-  EXPECT_EQ(problems(), "fail leftovers, warn uiLog");
+  EXPECT_EQ(problems(), "warn uiLog, fail leftovers");
   fs::remove_all(bundle);
-  EXPECT_EQ(problems(), "fail bundle, fail leftovers, warn uiLog, warn AppleEnabledInputSources");
+  EXPECT_EQ(problems(), "warn uiLog, fail bundle, fail leftovers, warn AppleEnabledInputSources");
 }
 
 }  // namespace

@@ -5,22 +5,22 @@ set -l none "not __fish_seen_subcommand_from $commands"
 set -l waits "not __fish_seen_subcommand_from doctor uninstall"
 
 complete -c orvane-install -f
-complete -c orvane-install -n "$none" -a install -d 'install the input method'
-complete -c orvane-install -n "$none" -a activate -d 'enable for this user what is installed already'
-complete -c orvane-install -n "$none" -a doctor -d 'look at the installation and say what is wrong'
-complete -c orvane-install -n "$none" -a uninstall -d 'remove the input method'
+complete -c orvane-install -n "$none" -a install -d '安装输入法，并等到它启用为止'
+complete -c orvane-install -n "$none" -a activate -d '为当前用户启用已安装的输入法'
+complete -c orvane-install -n "$none" -a doctor -d '检查安装，说明问题'
+complete -c orvane-install -n "$none" -a uninstall -d '移除输入法'
 
-complete -c orvane-install -l json -d 'tell what happens in lines of JSON'
-complete -c orvane-install -s h -l help -d 'show what the command does, and its options'
-complete -c orvane-install -l version -d 'show the version'
+complete -c orvane-install -l json -d '逐行输出 JSON'
+complete -c orvane-install -s h -l help -d '显示帮助'
+complete -c orvane-install -l version -d '显示版本'
 if test (uname) = Linux
-    complete -c orvane-install -l root -x -a '(__fish_complete_directories)' -d 'keep everything below this folder'
-    complete -c orvane-install -l home -x -a '(__fish_complete_directories)' -d "keep the user's own stores in this folder"
+    complete -c orvane-install -l root -x -a '(__fish_complete_directories)' -d '一切都放在这个文件夹之下'
+    complete -c orvane-install -l home -x -a '(__fish_complete_directories)' -d '用户自己的数据放在这个文件夹'
 end
 
-complete -c orvane-install -n "$waits" -l go-enable -d 'ask once more and open the keyboard settings'
-complete -c orvane-install -n "$waits" -l no-wait -d "leave instead of waiting for the user's approval"
-complete -c orvane-install -n '__fish_seen_subcommand_from activate' -l once -d 'do nothing if it has succeeded before'
-complete -c orvane-install -n '__fish_seen_subcommand_from doctor' -l machine -d 'only what all users share'
-complete -c orvane-install -n '__fish_seen_subcommand_from uninstall' -l yes -d 'ask no question'
-complete -c orvane-install -n '__fish_seen_subcommand_from uninstall' -l purge -d "remove the user's dictionary and settings as well"
+complete -c orvane-install -n "$waits" -l go-enable -d '再请求启用一次，并打开键盘设置'
+complete -c orvane-install -n "$waits" -l no-wait -d '不等待用户允许，直接退出'
+complete -c orvane-install -n '__fish_seen_subcommand_from activate' -l once -d '当前用户已成功启用过就不再执行'
+complete -c orvane-install -n '__fish_seen_subcommand_from doctor' -l machine -d '只检查所有用户共用的部分'
+complete -c orvane-install -n '__fish_seen_subcommand_from uninstall' -l yes -d '不询问'
+complete -c orvane-install -n '__fish_seen_subcommand_from uninstall' -l purge -d '同时删除用户词库和设置'

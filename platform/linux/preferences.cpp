@@ -50,9 +50,12 @@ void setPreferencesValue(const std::string& key, const std::optional<PropertyLis
   });
 }
 
-bool synchronizePreferences(const std::string& /*application*/, PreferencesUser /*user*/,
-                            PreferencesHost /*host*/) {
-  return std::exchange(isAllWritten(), true);
+bool synchronizePreferences(const std::string& application, PreferencesUser user,
+                            PreferencesHost host) {
+  const auto file = preferencesFile(application, user, host);
+  std::error_code error;
+  const bool isReadable = readPropertyListDictionary(file) || !std::filesystem::exists(file, error);
+  return std::exchange(isAllWritten(), true) && isReadable;
 }
 
 }  // namespace platform
