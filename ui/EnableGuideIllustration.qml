@@ -67,11 +67,9 @@ ContinuousRectangle {
     }
 
     SoftShadow {
-        anchors { fill: mock; margins: -extent }
-        transform: Translate { y: 2 }
-        radius: mock.radius
+        caster: mock
+        anchors.verticalCenterOffset: 2
         blur: 6 // ends within the backdrop
-        color: Palette.black(0.12)
     }
     ContinuousRectangle {
         id: mock

@@ -15,11 +15,9 @@ Announcement {
         color: Palette.black(0.22)
     }
     SoftShadow {
-        anchors { fill: card; margins: -extent }
-        transform: Translate { y: 10 }
-        radius: 24
+        caster: card
+        anchors.verticalCenterOffset: 10
         blur: 20
-        color: Palette.black(0.12)
     }
     ContinuousRectangle {
         id: card

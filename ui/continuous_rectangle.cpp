@@ -2,6 +2,7 @@
 
 #include <QLinearGradient>
 #include <QPainter>
+#include <QPainterPath>
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -12,8 +13,7 @@ namespace {
 // How far along its sides a continuous corner reaches, in radii.
 constexpr double kCornerReach = 1.53;
 
-}  // namespace
-
+// The outline of a rectangle with continuous corners.
 // Each corner is a quarter of a superellipse: its curvature begins with nothing
 // where it leaves the side. Half way round it meets the circle of the radius;
 // where the sides leave no room for more, it is that circle.
@@ -49,6 +49,8 @@ QPainterPath continuousPath(const QRectF& rect, double radius) {
   path.closeSubpath();
   return path;
 }
+
+}  // namespace
 
 ContinuousRectangle::ContinuousRectangle(QQuickItem* parent) : QQuickPaintedItem(parent) {
   setAntialiasing(true);

@@ -3,12 +3,8 @@
 #include <QtQmlIntegration/qqmlintegration.h>
 
 #include <QColor>
-#include <QPainterPath>
 #include <QQuickPaintedItem>
 #include <QVariantList>
-
-/// The outline of a rectangle with continuous corners.
-QPainterPath continuousPath(const QRectF& rect, double radius);
 
 /// A rectangle with continuous corners: filled with one colour, or with a linear
 /// gradient from the top-left to the bottom-right corner, and outlined inside
