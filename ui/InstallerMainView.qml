@@ -123,8 +123,7 @@ Column {
         id: failed
         NoticeBox {
             color: Palette.warning
-            // The toolkit would break the text within a word.
-            text: view.model.failureMessage.replace(/未检测到|找不到安装脚本 /, "$&\n")
+            text: view.model.failureMessage
             spacing: 6
             SecondaryButton {
                 text: "打开键盘设置"

@@ -6,14 +6,22 @@ Announcement {
     id: box
 
     property alias color: fill.color
-    // It may have a line break.
-    property alias text: message.text
+    required property string text
     property alias spacing: row.spacing
     default property alias buttons: buttonRow.data
 
     implicitWidth: 240
     implicitHeight: 44
-    Accessible.name: text.replace("\n", "")
+    Accessible.name: text
+
+    // What the buttons leave of a line.
+    readonly property real room: width - 2 * 8 - buttonRow.width - row.spacing
+    // The toolkit fills the first of two lines, and may so break a word. Here the text
+    // breaks at a blank, or else so that the second line is full.
+    function broken(): string {
+        const full = Math.floor(room / message.minimumPixelSize)
+        return text.length > full ? text.replace(new RegExp(` |(?=.{${full}}$)`), "$&\n") : text
+    }
 
     ContinuousRectangle {
         id: fill
@@ -27,8 +35,9 @@ Announcement {
 
         Label {
             id: message
-            // The text takes the room that the buttons leave. A long one gets smaller.
-            width: Math.min(implicitWidth, box.width - 2 * 8 - buttonRow.width - row.spacing)
+            // A long text gets smaller.
+            width: Math.min(implicitWidth, box.room)
+            text: box.broken()
             height: box.height
             verticalAlignment: Text.AlignVCenter
             font.pixelSize: 14
@@ -38,7 +47,7 @@ Announcement {
             maximumLineCount: 2
             elide: Text.ElideRight
             color: Palette.black(0.85)
-            Accessible.name: box.Accessible.name
+            Accessible.name: box.text
         }
         Row {
             id: buttonRow

@@ -29,8 +29,15 @@ class InstallerModel : public QObject {
   Q_PROPERTY(QString version READ version CONSTANT)
 
  public:
-  /// In the order of InstallationStatus::Case.
-  enum class Status { Failed, NotStarted, Installing, WaitingEnable, Success, NeedAdmin };
+  using Case = ContentView::InstallationStatus::Case;
+  enum class Status {
+    Failed = int(Case::failed),
+    NotStarted = int(Case::notStarted),
+    Installing = int(Case::installing),
+    WaitingEnable = int(Case::waitingEnable),
+    Success = int(Case::success),
+    NeedAdmin = int(Case::needAdmin),
+  };
   Q_ENUM(Status)
 
   explicit InstallerModel(std::shared_ptr<ContentView> view, QObject* parent = nullptr);
