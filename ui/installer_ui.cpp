@@ -1,5 +1,7 @@
 #include "ui/installer_ui.h"
 
+#include <sysexits.h>
+
 #include <QFont>
 #include <QQuickWindow>
 #include <QtGlobal>
@@ -12,20 +14,19 @@ void qml_register_types_Orvane_Installer();
 
 namespace {
 constexpr int kFontSize = 13;
-constexpr int kNoWindows = 69;
-const char* words = "";
+const char* reason = "";
 
-/// The toolkit aborts where it can open no window; this ends the program with the words.
+/// The toolkit aborts where it cannot open windows. This ends the program with the reason.
 void endWithoutWindows(QtMsgType type, const QMessageLogContext& /*context*/,
                        const QString& /*message*/) {
   if (type != QtFatalMsg) return;
-  std::cerr << words << std::endl;
-  std::_Exit(kNoWindows);
+  std::cerr << reason << std::endl;
+  std::_Exit(EX_UNAVAILABLE);
 }
 }  // namespace
 
-std::unique_ptr<QGuiApplication> startToolkit(char** argv, const char* noWindowsWords) {
-  words = noWindowsWords;
+std::unique_ptr<QGuiApplication> startToolkit(char** argv, const char* withoutWindows) {
+  reason = withoutWindows;
   qInstallMessageHandler(endWithoutWindows);
   // Needs no GPU, starts in a third of the time and memory, and paints on the main
   // thread. On macOS it also draws what was looked at here.
