@@ -13,7 +13,7 @@
 #include "ui/system_image.h"
 
 namespace {
-// The size until the window is configured. Its centre stays then.
+// The size until the window is configured, which keeps the window's centre.
 constexpr QSize kFirstSize{500, 450};
 }  // namespace
 

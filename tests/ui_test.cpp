@@ -13,7 +13,7 @@ namespace {
 
 using Case = InstallationStatus::Case;
 
-/// Animations move when it does, while it exists.
+/// While it exists, it alone moves the animations.
 class AnimationClock : public QAnimationDriver {
  public:
   AnimationClock() { install(); }

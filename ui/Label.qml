@@ -1,6 +1,6 @@
 import QtQuick 2.15
 
-// A text that assistive tools read out. They are told of no other Text.
+// A text that assistive tools read out. They do not see any other Text.
 Text {
     textFormat: Text.PlainText
     Accessible.role: Accessible.StaticText

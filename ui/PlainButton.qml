@@ -1,8 +1,7 @@
 import QtQuick 2.15
 import Orvane.Installer
 
-// A button that is its own drawing: a filled shape and a text. The parts of the
-// screens give it its look.
+// A button that draws itself: a filled shape and a text. Whoever uses it gives it its look.
 Item {
     id: button
 
@@ -25,7 +24,7 @@ Item {
     Accessible.onPressAction: if (enabled) button.clicked()
     Accessible.ignored: !enabled
 
-    // Space presses as the pointer does: on release, and not if the focus has gone meanwhile.
+    // Space presses as the pointer does: on release, unless the focus has moved meanwhile.
     property bool isSpaceDown: false
     onActiveFocusChanged: isSpaceDown = false
     Keys.onPressed: event => {
@@ -55,7 +54,7 @@ Item {
         id: fill
         anchors.fill: parent
     }
-    // What lies over the fill under the pointer, and while pressed.
+    // Darkens the fill under the pointer, and more while the button is pressed.
     ContinuousRectangle {
         visible: opacity > 0
         opacity: area.containsMouse || button.isSpaceDown ? 1 : 0
@@ -71,8 +70,8 @@ Item {
     }
     MouseArea {
         id: area
-        // Whether this button was clicked since it can be. If not, the first click of a
-        // double click was on another one, and the second is not meant for this one.
+        // Whether this button has been clicked since it was enabled. If it has not, the
+        // first click of a double click went to another button, and so must the second.
         property bool hadFirstClick: false
         anchors.fill: parent
         hoverEnabled: true

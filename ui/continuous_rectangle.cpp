@@ -13,10 +13,10 @@ namespace {
 // How far along its sides a continuous corner reaches, in radii.
 constexpr double kCornerReach = 1.53;
 
-// The outline of a rectangle with continuous corners.
-// Each corner is a quarter of a superellipse: its curvature begins with nothing
-// where it leaves the side. Half way round it meets the circle of the radius;
-// where the sides leave no room for more, it is that circle.
+// The outline of a rectangle with continuous corners. Each corner is a quarter of a
+// superellipse: its curvature starts at zero where it leaves the side. Half way round
+// it meets the circle of the radius; where the sides are too short for more, it is
+// that circle.
 QPainterPath continuousPath(const QRectF& rect, double radius) {
   QPainterPath path;
   const double halfSide = std::min(rect.width(), rect.height()) / 2;

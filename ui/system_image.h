@@ -12,8 +12,8 @@
 /// A picture of the platform as one of the toolkit.
 QImage toQImage(const platform::Image& image);
 
-/// A picture of the system's: the symbol of this name in one colour, or the
-/// application's icon if there is no name. It is painted on the main thread, where
+/// A picture that the system has: the symbol of this name in one colour, or the
+/// application's icon if the name is empty. It is painted on the main thread, where
 /// pictures are made.
 class SystemImage : public QQuickPaintedItem {
   Q_OBJECT

@@ -21,7 +21,7 @@ Window {
     flags: Qt.Dialog | Qt.CustomizeWindowHint | Qt.WindowTitleHint | Qt.WindowStaysOnTopHint
     width: 400
     height: column.height + 2 * 32
-    // In a corner of the screen, where the installer's guide is not.
+    // In a corner of the screen, so that it does not cover the installer's guide.
     x: Screen.virtualX + Screen.desktopAvailableWidth - width - 24
     y: Screen.virtualY + 48
     onClosing: close => close.accepted = false

@@ -49,7 +49,7 @@ Window {
             elide: Text.ElideRight
             text: "输入“" + window.userName + "”的密码以允许此操作。"
         }
-        // What assistive tools are told: the toolkit would tell them the field's text.
+        // Assistive tools see this in place of the field, whose text the toolkit would tell.
         FocusScope {
             readonly property string text: field.displayText
             width: parent.width

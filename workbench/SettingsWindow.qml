@@ -22,7 +22,7 @@ Window {
             text: "打开后即可用它输入文字"
         }
         Repeater {
-            // The number and not the list: a row then survives a change of its
+            // The number and not the list, so that a row outlives a change of its
             // source and keeps the focus.
             model: window.list.sources.length
             SwitchDelegate {

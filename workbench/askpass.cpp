@@ -28,7 +28,7 @@ QString userName() {
 
 int main(int argc, char** argv) {
   ::prctl(PR_SET_DUMPABLE, 0);  // neither a core file nor a debugger gets the password
-  qputenv("QT_LOGGING_RULES", "*.debug=false");  // they tell which keys were pressed
+  qputenv("QT_LOGGING_RULES", "*.debug=false");  // they name the pressed keys
 
   const auto application = startToolkit(argv, platform::linux_::kCannotAsk);
   QQmlApplicationEngine engine;

@@ -81,16 +81,16 @@ int showSettings() {
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::vector<std::string> words;
+  std::vector<std::string> arguments;
   if (const auto status = platform::parseArguments(
           kName, "The windows of the input-source service: --consent ID, or --settings.", argc,
-          argv, words))
+          argv, arguments))
     return *status;
-  const bool settings = words == std::vector<std::string>{"--settings"};
-  if (!settings && !(words.size() == 2 && words[0] == "--consent")) {
+  const bool settings = arguments == std::vector<std::string>{"--settings"};
+  if (!settings && !(arguments.size() == 2 && arguments[0] == "--consent")) {
     std::cerr << kName << ": --consent ID or --settings is needed\n";
     return platform::kBadUsage;
   }
   const auto application = startToolkit(argv, "input-source-agent: there is no display");
-  return settings ? showSettings() : askForConsent(words[1]);
+  return settings ? showSettings() : askForConsent(arguments[1]);
 }

@@ -16,8 +16,8 @@ namespace service = platform::linux_;
 constexpr const char* kName = "input-sources";
 constexpr const char* kHelp = R"(The input-source service on the command line.
 
-  list        one line per source: identifier, state, name, and * if it is the current
-              one, with tabs between them. The state is enabled or disabled, and
+  list        one line per source: identifier, state, name, and * if it is the
+              current one, with tabs between them. The state is enabled or disabled, and
               "asked" if the user has to allow or deny the source.
   current     the identifier of the current source
   select ID   makes an enabled source the current one
@@ -57,10 +57,11 @@ int change(const std::string& command, const std::string& id) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::vector<std::string> words;
-  if (const auto status = platform::parseArguments(kName, kHelp, argc, argv, words)) return *status;
-  if (words.size() == 2) return change(words[0], words[1]);
-  const std::string command = words.size() == 1 ? words[0] : "";
+  std::vector<std::string> arguments;
+  if (const auto status = platform::parseArguments(kName, kHelp, argc, argv, arguments))
+    return *status;
+  if (arguments.size() == 2) return change(arguments[0], arguments[1]);
+  const std::string command = arguments.size() == 1 ? arguments[0] : "";
   if (command == "list") {
     list();
   } else if (command == "current") {
