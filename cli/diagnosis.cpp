@@ -108,10 +108,8 @@ Lines linesOf(const std::string& text) {
 
 std::string ageText(std::chrono::seconds age) {
   using namespace std::chrono_literals;
-  if (age < 1min) return "不到 1 分钟前";
-  if (age < 1h) return std::to_string(age / 1min) + " 分钟前";
-  if (age < 24h) return std::to_string(age / 1h) + " 小时前";
-  return std::to_string(age / 24h) + " 天前";
+  if (age < 2h) return std::to_string(age / 1min) + " 分钟前";
+  return age < 48h ? std::to_string(age / 1h) + " 小时前" : std::to_string(age / 24h) + " 天前";
 }
 
 /// What to do about an install log with these last lines; empty if they tell of no fault.
@@ -359,21 +357,11 @@ class Diagnosis {
                                  .next = kLogInAgain,
                                  .well = "找到输入法本身的输入源（按标识符）"});
     const auto mode = installer_.inputModeSource(kDefaultMode, /*includeAllInstalled=*/true);
-    if (isModeWell_) isModeWell_ = modeSource(mode);
+    isModeWell_ = isModeWell_ && row({.check = "modeSource",
+                                      .wrong = mode ? "" : "找不到拼音模式的输入源",
+                                      .next = "重新安装；若刚刚更新过，先注销再登录",
+                                      .well = "找到拼音模式的输入源"});
     if (isBaseWell && enabled() && isModeWell_) modeState(mode);
-  }
-
-  bool modeSource(const platform::InputSource& mode) {
-    if (!mode)
-      return row({.check = "modeSource",
-                  .wrong = "找不到拼音模式的输入源",
-                  .next = "重新安装；若刚刚更新过，先注销再登录"});
-    const bool isByID = hasProperty(mode, InputSourceProperty::inputSourceID,
-                                    TessalInstaller::rawValue(kDefaultMode));
-    return row({.check = "modeSource",
-                .well = isByID ? "找到拼音模式的输入源（按输入源标识符）"
-                               : "找到拼音模式的输入源（按模式标识符）",
-                .value = isByID ? "inputSourceID" : "inputModeID"});
   }
 
   bool enabled() {

@@ -5,7 +5,6 @@
 #include "platform/common/property_list_lookups.h"
 #include "platform/linux/file_root_linux.h"
 #include "platform/linux/property_list_file.h"
-#include "platform/linux/status.h"
 #include "platform/main_queue.h"
 
 namespace platform::linux_ {
@@ -56,7 +55,7 @@ Status changeInputSourceState(const std::function<Status(InputSourceState&)>& ch
     if (!state.enabled.contains(state.current)) state.current.clear();
     stored = toDictionary(state);
   });
-  return isStored ? status : kInputOutputError;
+  return isStored ? status : kParameterError;
 }
 
 }  // namespace platform::linux_

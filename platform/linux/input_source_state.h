@@ -30,7 +30,7 @@ struct InputSourceState {
 InputSourceState readInputSourceState();
 
 /// Makes one change with no other process in between. The status of `change`, or
-/// kInputOutputError if its result cannot be stored: then nothing has changed.
+/// kParameterError if its result cannot be stored: then nothing has changed.
 Status changeInputSourceState(const std::function<Status(InputSourceState&)>& change);
 
 }  // namespace platform::linux_

@@ -10,7 +10,6 @@
 #include "platform/linux/file_root_linux.h"
 #include "platform/linux/input_source_service.h"
 #include "platform/linux/input_source_state.h"
-#include "platform/linux/status.h"
 
 namespace platform {
 
@@ -147,7 +146,7 @@ InputSource copyCurrentKeyboardInputSource() {
 
 Status registerInputSource(const std::filesystem::path& bundle) {
   const auto info = readPropertyListDictionary(bundle / "Contents" / "Info.plist");
-  if (!info) return linux_::kFileNotFound;
+  if (!info) return kParameterError;
   if (bundle.parent_path() != inputMethodsFolder()) return kParameterError;
   const std::string id = textIn(*info, "CFBundleIdentifier").value_or("");
   // A bundle without this component is not an input method, and is ignored.

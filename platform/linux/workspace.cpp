@@ -6,7 +6,6 @@
 #include "platform/file_root.h"
 #include "platform/linux/detached_process.h"
 #include "platform/linux/input_source_service.h"
-#include "platform/linux/status.h"
 
 namespace platform {
 
@@ -33,7 +32,7 @@ Url fileUrl(const fs::path& path) {
 Status registerWithLaunchServices(const fs::path& bundle, bool /*inUpdate*/) {
   std::error_code error;
   // findApplication() looks for itself, so there is nothing to keep.
-  return fs::exists(bundle, error) ? kNoError : linux_::kFileNotFound;
+  return fs::exists(bundle, error) ? kNoError : kParameterError;
 }
 
 bool openUrl(const Url& url) {
