@@ -88,8 +88,6 @@ frame 2500
 xdotool windowactivate --sync "$window" key alt+F4
 shot exit-confirmation 0
 click "$window" 650 720
-window_of --name '键盘 · 输入法' >/dev/null
-shot settings-and-consent
 click "$consent" 532 350
 await success log_has '已拉起设置应用'
 end_agents

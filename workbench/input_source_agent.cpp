@@ -1,5 +1,5 @@
-// input-source-agent: the windows of the input-source service. One asks the user
-// whether an input method may be used, the other one stands for the system's settings.
+// input-source-agent ID: asks the user in a window whether the input method of this
+// input source may be used.
 
 #include <QDir>
 #include <QLockFile>
@@ -14,7 +14,6 @@
 #include "platform/linux/input_source_service.h"
 #include "ui/installer_ui.h"
 #include "workbench/helper_window.h"
-#include "workbench/input_source_list.h"
 
 namespace {
 
@@ -22,27 +21,17 @@ namespace service = platform::linux_;
 
 constexpr const char* kName = "input-source-agent";
 
-/// Where the agent that shows this window keeps its lock.
-QString lockFile(const std::string& window) {
-  const auto folder = QString::fromStdString(service::userStore().string());
-  QDir().mkpath(folder);
-  return folder + QStringLiteral("/.%1.lock").arg(QString::fromStdString(window));
-}
-
-/// Whether another agent shows the window.
-bool isShown(QLockFile& lock) {
-  lock.setStaleLockTime(0);  // an agent may run for days
-  return !lock.tryLock() && lock.error() == QLockFile::LockFailedError;
-}
-
 int askForConsent(const std::string& id) {
   const auto source = service::findInputSource(id);
   if (!source) {
     std::cerr << kName << ": no input source has the identifier " << id << '\n';
     return EXIT_FAILURE;
   }
-  QLockFile lock(lockFile("consent-" + source->bundleId));
-  if (isShown(lock)) return EXIT_SUCCESS;
+  const auto folder = QString::fromStdString(service::userStore().string());
+  QDir().mkpath(folder);
+  QLockFile lock(folder + "/.consent-" + QString::fromStdString(source->bundleId) + ".lock");
+  lock.setStaleLockTime(0);  // an agent may run for days
+  if (!lock.tryLock() && lock.error() == QLockFile::LockFailedError) return EXIT_SUCCESS;
 
   const auto isAsked = [&id] {
     const auto now = service::findInputSource(id);
@@ -68,29 +57,18 @@ int askForConsent(const std::string& id) {
   return EXIT_FAILURE;
 }
 
-int showSettings() {
-  QLockFile lock(lockFile("settings"));
-  if (isShown(lock)) return EXIT_SUCCESS;
-  InputSourceList list;
-  QQmlApplicationEngine engine;
-  openHelperWindow(engine, QStringLiteral("SettingsWindow"),
-                   {{"list", QVariant::fromValue(&list)}});
-  return QGuiApplication::exec();
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
   std::vector<std::string> arguments;
   if (const auto status = platform::parseArguments(
-          kName, "The windows of the input-source service: --consent ID, or --settings.", argc,
-          argv, arguments))
+          kName, "Asks whether the input method of the source ID may be used.", argc, argv,
+          arguments))
     return *status;
-  const bool settings = arguments == std::vector<std::string>{"--settings"};
-  if (!settings && !(arguments.size() == 2 && arguments[0] == "--consent")) {
-    std::cerr << kName << ": --consent ID or --settings is needed\n";
+  if (arguments.size() != 1) {
+    std::cerr << kName << ": the identifier of an input source is needed\n";
     return platform::kBadUsage;
   }
   const auto application = startToolkit(argv, "input-source-agent: there is no display");
-  return settings ? showSettings() : askForConsent(arguments[1]);
+  return askForConsent(arguments.front());
 }

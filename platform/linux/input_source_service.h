@@ -47,9 +47,5 @@ Status answerForUser(const InputSource& source, bool isAllowed);
 /// until the result is destroyed. Never null.
 [[nodiscard]] Observation observeInputSources(Block block);
 
-/// Starts the agent of the running bundle on the same root and does not wait for
-/// it. Whether it has started; it needs a display.
-bool startInputSourceAgent(std::vector<std::string> arguments);
-
 }  // namespace linux_
 }  // namespace platform

@@ -105,6 +105,14 @@ Observation follow(auto read, Block block) {
   return timer;
 }
 
+/// Asks the user about this bundle, in a window of another process, if there is a display.
+void startAgent(const std::string& bundleId) {
+  if (!linux_::hasDisplay()) return;
+  auto arguments = linux_::rootArguments();
+  arguments.push_back(bundleId);
+  linux_::startDetached(bundleLocation() / "Contents/Helpers/input-source-agent", arguments);
+}
+
 }  // namespace
 
 std::optional<std::vector<InputSource>> createInputSourceList(
@@ -171,8 +179,7 @@ Status enableInputSource(const InputSource& source) {
       setAllEnabled(state, now->bundleId, true);
     return kNoError;
   });
-  if (status == kNoError && hasToAsk)
-    linux_::startInputSourceAgent({"--consent", source->bundleId});
+  if (status == kNoError && hasToAsk) startAgent(source->bundleId);
   return status;
 }
 
@@ -228,15 +235,6 @@ Status answerForUser(const InputSource& source, bool isAllowed) {
 
 Observation observeInputSources(Block block) {
   return follow(readInputSourceState, std::move(block));
-}
-
-bool startInputSourceAgent(std::vector<std::string> arguments) {
-  const auto agent = bundleLocation() / "Contents" / "Helpers" / "input-source-agent";
-  std::error_code error;
-  if (!std::filesystem::exists(agent, error) || !hasDisplay()) return false;
-  const auto root = rootArguments();
-  arguments.insert(arguments.begin(), root.begin(), root.end());
-  return startDetached(agent, arguments);
 }
 
 }  // namespace linux_

@@ -5,6 +5,7 @@
 #include "platform/common/property_list_lookups.h"
 #include "platform/file_root.h"
 #include "platform/linux/detached_process.h"
+#include "platform/linux/environment.h"
 #include "platform/linux/input_source_service.h"
 
 namespace platform {
@@ -36,8 +37,11 @@ Status registerWithLaunchServices(const fs::path& bundle, bool /*inUpdate*/) {
 }
 
 bool openUrl(const Url& url) {
-  return url.text.starts_with("x-apple.systempreferences:") &&
-         linux_::startInputSourceAgent({"--settings"});
+  if (!url.text.starts_with("x-apple.systempreferences:") || !linux_::hasDisplay()) return false;
+  // Asking the user once more stands for the settings.
+  for (const auto& source : linux_::installedInputSources())
+    if (!source->isEnabled) return enableInputSource(source) == kNoError;
+  return true;
 }
 
 void openApplication(const fs::path& bundle) {
