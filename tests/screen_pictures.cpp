@@ -2,15 +2,16 @@
 // usage: screen_pictures ROOT OUTPUT_FOLDER
 //   ROOT is what `--root` gives a program.
 
+#include <QAbstractEventDispatcher>
 #include <QDir>
 #include <QGuiApplication>
 #include <QQuickItem>
 #include <QQuickView>
-#include <QTest>
 #include <cmath>
 #include <filesystem>
 
 #include "platform/linux/file_root_linux.h"
+#include "tests/animation_clock.h"
 #include "ui/installer_model.h"
 #include "ui/installer_ui.h"
 
@@ -22,7 +23,9 @@ using Case = InstallationStatus::Case;
 /// Keeps the picture of the window, or of one item with what is near.
 void take(QQuickWindow& window, const QDir& output, const std::string& name,
           const char* item = nullptr) {
-  QTest::qWait(400);  // until what moves has arrived
+  AnimationClock clock;
+  while (QAbstractEventDispatcher::instance()->processEvents({})) continue;  // what moves begins
+  clock.moveTo(1000);                                                        // and ends
   QImage drawn = window.grabWindow().convertToFormat(QImage::Format_RGB32);
   const double ratio = window.devicePixelRatio();
   if (item) {

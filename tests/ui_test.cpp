@@ -1,10 +1,10 @@
 // The screens, drawn off screen over the platform in memory.
 
-#include <QAnimationDriver>
 #include <QQuickItem>
 #include <QQuickView>
 #include <QTest>
 
+#include "tests/animation_clock.h"
 #include "tests/view_test.h"
 #include "ui/installer_model.h"
 #include "ui/installer_ui.h"
@@ -12,21 +12,6 @@
 namespace {
 
 using Case = InstallationStatus::Case;
-
-/// While it exists, it alone moves the animations.
-class AnimationClock : public QAnimationDriver {
- public:
-  AnimationClock() { install(); }
-  ~AnimationClock() override { uninstall(); }
-  void moveTo(double milliseconds) {
-    now_ = static_cast<qint64>(milliseconds);
-    advanceAnimation();
-  }
-  qint64 elapsed() const override { return now_; }
-
- private:
-  qint64 now_ = 0;
-};
 
 class UiTest : public ViewTest {
  protected:
