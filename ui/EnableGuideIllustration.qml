@@ -22,9 +22,7 @@ ContinuousRectangle {
         radius: 5
         opacity: 0.35
     }
-    // Something beside the window. It is there where the window leaves room for it.
     component Placeholder: Rectangle {
-        visible: mock.x > 128 + 2 * 20
         radius: 6
     }
     component PromptButton: ContinuousRectangle {
@@ -44,28 +42,6 @@ ContinuousRectangle {
         }
     }
 
-    Placeholder {
-        x: 30
-        y: 30
-        width: 110
-        height: 14
-        color: Palette.white(0.55)
-    }
-    Placeholder {
-        x: 30
-        y: 30 + 14 + 10
-        width: 72
-        height: 14
-        color: Palette.white(0.35)
-    }
-    Placeholder {
-        x: parent.width - width - 30
-        y: parent.height - height - 30
-        width: 128
-        height: 110
-        color: Palette.white(0.28)
-    }
-
     SoftShadow {
         caster: mock
         anchors.verticalCenterOffset: 2
@@ -74,8 +50,8 @@ ContinuousRectangle {
     ContinuousRectangle {
         id: mock
         anchors.centerIn: parent
-        width: Math.min(parent.width - 2 * (20 + 56), 560)
-        height: Math.min(parent.height - 2 * 18, 400)
+        width: parent.width - 2 * (20 + 56)
+        height: parent.height - 2 * 18
         radius: 14
         color: Palette.white(0.95)
 
@@ -86,6 +62,27 @@ ContinuousRectangle {
             Light { color: Palette.red }
             Light { color: Palette.yellow }
             Light { color: Palette.green }
+        }
+        Placeholder {
+            x: 20
+            y: 44
+            width: 110
+            height: 14
+            color: Palette.white(0.55)
+        }
+        Placeholder {
+            x: 20
+            y: 44 + 14 + 10
+            width: 72
+            height: 14
+            color: Palette.white(0.35)
+        }
+        Placeholder {
+            x: parent.width - width - 20
+            y: parent.height - height - 20
+            width: 128
+            height: 110
+            color: Palette.white(0.28)
         }
         Column {
             anchors.centerIn: parent

@@ -7,5 +7,4 @@ PlainButton {
     radius: 8
     gradient: Palette.primaryFill
     textColor: "white"
-    opacity: enabled ? 1 : 0.25
 }
