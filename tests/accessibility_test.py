@@ -78,15 +78,18 @@ def installer(app=bundle, askpass="/bin/true"):
 
 
 def unhappy_ends():
-    with installer(askpass="/bin/false"):
-        press(await_node("push button", "安装"))
-        bar = await_node("progress bar", "安装进度 0%")
-        await_that("what to do", lambda: "关闭窗口" in bar.get_description())
-        assert Atspi.Action.get_n_actions(bar) == 0, "the bar offers something"
-    incomplete = f"{work}/Incomplete.app"
-    shutil.copytree(os.path.realpath(bundle), incomplete)
-    os.remove(f"{incomplete}/Contents/Resources/install.sh")
-    with installer(incomplete):
+    broken = f"{work}/Broken.app"
+    script = f"{broken}/Contents/Resources/install.sh"
+    shutil.copytree(os.path.realpath(bundle), broken)
+    with open(script, "w") as file:
+        file.write("exit 1")
+    for app, askpass in (bundle, "/bin/false"), (broken, "/bin/true"):
+        with installer(app, askpass):
+            press(await_node("push button", "安装"))
+            await_spoken("正在安装")
+            await_spoken("安装未完成，请关闭窗口后重新打开")
+    os.remove(script)
+    with installer(broken):
         press(await_node("push button", "安装"))
         await_spoken("找不到安装脚本 install.sh")
         await_node("push button", "重试")
