@@ -24,6 +24,7 @@ ContinuousRectangle {
     }
     component Placeholder: Rectangle {
         radius: 6
+        color: "white"
     }
     component PromptButton: ContinuousRectangle {
         id: promptButton
@@ -63,26 +64,11 @@ ContinuousRectangle {
             Light { color: Palette.yellow }
             Light { color: Palette.green }
         }
+        Placeholder { x: 20; y: 44; width: 110; height: 14; opacity: 0.55 }
+        Placeholder { x: 20; y: 68; width: 72; height: 14; opacity: 0.35 }
         Placeholder {
-            x: 20
-            y: 44
-            width: 110
-            height: 14
-            color: Palette.white(0.55)
-        }
-        Placeholder {
-            x: 20
-            y: 44 + 14 + 10
-            width: 72
-            height: 14
-            color: Palette.white(0.35)
-        }
-        Placeholder {
-            x: parent.width - width - 20
-            y: parent.height - height - 20
-            width: 128
-            height: 110
-            color: Palette.white(0.28)
+            anchors { right: parent.right; bottom: parent.bottom; margins: 20 }
+            width: 128; height: 110; opacity: 0.28
         }
         Column {
             anchors.centerIn: parent

@@ -79,44 +79,9 @@ Column {
     }
     Component {
         id: progress
-        Announcement {
-            implicitWidth: view.width
-            implicitHeight: column.height
-            Accessible.name: "正在安装"
-            NumberAnimation on opacity {
-                from: 0; to: 1
-                duration: 350
-                easing.type: Easing.InOutQuad
-            }
-            Column {
-                id: column
-                width: parent.width
-                spacing: view.spacing
-                ProgressBar {
-                    objectName: "progressBar"
-                    x: 40
-                    width: parent.width - 2 * 40
-                    value: view.model.installProgress
-                    duration: view.model.progressAnimation
-                }
-                Label {
-                    objectName: "progressText"
-                    anchors.horizontalCenter: parent.horizontalCenter
-                    text: view.model.progressText
-                    font.pixelSize: 14
-                    color: Palette.gray
-                }
-            }
-            // After a refused prompt or a failed script the bar stays where it is. Other
-            // failures have a box of their own, which comes before this is loaded.
-            Loader {
-                anchors.fill: parent
-                asynchronous: true
-                active: [InstallerModel.NeedAdmin, InstallerModel.Failed].includes(view.model.status)
-                sourceComponent: Announcement {
-                    Accessible.name: "安装未完成，请关闭窗口后重新打开"
-                }
-            }
+        InstallProgress {
+            width: view.width
+            model: view.model
         }
     }
     Component {

@@ -12,9 +12,10 @@ Item {
     property alias color: fill.color
     property alias gradient: fill.gradient
     readonly property bool isDown: isSpaceDown || (area.pressed && area.containsMouse)
-    readonly property real labelWidth: label.implicitWidth
-    readonly property real labelHeight: label.implicitHeight
+    property real padding
 
+    implicitWidth: label.implicitWidth + 2 * padding
+    implicitHeight: label.implicitHeight + 2 * 6
     signal clicked
 
     activeFocusOnTab: true

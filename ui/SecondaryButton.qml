@@ -2,10 +2,7 @@ import QtQuick 2.15
 import Orvane.Installer
 
 PlainButton {
-    property real padding: 10
-
-    implicitWidth: labelWidth + 2 * padding
-    implicitHeight: labelHeight + 2 * 6
+    padding: 10
     radius: 6
     textColor: Palette.black(0.85)
 }

@@ -57,11 +57,10 @@ int change(const std::string& command, const std::string& id) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::vector<std::string> arguments;
-  if (const auto status = platform::parseArguments(kName, kHelp, argc, argv, arguments))
-    return *status;
-  if (arguments.size() == 2) return change(arguments[0], arguments[1]);
-  const std::string command = arguments.size() == 1 ? arguments[0] : "";
+  std::vector<std::string> words;
+  if (const auto status = platform::parseArguments(kName, kHelp, argc, argv, words)) return *status;
+  if (words.size() == 2) return change(words[0], words[1]);
+  const std::string command = words.size() == 1 ? words[0] : "";
   if (command == "list") {
     list();
   } else if (command == "current") {
