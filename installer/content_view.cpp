@@ -25,7 +25,7 @@ std::shared_ptr<ContentView> ContentView::create() {
 
 std::string ContentView::appDisplayName() {
   for (const char* key : {"CFBundleDisplayName", "CFBundleName"}) {
-    const std::string name = platform::bundleInfoText(key).value_or("");
+    std::string name = platform::bundleInfoText(key).value_or("");
     if (!name.empty()) return name;
   }
   return "澄枫输入法";

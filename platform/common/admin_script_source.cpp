@@ -39,7 +39,7 @@ std::optional<AdminScript> parseAdminScriptSource(std::string_view source) {
 }
 
 AdminScriptError adminScriptSyntaxError(const std::string& source) {
-  return {kSyntaxError, "syntax error in script: " + source};
+  return {kSyntaxError, "脚本写法不对：" + source};
 }
 
 }  // namespace platform

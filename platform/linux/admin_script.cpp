@@ -28,6 +28,7 @@ using namespace std::chrono_literals;
 using namespace std::string_view_literals;
 
 constexpr const char* kSudo = "/usr/bin/sudo";  // no other one gets a password
+constexpr const char* kShell = "/bin/sh";
 // What sudo says when nobody could be asked for the password, when the user gave
 // none, and to a user whom no rule allows the command.
 constexpr std::array kNotAsked = {std::string_view(linux_::kCannotAsk), "sudo: unable to run "sv,
@@ -40,7 +41,7 @@ constexpr std::array kNotAllowed = {"is not in the sudoers file"sv, "may not run
 std::mutex oneAtATime;
 
 std::mutex mutex;   // guards the next two
-pid_t running = 0;  // the prompt, the script's shell, or sudo, which passes signals on to it
+pid_t running = 0;  // what is told to end; a group as a negative number
 bool isInterrupted = false;
 
 struct Outcome {
@@ -75,6 +76,9 @@ Outcome run(const std::string& program, const std::vector<std::string>& argument
     if (!child.waitForStarted(-1))
       return {std::nullopt, program + ": " + child.errorString().toStdString()};
     running = static_cast<pid_t>(child.processId());
+    // Of a script the shell alone: what it is deleting or putting back, it ends. sudo tells
+    // the script, and its prompt is in its group.
+    if (!usesTerminal && program != kShell) running = -running;
   }
   child.waitForFinished(-1);
   const std::lock_guard lock(mutex);
@@ -107,7 +111,7 @@ std::optional<AdminScriptError> runBelow(const std::filesystem::path& root,
   const bool isClosed = asked.status == 1 || asked.status == 128 + SIGTERM;
   if (isClosed && !containsOneOf(asked.said, kNotAsked)) return cancelled();
   if (asked.status != 0) return result(asked);
-  return result(run("/bin/sh", {script.path}, {{"INSTALL_ROOT", root.string()}}));
+  return result(run(kShell, {script.path}, {{"INSTALL_ROOT", root.string()}}));
 }
 
 std::optional<AdminScriptError> runWithSudo(const AdminScript& script) {
@@ -136,7 +140,7 @@ std::optional<AdminScriptError> executeAdminScript(const std::string& source) {
 
   const std::lock_guard lock(oneAtATime);
   if (const auto root = linux_::fileRoot()) return runBelow(*root, *script);
-  if (::geteuid() == 0) return result(run("/bin/sh", {script->path}, {}));
+  if (::geteuid() == 0) return result(run(kShell, {script->path}, {}));
   return runWithSudo(*script);
 }
 
@@ -147,8 +151,7 @@ bool interruptAdminScript() {
       const std::lock_guard lock(mutex);
       isInterrupted = true;
       if (running == 0) return true;
-      // The shell alone: what it is deleting or putting back, it ends. A program that is
-      // just being started misses the first request.
+      // A program that is just being started misses the first request.
       ::kill(running, SIGTERM);
     }
     std::this_thread::sleep_for(100ms);
