@@ -20,19 +20,17 @@ open_installer() { # the window goes to $window
   sleep 0.5
 }
 size() { xwininfo -id "$window" | awk '/Width:/ { w = $2 } /Height:/ { print w "x" $2 }'; }
-# The colour of a point of the window, in pixels.
-colour() { import -silent -window "$window" -crop 1x1+"$1"+"$2" -depth 8 txt:- | grep -o '#[0-9A-F]\{6\}' | tail -n 1; }
 # A busy machine may lose a key.
 close_window() { xdotool windowactivate --sync "$window" key alt+F4 sleep 0.5; }
 closed() { close_window; ! find_window --pid $installer; }
+left() { xdotool mousemove --window "$window" 425 620 click 1; closed; }
 ended() { wait_for_end $installer; expect "$1: exit status" $? 0; installer=; }
 
-echo "at both scales"
+# At both scales.
 for scale in 1 2; do
   export QT_SCALE_FACTOR=$scale
   open_installer
   expect "size at scale $scale" "$(size)" 1000x900
-  expect "corner at scale $scale" "$(colour 998 898)" "#FFFFFF"
   kill -TERM $installer
   ended "SIGTERM at scale $scale"
 done
@@ -43,23 +41,27 @@ expect "status without a display" $? 69
 
 start_window_manager
 
-echo "closing while nothing is going on"
-open_installer
-xdotool windowsize "$window" 1100 800 2>/dev/null
-sleep 0.5
-expect "size after resizing" "$(size)" 1000x900
-await "the end of the window" closed
-ended close
-
-echo "closing while waiting"
+# Leaving while it waits, when closing is refused.
 open_installer
 xdotool windowactivate --sync "$window" key Tab space
 await "the waiting phase" grep -q trigger=enter-waiting "$root/tmp/tessal_installer_ui.log"
-sleep 1
-close_window
-close_window
-kill -0 $installer || fail "closing ended the installer"
-xdotool mousemove --window "$window" 425 620 sleep 0.2 click 1
+await "退出安装" left
 ended "退出安装"
+
+# Closing while the script runs.
+cp -R "$app" "$work/other.app"
+app=$work/other.app
+echo 'echo $$ >"$INSTALL_ROOT/running"; exec sleep 90' >"$app/Contents/Resources/install.sh"
+open_installer
+xdotool windowsize "$window" 1100 800 2>/dev/null
+xdotool windowactivate --sync "$window" key Tab space
+await "the script" test -s "$root/running"
+expect "size after resizing" "$(size)" 1000x900
+await "the end of the window" closed
+ended "close while the script runs"
+! kill "$(cat "$root/running")" 2>/dev/null || fail "the script went on"
+
+rm "$app/Contents/Resources/AppIcon.png"
+expect "without its icon" "$(timeout 30 "$app/Contents/MacOS/Orvane Installer" --root "$root" 2>&1 | grep -o AppIcon.png)" AppIcon.png
 
 finish

@@ -122,6 +122,9 @@ TEST_F(UiTest, ProgressTakesThePlaceOfTheButtonsOfTheMainScreen) {
     EXPECT_EQ(view->didTriggerActivation, keepsTrigger) << button;
     EXPECT_TRUE(view->isInstalling && platform.workerBlocks.size() == 1);
   }
+  become(InstallationStatus::failure("安装失败"));
+  for (const Qt::Key each : {Qt::Key_Tab, Qt::Key_Return}) key(each);  // 打开键盘设置
+  EXPECT_EQ(calls({"open"}).size(), 1U);
 }
 
 TEST_F(UiTest, WaitingScreenAttemptsAndPollsWhileShown) {
@@ -137,15 +140,13 @@ TEST_F(UiTest, WaitingScreenAttemptsAndPollsWhileShown) {
   EXPECT_EQ(calls({"activate"}), Lines{});  // success does not take the focus
 }
 
-TEST_F(UiTest, RefusedCloseShowsTheOverlayAboveEverything) {
+TEST_F(UiTest, OverlayIsAboveEverything) {
   open();
-  platform::HostWindow host(nullptr);
-  view->configureWindow(&host);
   become(Case::waitingEnable);
   EXPECT_FALSE(item("focusRing"));
   key(Qt::Key_Tab);
   EXPECT_TRUE(item("focusRing"));
-  EXPECT_FALSE(platform.window.shouldClose());
+  view->showExitEnableConfirm = true;
   settle();
   platform.takeJournal();
   for (const Qt::Key each : {Qt::Key_Return, Qt::Key_Space, Qt::Key_Escape}) key(each);
@@ -186,6 +187,7 @@ TEST_F(UiTest, SecondClickPressesNothingNew) {
     view->showExitEnableConfirm = true;
     settle();
     EXPECT_LE(openedByDoubleClick(button), 1U) << button;
+    EXPECT_FALSE(view->showExitEnableConfirm) << button;
   }
   EXPECT_EQ(calls({"terminate"}).size(), 1U);
 }
