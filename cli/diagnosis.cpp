@@ -403,7 +403,7 @@ class Diagnosis {
     }
     for (Row& each : rows) {
       std::string& said = each.wrong.empty() ? each.well : each.wrong;
-      said = names[said] + "：" + said;
+      said.insert(0, names[said] + "：");
       row(each);
     }
   }

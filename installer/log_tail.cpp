@@ -48,7 +48,7 @@ std::optional<std::string> follow(const std::string& log, platform::ChildProcess
   // show this user's private files.
   const std::string foreign = log + ": 不是当前用户或 root 自己的普通文件";
   if (!platform::isOwnLogFile(log)) return foreign;
-  if (const auto problem = tail.launch()) return problem;
+  if (auto problem = tail.launch()) return problem;
   // It may have been replaced before "tail" opened it.
   if (platform::isOwnLogFile(log)) return std::nullopt;
   tail.terminate();

@@ -122,7 +122,7 @@ TEST_F(UiTest, ProgressTakesThePlaceOfTheButtonsOfTheMainScreen) {
     EXPECT_EQ(view->didTriggerActivation, keepsTrigger) << button;
     EXPECT_TRUE(view->isInstalling && platform.workerBlocks.size() == 1);
   }
-  become(InstallationStatus::failure("安装失败"));
+  become(InstallationStatus::failed("安装失败"));
   for (const Qt::Key each : {Qt::Key_Tab, Qt::Key_Return}) key(each);  // 打开键盘设置
   EXPECT_EQ(calls({"open"}).size(), 1U);
 }

@@ -11,7 +11,7 @@ namespace {
 
 /// The library's own texts are English. They begin with the word that is wrong.
 std::string problemIn(const CLI::App& program, const CLI::ParseError& error) {
-  const std::string text = error.what();
+  std::string text = error.what();
   const std::string word = text.substr(0, text.find_first_of(": "));
   if (dynamic_cast<const CLI::ExtrasError*>(&error))
     return "不认识的参数：" + program.remaining(/*recurse=*/true).front();
