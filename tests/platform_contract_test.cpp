@@ -30,6 +30,9 @@ namespace {
 using namespace platform;
 using namespace std::chrono_literals;
 
+/// Of this run alone.
+std::filesystem::path folder;
+
 /// Runs `block` on the main queue and the main loop until endMainLoop().
 int runOnMainLoop(Block block) {
   asyncOnMain(std::move(block));
@@ -106,6 +109,7 @@ TEST(Contract, ChildOutputArrivesWholeAndInOrder) {
 }
 
 TEST(Contract, ChildEndsWhenToldAndWithItsHandle) {
+  const auto start = now();
   ChildProcess told("/bin/sleep", {"100"}, [](std::string_view) {});
   EXPECT_FALSE(told.isRunning());
   ASSERT_EQ(told.launch(), std::nullopt);
@@ -120,7 +124,7 @@ TEST(Contract, ChildEndsWhenToldAndWithItsHandle) {
     // the pipe open.
     ChildProcess stubborn(
         "/bin/sh",
-        {"-c", "trap '' TERM; perl -e '$| = 1; setpgrp; print \"ready\\n\"; sleep 5' & wait"},
+        {"-c", "trap '' TERM; perl -e '$| = 1; setpgrp; print \"ready\\n\"; sleep 30' & wait"},
         [&](std::string_view piece) {
           output += piece;
           isReady = true;
@@ -129,6 +133,7 @@ TEST(Contract, ChildEndsWhenToldAndWithItsHandle) {
     while (!isReady) std::this_thread::sleep_for(1ms);
   }
   EXPECT_EQ(output, "ready\n");
+  EXPECT_LT(now() - start, 30s) << "it was not told, or was waited for";
 
   ChildProcess missing("/no/such/tool", {}, [](std::string_view) {});
   EXPECT_NE(missing.launch().value_or(""), "");
@@ -152,7 +157,7 @@ TEST(Contract, AdminScriptOfAnotherFormIsAnError) {
 }
 
 TEST(Contract, PropertyListsAreReadAndWrittenBackAsTheyCame) {
-  const auto file = std::filesystem::temp_directory_path() / "orvane-contract.plist";
+  const auto file = folder / "list.plist";
   std::ofstream(file) << R"(<?xml version="1.0" encoding="UTF-8"?><plist version="1.0"><dict>
     <key>yes</key><true/><key>one</key><integer>1</integer><key>minus</key><integer>-5</integer>
     <key>max</key><integer>9223372036854775807</integer><key>name</key><string>澄枫 🍁 &amp;</string>
@@ -160,7 +165,6 @@ TEST(Contract, PropertyListsAreReadAndWrittenBackAsTheyCame) {
     <key>foreign</key><array><integer>9223372036854775808</integer><real>0.5</real>
     <date>2001-01-02T00:00:00Z</date><data>AP8=</data></array></dict></plist>)";
   auto read = readPropertyListDictionary(file);
-  std::filesystem::remove(file);
   ASSERT_TRUE(read.has_value());
   const auto* foreign = (*read)["foreign"].as<PropertyListArray>();
   ASSERT_TRUE(foreign && foreign->size() == 4);
@@ -212,7 +216,7 @@ std::string doubledList(char arrays) {
 }
 
 TEST(Contract, ListsBeyondTheLimitsOrOfAnotherKindAreRefused) {
-  const auto file = std::filesystem::temp_directory_path() / "orvane-contract.plist";
+  const auto file = folder / "list.plist";
 #ifdef __APPLE__  // Linux reads no binary lists
   std::ofstream(file) << doubledList(1);
   EXPECT_EQ(readPropertyListDictionary(file),
@@ -226,7 +230,6 @@ TEST(Contract, ListsBeyondTheLimitsOrOfAnotherKindAreRefused) {
     std::ofstream(file) << bytes;
     EXPECT_EQ(readPropertyListDictionary(file), std::nullopt);
   }
-  std::filesystem::remove(file);
 }
 
 /// Where this program lies, and what makes it say where it finds a resource.
@@ -235,8 +238,7 @@ constexpr const char* kFindResource = "--find-resource";
 
 TEST(Contract, BundlesAndResourcesMayHaveAnyName) {
   namespace fs = std::filesystem;
-  const auto folder = fs::canonical(fs::temp_directory_path()) / "orvane contract %41 \"' 澄";
-  const auto bundle = folder / "澄 %20\"'.app";
+  const auto bundle = fs::canonical(folder) / "orvane contract %41 \"' 澄/澄 %20\"'.app";
   const auto program = bundle / "Contents/MacOS/program";
   const auto resource = bundle / "Contents/Resources/中 %41\"'.sh";
   for (const auto& file : {program, resource}) fs::create_directories(file.parent_path());
@@ -245,7 +247,6 @@ TEST(Contract, BundlesAndResourcesMayHaveAnyName) {
   EXPECT_EQ(outputOf(program, {kFindResource, "中 %41\"'", "sh"}),
             resource.string() + "\n" + bundle.string() + "\n");
   EXPECT_EQ(outputOf(program, {kFindResource, "none", "sh"}), "-\n" + bundle.string() + "\n");
-  fs::remove_all(folder);
 }
 
 TEST(Contract, ListedInputSourcesOutliveTheirList) {
@@ -272,9 +273,9 @@ int main(int argc, char** argv) {
   ownProgram = std::filesystem::absolute(argv[0]);
   testing::InitGoogleTest(&argc, argv);
   std::string root = std::filesystem::temp_directory_path() / "orvane-contract-XXXXXX";
-  ::mkdtemp(root.data());
-  for (const auto& option : platform::platformOptions()) option.use(root);
+  folder = ::mkdtemp(root.data());
+  for (const auto& option : platform::platformOptions()) option.use(folder);
   const int status = RUN_ALL_TESTS();
-  std::filesystem::remove_all(root);
+  std::filesystem::remove_all(folder);
   return status;
 }
