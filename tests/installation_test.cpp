@@ -1,7 +1,9 @@
 // The state, the logs, the privileged run and the progress from its log.
 
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include "tests/identifiers.h"
 #include "tests/view_test.h"
 
 namespace {
@@ -88,7 +90,7 @@ TEST_F(InstallationTest, FinishStartsActivationOnceAndIsLoggedAfterIt) {
   }
   view->logText = std::string();
   view->userPressedInstall();
-  platform.putInstalledBundle();
+  platform.putFile(kBundle, "anything counts");
   view->handleInstallLogChunk("finished\n");
   EXPECT_EQ(view->installProgress.get(), 1.0);  // sent there by the fresh path
   EXPECT_TRUE(logText().starts_with("开始注册并激活输入法...\n启用路径："));
@@ -163,7 +165,6 @@ TEST_F(InstallationTest, LogOfSomebodyElseIsNotFollowed) {
   platform.putFile("/tmp/private", "finish");
   std::filesystem::create_symlink("private", log);
   EXPECT_FALSE(isFollowed());
-  EXPECT_EQ(platform.readFile("/tmp/private"), "finish");
   std::filesystem::remove(log);
   platform.duringLaunch = [&] {
     std::filesystem::remove(log);
@@ -174,8 +175,19 @@ TEST_F(InstallationTest, LogOfSomebodyElseIsNotFollowed) {
   std::filesystem::remove(log);
   EXPECT_TRUE(isFollowed());
 
+  const auto ownLog = platform.root / "tmp/tessal_installer_ui.log";
+  std::filesystem::remove(ownLog);
+  std::filesystem::create_hard_link(platform.root / "tmp/private", ownLog);
+  view->appendUILog("more");
+  std::filesystem::remove(ownLog);
+  ::mkfifo(ownLog.c_str(), 0600);
+  view->appendUILog("more");  // waits for no reader
+  EXPECT_EQ(platform.readFile("/tmp/private"), "finish");
+  std::filesystem::remove(ownLog);
+  view->appendUILog("");
+
   // Only root can give files away.
-  for (const auto& file : {log, platform.root / "tmp/tessal_installer_ui.log"})
+  for (const auto& file : {log, ownLog})
     if (::chown(file.c_str(), 54321, -1) != 0) return;
   const std::string before = uiLog();
   view->userPressedInstall();

@@ -31,16 +31,6 @@ class TessalInstallerTest : public testing::Test {
   }
 };
 
-TEST_F(TessalInstallerTest, IdentitiesAreExact) {
-  EXPECT_EQ(TessalInstaller::modeFromRawValue(kPinyin), Mode::pinyin);
-  EXPECT_EQ(TessalInstaller::modeFromRawValue(kPinyin + " "), std::nullopt);
-  EXPECT_EQ(TessalInstaller::modeFromRawValue("COM.tessal.inputmethod.Orvane.pinyin"),
-            std::nullopt);
-  EXPECT_FALSE(installer.isInstalled());
-  platform.putFile(kBundle, "a plain file");
-  EXPECT_TRUE(installer.isInstalled());
-}
-
 TEST_F(TessalInstallerTest, BaseSourceIsTheFirstWithBothIdentifiers) {
   platform.addSource("another.bundle", kBase);
   EXPECT_EQ(installer.keyboardInputMethodSource(true), nullptr);
@@ -117,43 +107,34 @@ TEST_F(TessalInstallerTest, SelectForOverwriteTriesTwiceAtMost) {
   EXPECT_EQ(platform.journal.size(), 4U);
 }
 
-TEST_F(TessalInstallerTest, SelectFallsBackStepByStep) {
+TEST_F(TessalInstallerTest, ActionsDoWhatIsNeededStepByStep) {
+  EXPECT_EQ(TessalInstaller::modeFromRawValue(kPinyin), Mode::pinyin);
+  EXPECT_EQ(TessalInstaller::modeFromRawValue(kPinyin + " "), std::nullopt);
   installer.select(std::nullopt);
-  EXPECT_TRUE(platform.journal.empty());
+  EXPECT_EQ(installer.enableInputModeBestEffort(Mode::pinyin), std::nullopt);
   platform.addSource(kBase, kBase);
   installer.select(std::nullopt);
   EXPECT_EQ(platform.takeJournal(),
             (Lines{"enable " + kBase, "deselect " + kBase, "select " + kBase}));
-  const auto byMode = platform.addSource("x", "other.id");
-  byMode->properties[InputSourceProperty::inputModeID] = kPinyin;
+  platform.sources.clear();
+  platform.addInputMethod();
+  auto& identifier = platform.mode->properties[InputSourceProperty::inputSourceID];
+  identifier = "other.id";
   installer.select(Mode::pinyin);
   EXPECT_EQ(platform.takeJournal(),
             (Lines{"enable " + kBase, "enable other.id", "deselect other.id", "select other.id"}));
-  platform.addSource(kBase, kPinyin)->properties[InputSourceProperty::isEnabled] = true;
-  installer.select(Mode::pinyin);
-  EXPECT_EQ(platform.journal, (Lines{"deselect " + kPinyin, "select " + kPinyin}));
-}
-
-TEST_F(TessalInstallerTest, EnableAndDisableActOnWhatNeedsIt) {
-  platform.addInputMethod();
-  installer.enable();
-  EXPECT_EQ(platform.takeJournal(), (Lines{"enable " + kBase, "enable " + kPinyin}));
+  identifier = kPinyin;
   installer.disable({});
-  EXPECT_TRUE(platform.journal.empty());
+  installer.enable();
   platform.allow();
   installer.disable({});
   installer.enable({Mode::pinyin});
-  EXPECT_EQ(platform.journal, (Lines{"disable " + kPinyin, "enable " + kBase}));
-}
-
-TEST_F(TessalInstallerTest, BestEffortActionsReportRawStatuses) {
-  EXPECT_EQ(installer.enableInputModeBestEffort(Mode::pinyin), std::nullopt);
-  platform.addInputMethod();
-  platform.statuses = {{"enable", {-7, -6}}, {"disable", {-8, -9}}};
+  installer.select(Mode::pinyin);
+  platform.statuses["enable"] = {-7};
   EXPECT_EQ(installer.enableInputModeBestEffort(Mode::pinyin), -7);
-  EXPECT_EQ(installer.enableBaseKeyboardInputMethodBestEffort(), -6);
-  EXPECT_EQ(installer.disableInputModesBestEffort({Mode::pinyin}), std::vector<int>{-8});
-  EXPECT_EQ(installer.disableBaseKeyboardInputMethodBestEffort(), -9);
+  EXPECT_EQ(platform.journal,
+            (Lines{"enable " + kBase, "enable " + kPinyin, "disable " + kPinyin, "enable " + kBase,
+                   "deselect " + kPinyin, "select " + kPinyin, "enable " + kPinyin}));
 }
 
 TEST_F(TessalInstallerTest, DefaultsGetTheEntryWhereItIsMissing) {
@@ -214,7 +195,8 @@ TEST_F(TessalInstallerTest, RetiringUsesTheSourcesThatWereThere) {
   platform.addInputMethod();
   const auto sources = ownSources();
   platform.sources.clear();
-  EXPECT_EQ(deselectAndDisable(sources), 2);
+  platform.statuses["disable"] = {-50};
+  EXPECT_EQ(deselectAndDisable(sources), 1);
   EXPECT_EQ(platform.journal, (Lines{"deselect " + kPinyin, "disable " + kPinyin,
                                      "deselect " + kBase, "disable " + kBase}));
 }
