@@ -25,8 +25,8 @@ using DispatchSource =
 
 /// A source whose events run `block` on the main queue, once it is resumed.
 inline DispatchSource makeMainQueueSource(dispatch_source_type_t type, uintptr_t handle,
-                                          Block block) {
-  DispatchSource source(dispatch_source_create(type, handle, 0, dispatch_get_main_queue()));
+                                          uintptr_t mask, Block block) {
+  DispatchSource source(dispatch_source_create(type, handle, mask, dispatch_get_main_queue()));
   dispatch_source_set_event_handler(source.get(), ^{
     block();
   });

@@ -50,7 +50,9 @@ class SourceTimer final : public Timer {
  public:
   SourceTimer(Seconds interval, Block block)
       : block_(std::make_shared<Block>(std::move(block))),
-        source_(makeMainQueueSource(DISPATCH_SOURCE_TYPE_TIMER, 0, unlessGone(block_))) {
+        // Strict: the system slows other timers down while the user is in System Settings.
+        source_(makeMainQueueSource(DISPATCH_SOURCE_TYPE_TIMER, 0, DISPATCH_TIMER_STRICT,
+                                    unlessGone(block_))) {
     const std::int64_t step = nanoseconds(interval);
     dispatch_source_set_timer(source_.get(), dispatch_time(DISPATCH_TIME_NOW, step),
                               static_cast<std::uint64_t>(step), 0);

@@ -27,7 +27,7 @@ void keepRunning(int signal) {
 DispatchSource watch(int signal, const Block& block) {
   keepRunning(signal);
   auto source =
-      makeMainQueueSource(DISPATCH_SOURCE_TYPE_SIGNAL, static_cast<uintptr_t>(signal), block);
+      makeMainQueueSource(DISPATCH_SOURCE_TYPE_SIGNAL, static_cast<uintptr_t>(signal), 0, block);
   dispatch_resume(source.get());
   return source;
 }
