@@ -46,6 +46,6 @@ fi
 sh packaging/make_zip.sh "$app" "$PWD/$archive"
 rm -rf build/macos/unpacked && mkdir build/macos/unpacked
 bsdtar -xf "$archive" -C build/macos/unpacked
-python3 tools/macos/verify.py "$app" build/macos/list.json "build/macos/unpacked/${app##*/}"
+python3 tools/macos/verify.py "build/macos/unpacked/${app##*/}" build/macos/list.json
 [[ "$*" == "" ]] || python3 tools/macos/check.py prove build/macos/arm64
 echo "passed: $app ($(du -sh "$app" | cut -f 1)), $archive ($(du -h "$archive" | cut -f 1)), in $SECONDS s"

@@ -72,18 +72,20 @@ def parts(builds, built, qt, screens, scanner):
     return files, links
 
 
-def hashes_of_wheel(qt):
-    """What the package of Qt says of its files."""
+def check_package(qt, used):
+    """Whether those of the files that are Qt's are as its package says."""
     record = next(qt.parents[1].glob("*.dist-info/RECORD"))
-    return {qt.parents[1] / path: base64.urlsafe_b64decode(digest.removeprefix("sha256=") + "=").hex()
-            for path, digest, _ in csv.reader(record.open()) if digest}
+    for name, digest, _ in csv.reader(record.open()):
+        path = qt.parents[1] / name
+        if path in used and hashlib.sha256(path.read_bytes()).digest() != base64.urlsafe_b64decode(digest[7:] + "="):
+            sys.exit(f"bundle.py: {path} is not as its package says")
 
 
 def main():
     application, qt, screens, scanner = map(pathlib.Path, sys.argv[1:])
     builds = application.parent
     files, links = parts(builds, builds / "arm64" / application.name, qt, screens, scanner)
-    of_wheel = hashes_of_wheel(qt)
+    check_package(qt, files.values())
     os.umask(0o022)
     shutil.rmtree(application, ignore_errors=True)
     listed = {}
@@ -92,7 +94,7 @@ def main():
         place.parent.mkdir(parents=True, exist_ok=True)
         shutil.copyfile(source, place)
         place.chmod(mode)
-        listed[name] = ["file", f"{mode:o}", of_wheel.get(source) or hashlib.sha256(source.read_bytes()).hexdigest()]
+        listed[name] = ["file", f"{mode:o}", macho.hash_of(source)]
     for name, target in links.items():
         (application / name).symlink_to(target)
         listed[name] = ["link to", target]

@@ -21,60 +21,50 @@ import tempfile
 # The toolkit's objects are owned by their parents, which the analyser does not know.
 ANALYSER = shlex.split("--analyze -Qunused-arguments -Xclang -analyzer-werror -Xclang -analyzer-checker=nullability"
                        " -Xclang -analyzer-disable-checker=cplusplus.NewDeleteLeaks")
+FRAMEWORKS = pathlib.Path("tools/macos-sdk/Frameworks")
 
-# What, the file, what stands there, the mistake, who catches it, and by which words.
+# What, the file, what stands there, the mistake, and by which words it is seen.
 MISTAKES = [
-    ("a misspelt function", "text_input_sources.cpp",
-     "TISEnableInputSource(", "TISEnableInputSourse(",
-     "compiler", "undeclared identifier 'TISEnableInputSourse'"),
-    ("a misspelt method", "workspace.mm", " openURL:", " openUrl:",
-     "compiler", "no visible @interface .* declares the selector 'openUrl:'"),
-    ("a misspelt action", "standard_menu.mm", "@selector(hide:)", "@selector(hides:)",
-     "compiler", "undeclared selector 'hides:'"),
-    ("an argument of a wrong type", "preferences.cpp",
-     "CFPreferencesSynchronize(toCfString(application)",
-     "CFPreferencesSynchronize(toCfUrl(application, false)",
-     "compiler", "no matching function for call to 'CFPreferencesSynchronize'"),
-    ("nil where none may be", "admin_script.mm",
-     "initWithSource:toNSString(source)", "initWithSource:nil",
-     "compiler", "null passed to a callee that requires a non-null argument"),
-    ("a method of macOS 14", "application.mm", "activateIgnoringOtherApps:YES", "activate",
-     "compiler", "only available on macOS 14.0 or newer"),
+    ("a misspelt method", "workspace.mm", " openURL:", " openUrl:", "no visible @interface .* the selector 'openUrl:'"),
+    ("a misspelt action", "standard_menu.mm", "@selector(hide:)", "@selector(hides:)", "undeclared selector 'hides:'"),
+    ("an argument of a wrong type", "preferences.cpp", "CFPreferencesSynchronize(toCfString(application)",
+     "CFPreferencesSynchronize(toCfUrl(application, false)", "no matching function .* 'CFPreferencesSynchronize'"),
+    ("a method of macOS 14", "application.mm", "activateIgnoringOtherApps:YES", "activate", "available on macOS 14.0"),
     ("a library call newer than macOS 11", "file_root.cpp", "namespace platform {",
-     "#include <charconv>\nnamespace platform {\n"
-     "auto text(char* to) { return std::to_chars(to, to + 9, 0.5); }",
-     "compiler", "'to_chars' is unavailable"),
-    ("a reference counted by hand", "workspace.mm",
-     "if (url == nil) return std::nullopt;", "[url retain];",
-     "compiler", "ARC forbids explicit message send of 'retain'"),
-    ("a cast that does not say who owns", "workspace.mm",
-     "(__bridge NSURL*)toCfUrl", "(NSURL*)toCfUrl", "compiler", "requires a bridged cast"),
-    ("a function that the system lacks", "file_root.cpp", "  return path;",
-     "  extern void nowhere();\n  nowhere();\n  return path;",
-     "linker", "undefined symbol: .*nowhere"),
-    ("a borrowed reference released", "bundle.cpp", "return retain(mainBundle)",
-     "return adopt(mainBundle)", "analyser", "Incorrect decrement of the reference count"),
-    ("a created object that nobody releases", "bundle.cpp",
-     "adopt(CFBundleCopyExecutableURL(", "retain(CFBundleCopyExecutableURL(",
-     "analyser", "Potential leak of an object"),
-    ("what may be nil where none may be", "workspace.mm",
-     "if (url == nil) return std::nullopt;", "[NSWorkspace.sharedWorkspace openURL:url];",
-     "analyser", "Nullable pointer is passed to a callee that requires a non-null"),
+     "#include <charconv>\nnamespace platform {\nauto text(char* to) { return std::to_chars(to, to + 9, 0.5); }",
+     "'to_chars' is unavailable"),
+    ("a cast that names no owner", "workspace.mm", "(__bridge NSURL*)toCfUrl", "(NSURL*)toCfUrl", "bridged cast"),
+    ("a borrowed reference released", "bundle.cpp", "return retain(mainBundle)", "return adopt(mainBundle)",
+     "Incorrect decrement of the reference count"),
+    ("a created object that nobody releases", "bundle.cpp", "adopt(CFBundleCopyExecutableURL(",
+     "retain(CFBundleCopyExecutableURL(", "Potential leak of an object"),
+    ("what may be nil where none may be", "workspace.mm", "if (url == nil) return std::nullopt;",
+     "[NSWorkspace.sharedWorkspace openURL:url];", "Nullable pointer is passed to a callee that requires a non-null"),
+    ("a reference that a cast gives away", "workspace.mm", "(__bridge NSURL*)parse", "(__bridge_transfer NSURL*)parse",
+     "a cast gives away"),
+    ("a call exchanged for its neighbour", "text_input_sources.cpp", "TISEnableInputSource(", "TISDisableInputSource(",
+     "_TISEnableInputSource is declared and not used"),
+    ("an observer that stays", "enabled_sources_observer.mm",
+     "[NSDistributedNotificationCenter.defaultCenter removeObserver:token_];", "",
+     "removeObserver: is declared and not used"),
 ]
 
 # What, the part of the application, what is done to it, by which words it is seen, and whether without the list, too.
 DAMAGES = [
-    ("a plug-in is gone", "PlugIns/platforms/libqcocoa.dylib", pathlib.Path.unlink, "libqcocoa.* is nothing", False),
-    ("a script is empty", "Resources/install.sh", lambda path: path.write_text(""), "install.sh is .*, not", False),
-    ("nobody may start a program", "MacOS/orvane-install", lambda path: path.chmod(0o644),
-     "orvane-install is file 644 .*, not file 755", False),
+    ("a plug-in is gone", "PlugIns/platforms/libqcocoa.dylib", pathlib.Path.unlink, "libqcocoa.* is missing", True),
+    ("a script is empty", "Resources/install.sh", lambda path: path.write_text(""), "install.sh is .* empty", True),
+    ("nobody may start a program", "MacOS/orvane-install", lambda path: path.chmod(0o644), "cannot be started", True),
     ("there is a file more", "Frameworks/QtGui.framework/more", pathlib.Path.touch, "more is .*, not nothing", False),
     ("a framework is gone", "Frameworks/QtGui.framework", shutil.rmtree,
      "loads .*QtGui, which is neither the system's nor inside", True),
+    ("a link leads nowhere", "Resources/more", lambda path: path.symlink_to("none"), "more leads nowhere", True),
+    ("a plug-in is for another Qt", "PlugIns/platforms/libqcocoa.dylib",
+     lambda path: edit(path, bytes([2, 4, 6, 0]), bytes([3, 5, 6, 0])), "Qt is there as 6.4.2 and 6.5.3", True),
     ("the application may show no window", "Info.plist",
      lambda path: edit(path, b"<dict>", b"<dict><key>LSBackgroundOnly</key><true/>"), "LSBackgroundOnly", True),
-    ("a program was changed after it was signed", "MacOS/orvane-install", lambda path: edit(path, b"--purge", b"--merge"),
-     "orvane-install .*was changed in", True),
+    ("a program was changed after it was signed", "MacOS/orvane-install",
+     lambda path: edit(path, b"--purge", b"--merge"), "orvane-install .*was changed in", True),
+    ("a seal is not the application's", "_CodeSignature", pathlib.Path.touch, "has no seal that can be read", True),
 ]
 
 
@@ -96,43 +86,56 @@ def compile_copy(build, source, copy, *options):
     return run([*words, *options, "-c", copy, "-o", f"{copy}.o"], build)
 
 
-def link(build, with_object):
-    """Links orvane-install as the build does, with this object before its archives."""
-    _, commands = run(["ninja", "-t", "commands", "-s", "Orvane Installer.app/Contents/MacOS/orvane-install"], build)
-    words = shlex.split(commands.strip().splitlines()[-1].removeprefix(": && ").removesuffix(" && :"))
-    at = words.index("-o")
-    words[at : at + 2] = [with_object, "-o", f"{with_object}.linked"]
-    return run(words, build)
+@functools.cache
+def declared():
+    """Symbols of the stubs and methods of the headers, less one that is not used."""
+    stubs, headers = ("".join(path.read_text() for path in FRAMEWORKS.rglob(kind)) for kind in ("*.tbd", "*.h"))
+    methods = [re.findall(r"(\w+:)\s*\(", method) or re.findall(r"\)(\w+)", method)[:1]
+               for method in re.findall(r"^[-+] \([^;]*;", headers, re.MULTILINE) if "(14.0)" not in method]
+    return {*re.findall(r"[\[ ](_\w+)", stubs), *map("".join, methods)}
+
+
+@functools.cache
+def names_in(code):
+    return {name.decode() for name in re.findall(rb"[\w$:]+", pathlib.Path(code).read_bytes())}
+
+
+def faults(build, source, copy, text):
+    """What is found in the source if it has this text; empty if nothing is. All that is declared for the code has to
+    be used somewhere: what is not any more was exchanged for something else, or forgotten."""
+    copy = build / "checked" / copy
+    copy.write_text(text)
+    for options in (ANALYSER, []):
+        status, output = compile_copy(build, source, copy, *options)
+        if status:
+            return output
+    if "__bridge_" in text:
+        return f"{source}: a cast gives away a reference, or takes it; ns_string.h does that"
+    others = (path for path in build.glob("platform/macos/**/*.o") if path.stem != source.name)
+    unused = declared().difference(names_in(f"{copy}.o"), *map(names_in, others))
+    return "\n".join(f"{name} is declared and not used" for name in sorted(unused))
 
 
 def analyse(build, source):
-    """What the analyser says of a source if it finds something."""
-    copy = shutil.copy(source, build / "checked")
-    status, output = compile_copy(build, source, copy, *ANALYSER)
-    return output if status else None
+    return faults(build, source, source.name, source.read_text())
 
 
-def not_seen(what, status, output, words):
-    """What is wrong if this has not failed, and with these words."""
+def not_seen(what, output, words):
+    """What is wrong if these words are not there."""
     found = next((line for line in output.splitlines() if re.search(words, line)), None)
-    if status == 0 or found is None:
+    if found is None:
         return f"not seen: {what}\n{output}"
     print(f"seen: {what}\n    {found.strip()}")
     return None
 
 
 def try_mistake(build, mistake):
-    what, name, right, wrong, who, words = mistake
+    what, name, right, wrong, words = mistake
     source = pathlib.Path("platform/macos", name).resolve()
     text = source.read_text()
     if right not in text:
         return f"{name} has no place for: {what}"
-    copy = build / f"checked/{MISTAKES.index(mistake)}-{name}"
-    copy.write_text(text.replace(right, wrong))
-    status, output = compile_copy(build, source, copy, *(ANALYSER if who == "analyser" else []))
-    if who == "linker" and status == 0:
-        status, output = link(build, f"{copy}.o")
-    return not_seen(f"{what}, by the {who}", status, output, words)
+    return not_seen(what, faults(build, source, f"{MISTAKES.index(mistake)}-{name}", text.replace(right, wrong)), words)
 
 
 def try_damage(build, damage):
@@ -143,15 +146,15 @@ def try_damage(build, damage):
         shutil.copytree(builds / copy.name, copy, symlinks=True)
         do(copy / "Contents" / part)
         verify = pathlib.Path(__file__).with_name("verify.py")
-        status, output = run([sys.executable, verify, copy, *([] if structure else [builds / "list.json"])])
-    return not_seen(what, status, output, words)
+        _, output = run([sys.executable, verify, copy, *([] if structure else [builds / "list.json"])])
+    return not_seen(what, output, words)
 
 
 def main():
     os.environ["LC_ALL"] = "C.UTF-8"
     action, build = sys.argv[1], pathlib.Path(sys.argv[2]).resolve()
     (build / "checked").mkdir(exist_ok=True)
-    sources = [str(path.resolve()) for folder in ("common", "macos", "posix")
+    sources = [path.resolve() for folder in ("common", "macos", "posix")
                for path in pathlib.Path("platform", folder).iterdir() if path.suffix in (".cpp", ".mm")]
     tasks = {"analyse": [(analyse, sources, "files analysed, nothing found")],
              "prove": [(try_mistake, MISTAKES, "kinds of mistakes, all caught"),

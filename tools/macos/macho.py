@@ -1,6 +1,7 @@
 """Mach-O files of an application."""
 
 import functools
+import hashlib
 import os
 
 import lief
@@ -21,6 +22,22 @@ def parsed(path):
 def slices(path):
     """The parts of a file by architecture. They live as long as the whole, which is kept."""
     return {ARCHITECTURES.get(part.header.cpu_type, "?"): part for part in parsed(path) or ()}
+
+
+def hash_of(path):
+    """What a file holds. Of code what stays when it is signed: all but the signature and the commands that say where
+    that is."""
+    data, found = path.read_bytes(), hashlib.sha256()
+    if not is_macho(path):
+        found.update(data)
+    for part in slices(path).values():
+        for command in part.commands:
+            if not isinstance(command, lief.MachO.CodeSignature) and getattr(command, "name", "") != "__LINKEDIT":
+                found.update(command.data)
+        start = min(section.offset for section in part.sections if section.offset)
+        end = part.code_signature.data_offset if part.has_code_signature else part.original_size
+        found.update(data[part.fat_offset:][start:end].rstrip(b"\0"))
+    return found.hexdigest()
 
 
 def loaded_libraries(part):

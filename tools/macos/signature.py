@@ -1,9 +1,9 @@
 """Signatures of an application: whether the hashes in them are those of what lies there. Who has signed is not looked at."""
 
 import hashlib
-import os
 import plistlib
 import struct
+import xml.parsers.expat
 
 import macho
 
@@ -43,50 +43,30 @@ def misfits(data, part, special):
                 yield f"was changed in slot {slot}"
 
 
-def identities(path):
-    """How a seal names signed code: by the hashes of its hashes."""
-    if path.is_dir():
-        path = path / path.stem
-    return {hash_of(directory)[:20] for part in macho.slices(path.resolve()).values()
-            if part.has_code_signature for directory in code_directories(part)}
-
-
 def unsealed(root, seal):
-    """Which of the files beside it a seal does not fit."""
-    sealed = plistlib.loads(seal.read_bytes())["files2"]
-    for name, rules in sealed.items():
-        path = root / name
-        if "symlink" in rules:
-            fits = path.is_symlink() and os.readlink(path) == rules["symlink"]
-        elif "cdhash" in rules:
-            fits = path.exists() and rules["cdhash"] in identities(path)
-        else:
-            fits = path.is_file() and hash_of(path.read_bytes()) == rules["hash2"]
-        if not fits:
+    """Which of the files beside it a seal does not fit. Code has a signature of its own."""
+    for name, rules in plistlib.loads(seal.read_bytes())["files2"].items():
+        if "hash2" in rules and not ((root / name).is_file() and hash_of((root / name).read_bytes()) == rules["hash2"]):
             yield name
 
 
 def check(application, program, problem):
     is_signed = (application / "Contents/_CodeSignature").exists()
-    seals = {}
-    if is_signed:
-        seals[program] = (application / "Contents", "Info.plist")
-        for framework in application.glob("Contents/Frameworks/*.framework"):
-            seals[framework / "Versions/A" / framework.stem] = (framework / "Versions/A", "Resources/Info.plist")
-
+    sealed = {program: application / "Contents"} if is_signed else {}
+    sealed |= {path: path.parent for path in application.glob("Contents/Frameworks/*/Versions/A/Qt*") if is_signed}
     for path in filter(macho.is_macho, sorted(application.rglob("*"))):
         data = path.read_bytes()
         where = path.relative_to(application)
         special = {}
-        if path in seals:
-            root, information = seals[path]
+        if root := sealed.get(path):
+            information = root / ("Info.plist" if path == program else "Resources/Info.plist")
             seal = root / "_CodeSignature/CodeResources"
-            if seal.exists():
-                special = {INFORMATION: (root / information).read_bytes(), SEAL: seal.read_bytes()}
+            try:
+                special = {INFORMATION: information.read_bytes(), SEAL: seal.read_bytes()}
                 for name in unsealed(root, seal):
                     problem(f"the seal of {where} does not fit {name}")
-            else:
-                problem(f"{where} has no seal")
+            except (OSError, ValueError, KeyError, xml.parsers.expat.ExpatError) as error:
+                problem(f"{where} has no seal that can be read: {error}")
         for architecture, part in macho.slices(path).items():
             if part.has_code_signature:
                 for text in misfits(data, part, special):

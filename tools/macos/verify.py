@@ -1,11 +1,10 @@
 #!/usr/bin/env python3
-"""Looks whether an application is what bundle.py has listed, and copies of it the same, and whether it can start on every
-Mac that it is for. Fails if anything is amiss.
+"""Looks whether an application is what bundle.py has listed, signed or not, and whether it can start on every Mac that
+it is for. Fails if anything is amiss.
 
-usage: verify.py APPLICATION [LIST [COPY…]]    without a list, one that was made on a Mac
+usage: verify.py APPLICATION [LIST]    without a list, one that was made on a Mac
 """
 
-import hashlib
 import json
 import os
 import pathlib
@@ -24,6 +23,9 @@ INFORMATION = {"CFBundleExecutable": "Orvane Installer", "CFBundleIconFile": "Ap
                "CFBundleIdentifier": "com.tessal.installer.Orvane", "CFBundlePackageType": "APPL",
                "LSMinimumSystemVersion": "11.5", "NSPrincipalClass": "NSApplication",
                "LSBackgroundOnly": None, "LSUIElement": None}
+# What is missing here would keep the window away, or leave nothing to install.
+NEEDED = ["MacOS/Orvane Installer", "MacOS/orvane-install", "PlugIns/platforms/libqcocoa.dylib",
+          "Resources/AppIcon.icns", "Resources/install.sh", "Resources/qml/QtQuick/qmldir", "Resources/qt.conf"]
 SDK = pathlib.Path(__file__).parent.parent / "macos-sdk"
 SYSTEM_LIBRARIES = (SDK / "system-libraries.txt").read_text().splitlines()
 problems = []
@@ -72,27 +74,21 @@ def content(root):
         if path.is_symlink():
             kept = ["link to", os.readlink(path)]
         elif path.is_file():
-            kept = ["file", mode, hashlib.sha256(path.read_bytes()).hexdigest()]
+            kept = ["file", mode, macho.hash_of(path)]
         else:
             kept = ["folder" if path.is_dir() else "special", mode]
         found[str(path.relative_to(root))] = kept
     return found
 
 
-def check_content(root, wanted, where=""):
-    """Whether that lies there which should, and nothing else."""
-    found = content(root)
+def check_content(application, wanted):
+    """Whether that lies there which should, and nothing else. What signing adds is looked at later."""
+    found = content(application)
+    added = ("_CodeSignature", "CodeResources") if (application / "Contents/_CodeSignature").exists() else ()
     for name in sorted(found.keys() | wanted.keys()):
         there, listed = found.get(name, ["nothing"]), wanted.get(name, ["nothing"])
-        if there != listed:
-            problem(f"{where}{name} is {' '.join(there)}, not {' '.join(listed)}")
-
-
-def as_signed(listed, application):
-    """The list as signing leaves it: it changes code and adds seals, and both are looked at later."""
-    found = content(application)
-    return listed | {name: there for name, there in found.items()
-                     if "_CodeSignature" in name or there[:2] == listed.get(name, [])[:2] and macho.is_macho(application / name)}
+        if there != listed and not name.endswith(added):
+            problem(f"{name} is {' '.join(there)}, not {' '.join(listed)}")
 
 
 def check_information(application):
@@ -104,6 +100,26 @@ def check_information(application):
     for key, wanted in INFORMATION.items():
         if info.get(key) != wanted:
             problem(f"Info.plist: {key} is {info.get(key)}, not {wanted}")
+
+
+def check_parts(application):
+    for name in NEEDED:
+        path = application / "Contents" / name
+        if not path.is_file() or path.stat().st_size == 0:
+            problem(f"{name} is missing or empty")
+        elif name.startswith("MacOS/") and not (os.access(path, os.X_OK) and macho.slices(path)):
+            problem(f"{name} cannot be started")
+    for path in application.rglob("*"):
+        if not path.exists():
+            problem(f"{path.relative_to(application)} leads nowhere")
+
+
+def check_one_qt(code):
+    """What a file is of Qt, and what it was linked with, says of which version."""
+    versions = {".".join(map(str, library.current_version)) for path in code for part in macho.slices(path).values()
+                for library in part.libraries if "/Qt" in library.name}
+    if len(versions) != 1:
+        problem(f"Qt is there as {' and '.join(sorted(versions))}")
 
 
 def stop_at_problems():
@@ -118,21 +134,17 @@ def main():
     made_here = len(sys.argv) > 2
     if made_here:
         listed = json.loads(pathlib.Path(sys.argv[2]).read_text())
-        if (application / "Contents/_CodeSignature").exists():
-            listed = as_signed(listed, application)
         check_content(application, listed)
-        for copy in sys.argv[3:]:
-            check_content(pathlib.Path(copy), content(application), f"{copy}: ")
         stop_at_problems()
         print(f"{len(listed)} files, folders and links as they were put in")
     check_information(application)
-    program = application / "Contents/MacOS" / INFORMATION["CFBundleExecutable"]
-    if not macho.slices(program):
-        problem(f"{program} is no program for macOS")
+    check_parts(application)
     stop_at_problems()
+    program = application / "Contents" / NEEDED[0]
     code = list(filter(macho.is_macho, application.rglob("*")))
     for path in code:
         check_code(path, application, program, made_here)
+    check_one_qt(code)
     signature.check(application, program, problem)
     stop_at_problems()
     print(f"{len(code)} programs and libraries, which find each other on macOS 11.5 and later")

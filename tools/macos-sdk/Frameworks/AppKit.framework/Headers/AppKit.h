@@ -34,10 +34,8 @@ enum NSApplicationActivationPolicy : NSInteger { NSApplicationActivationPolicyPr
 @interface NSMenu : NSObject
 @property(readonly) NSInteger numberOfItems;
 - (nullable NSMenuItem*)itemAtIndex:(NSInteger)index;
-- (NSMenuItem*)insertItemWithTitle:(NSString*)title
-                            action:(nullable SEL)action
-                     keyEquivalent:(NSString*)keyEquivalent
-                           atIndex:(NSInteger)index;
+- (NSMenuItem*)insertItemWithTitle:(NSString*)title action:(nullable SEL)action
+                     keyEquivalent:(NSString*)keyEquivalent atIndex:(NSInteger)index;
 @end
 
 enum NSCompositingOperation : NSUInteger { NSCompositingOperationSourceOver = 2 };
@@ -47,16 +45,13 @@ enum NSCompositingOperation : NSUInteger { NSCompositingOperationSourceOver = 2 
                           accessibilityDescription:(nullable NSString*)description
     API_AVAILABLE_MACOS(11.0);
 @property NSSize size;
-- (void)drawInRect:(NSRect)rect
-          fromRect:(NSRect)fromRect
-         operation:(NSCompositingOperation)operation
-          fraction:(CGFloat)fraction;
+- (void)drawInRect:(NSRect)rect fromRect:(NSRect)fromRect
+         operation:(NSCompositingOperation)operation fraction:(CGFloat)fraction;
 @end
 
 @interface NSGraphicsContext : NSObject
 @property(class, nullable, strong) NSGraphicsContext* currentContext;
-+ (NSGraphicsContext*)graphicsContextWithCGContext:(CGContextRef)context
-                                           flipped:(BOOL)initialFlippedState;
++ (NSGraphicsContext*)graphicsContextWithCGContext:(CGContextRef)context flipped:(BOOL)flipped;
 + (void)saveGraphicsState;
 + (void)restoreGraphicsState;
 @end
@@ -70,9 +65,8 @@ enum NSCompositingOperation : NSUInteger { NSCompositingOperationSourceOver = 2 
 
 typedef NSUInteger NSWindowStyleMask;  // as C++ sees NS_OPTIONS
 enum : NSWindowStyleMask {
-  NSWindowStyleMaskMiniaturizable = 1U << 2U,
-  NSWindowStyleMaskResizable = 1U << 3U,
-  NSWindowStyleMaskFullSizeContentView = 1U << 15U,
+  NSWindowStyleMaskMiniaturizable = 1U << 2U, NSWindowStyleMaskResizable = 1U << 3U,
+  NSWindowStyleMaskFullSizeContentView = 1U << 15U
 };
 typedef NSUInteger NSWindowCollectionBehavior;
 enum : NSWindowCollectionBehavior {

@@ -14,8 +14,7 @@ CF_EXPORT const CFStringRef kTISPropertyInputSourceIsEnabled;
 CF_EXPORT const CFStringRef kTISPropertyInputSourceIsSelectCapable;
 CF_EXPORT const CFStringRef kTISNotifyEnabledKeyboardInputSourcesChanged;
 
-CF_EXPORT CFArrayRef TISCreateInputSourceList(CFDictionaryRef properties,
-                                              Boolean includeAllInstalled);
+CF_EXPORT CFArrayRef TISCreateInputSourceList(CFDictionaryRef properties, Boolean includeAll);
 CF_EXPORT void* TISGetInputSourceProperty(TISInputSourceRef source, CFStringRef key);
 CF_EXPORT TISInputSourceRef TISCopyCurrentKeyboardInputSource(void);
 CF_EXPORT OSStatus TISRegisterInputSource(CFURLRef location);

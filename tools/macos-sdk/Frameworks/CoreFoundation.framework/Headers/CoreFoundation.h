@@ -22,13 +22,8 @@ typedef CFTypeRef CFPropertyListRef;
 typedef unsigned long CFTypeID;
 typedef unsigned long CFOptionFlags;
 typedef signed long CFIndex;
-typedef struct {
-  CFIndex location;
-  CFIndex length;
-} CFRange;
-inline CFRange CFRangeMake(CFIndex location, CFIndex length) {
-  return {location, length};
-}
+struct CFRange { CFIndex location, length; };
+inline CFRange CFRangeMake(CFIndex location, CFIndex length) { return {location, length}; }
 
 typedef const struct __CFAllocator* CFAllocatorRef;
 typedef const struct CF_BRIDGED(NSString) __CFString* CFStringRef;
@@ -54,13 +49,12 @@ CF_EXPORT Boolean CFEqual(CFTypeRef left, CFTypeRef right);
 typedef UInt32 CFStringEncoding;
 enum : CFStringEncoding { kCFStringEncodingUTF8 = 0x08000100 };
 CF_EXPORT CFTypeID CFStringGetTypeID(void);
-CF_EXPORT CFStringRef CFStringCreateWithCharacters(CFAllocatorRef allocator,
-                                                   const UniChar* characters, CFIndex count);
+CF_EXPORT CFStringRef CFStringCreateWithCharacters(CFAllocatorRef, const UniChar*, CFIndex count);
 CF_EXPORT CFIndex CFStringGetLength(CFStringRef string);
 CF_EXPORT CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encoding);
-CF_EXPORT CFIndex CFStringGetBytes(CFStringRef string, CFRange range, CFStringEncoding encoding,
-                                   UInt8 lossByte, Boolean isExternalRepresentation, UInt8* buffer,
-                                   CFIndex capacity, CFIndex* used);
+CF_EXPORT CFIndex CFStringGetBytes(
+    CFStringRef string, CFRange range, CFStringEncoding encoding, UInt8 lossByte,
+    Boolean isExternalRepresentation, UInt8* buffer, CFIndex capacity, CFIndex* used);
 
 // Booleans, numbers, data
 CF_EXPORT const CFBooleanRef kCFBooleanTrue;
@@ -70,8 +64,7 @@ CF_EXPORT Boolean CFBooleanGetValue(CFBooleanRef boolean);
 
 enum CFNumberType : CFIndex { kCFNumberSInt64Type = 4 };
 CF_EXPORT CFTypeID CFNumberGetTypeID(void);
-CF_EXPORT CFNumberRef CFNumberCreate(CFAllocatorRef allocator, CFNumberType type,
-                                     const void* value);
+CF_EXPORT CFNumberRef CFNumberCreate(CFAllocatorRef, CFNumberType type, const void* value);
 CF_EXPORT Boolean CFNumberIsFloatType(CFNumberRef number);
 CF_EXPORT Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value);
 
@@ -84,8 +77,7 @@ CF_EXPORT CFDataRef CFDataCreate(CFAllocatorRef allocator, const UInt8* bytes, C
 struct CFArrayCallBacks;
 CF_EXPORT const CFArrayCallBacks kCFTypeArrayCallBacks;
 CF_EXPORT CFTypeID CFArrayGetTypeID(void);
-CF_EXPORT CFMutableArrayRef CFArrayCreateMutable(CFAllocatorRef allocator, CFIndex capacity,
-                                                 const CFArrayCallBacks* callBacks);
+CF_EXPORT CFMutableArrayRef CFArrayCreateMutable(CFAllocatorRef, CFIndex, const CFArrayCallBacks*);
 CF_EXPORT void CFArrayAppendValue(CFMutableArrayRef array, const void* value);
 CF_EXPORT CFIndex CFArrayGetCount(CFArrayRef array);
 CF_EXPORT const void* CFArrayGetValueAtIndex(CFArrayRef array, CFIndex index);
@@ -95,37 +87,29 @@ struct CFDictionaryValueCallBacks;
 CF_EXPORT const CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks;
 CF_EXPORT const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks;
 CF_EXPORT CFTypeID CFDictionaryGetTypeID(void);
-CF_EXPORT CFDictionaryRef CFDictionaryCreate(CFAllocatorRef allocator, const void** keys,
-                                             const void** values, CFIndex count,
-                                             const CFDictionaryKeyCallBacks* keyCallBacks,
-                                             const CFDictionaryValueCallBacks* valueCallBacks);
+CF_EXPORT CFDictionaryRef CFDictionaryCreate(
+    CFAllocatorRef allocator, const void** keys, const void** values, CFIndex count,
+    const CFDictionaryKeyCallBacks*, const CFDictionaryValueCallBacks*);
 CF_EXPORT CFMutableDictionaryRef CFDictionaryCreateMutable(
-    CFAllocatorRef allocator, CFIndex capacity, const CFDictionaryKeyCallBacks* keyCallBacks,
-    const CFDictionaryValueCallBacks* valueCallBacks);
-CF_EXPORT void CFDictionarySetValue(CFMutableDictionaryRef dictionary, const void* key,
-                                    const void* value);
+    CFAllocatorRef, CFIndex, const CFDictionaryKeyCallBacks*, const CFDictionaryValueCallBacks*);
+CF_EXPORT void CFDictionarySetValue(CFMutableDictionaryRef, const void* key, const void* value);
 CF_EXPORT CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary);
-CF_EXPORT void CFDictionaryGetKeysAndValues(CFDictionaryRef dictionary, const void** keys,
-                                            const void** values);
+CF_EXPORT void CFDictionaryGetKeysAndValues(CFDictionaryRef, const void** keys, const void** all);
 
 // URLs
-CF_EXPORT CFURLRef CFURLCreateWithString(CFAllocatorRef allocator, CFStringRef text,
-                                         CFURLRef baseUrl);
-CF_EXPORT CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef allocator,
-                                                           const UInt8* bytes, CFIndex length,
-                                                           Boolean isDirectory);
+CF_EXPORT CFURLRef CFURLCreateWithString(CFAllocatorRef, CFStringRef text, CFURLRef baseUrl);
+CF_EXPORT CFURLRef CFURLCreateFromFileSystemRepresentation(
+    CFAllocatorRef allocator, const UInt8* bytes, CFIndex length, Boolean isDirectory);
 CF_EXPORT CFURLRef CFURLCopyAbsoluteURL(CFURLRef url);
 CF_EXPORT CFStringRef CFURLGetString(CFURLRef url);
-CF_EXPORT Boolean CFURLGetFileSystemRepresentation(CFURLRef url, Boolean resolveAgainstBase,
-                                                   UInt8* buffer, CFIndex capacity);
+CF_EXPORT Boolean CFURLGetFileSystemRepresentation(
+    CFURLRef url, Boolean resolveAgainstBase, UInt8* buffer, CFIndex capacity);
 
 // Property lists
 enum CFPropertyListFormat : CFIndex;
 enum : CFOptionFlags { kCFPropertyListImmutable = 0 };
-CF_EXPORT CFPropertyListRef CFPropertyListCreateWithData(CFAllocatorRef allocator, CFDataRef data,
-                                                         CFOptionFlags options,
-                                                         CFPropertyListFormat* format,
-                                                         CFErrorRef* error);
+CF_EXPORT CFPropertyListRef CFPropertyListCreateWithData(
+    CFAllocatorRef, CFDataRef, CFOptionFlags, CFPropertyListFormat* format, CFErrorRef* error);
 
 // Preferences
 CF_ASSUME_NONNULL_BEGIN
@@ -133,13 +117,12 @@ CF_EXPORT const CFStringRef kCFPreferencesCurrentUser;
 CF_EXPORT const CFStringRef kCFPreferencesAnyUser;
 CF_EXPORT const CFStringRef kCFPreferencesCurrentHost;
 CF_EXPORT const CFStringRef kCFPreferencesAnyHost;
-CF_EXPORT CFPropertyListRef _Nullable CFPreferencesCopyValue(CFStringRef key,
-                                                             CFStringRef application,
-                                                             CFStringRef user, CFStringRef host);
-CF_EXPORT void CFPreferencesSetValue(CFStringRef key, CFPropertyListRef _Nullable value,
-                                     CFStringRef application, CFStringRef user, CFStringRef host);
-CF_EXPORT Boolean CFPreferencesSynchronize(CFStringRef application, CFStringRef user,
-                                           CFStringRef host);
+CF_EXPORT CFPropertyListRef _Nullable CFPreferencesCopyValue(
+    CFStringRef key, CFStringRef application, CFStringRef user, CFStringRef host);
+CF_EXPORT void CFPreferencesSetValue(
+    CFStringRef key, CFPropertyListRef _Nullable value, CFStringRef application, CFStringRef user,
+    CFStringRef host);
+CF_EXPORT Boolean CFPreferencesSynchronize(CFStringRef domain, CFStringRef user, CFStringRef host);
 CF_ASSUME_NONNULL_END
 
 // Bundles
@@ -147,8 +130,8 @@ CF_EXPORT CFBundleRef CFBundleGetMainBundle(void);
 CF_EXPORT CFBundleRef CFBundleCreate(CFAllocatorRef allocator, CFURLRef url);
 CF_EXPORT CFURLRef CFBundleCopyBundleURL(CFBundleRef bundle);
 CF_EXPORT CFURLRef CFBundleCopyExecutableURL(CFBundleRef bundle);
-CF_EXPORT CFURLRef CFBundleCopyResourceURL(CFBundleRef bundle, CFStringRef name, CFStringRef type,
-                                           CFStringRef subdirectory);
+CF_EXPORT CFURLRef CFBundleCopyResourceURL(
+    CFBundleRef bundle, CFStringRef name, CFStringRef type, CFStringRef subdirectory);
 CF_EXPORT CFTypeRef CFBundleGetValueForInfoDictionaryKey(CFBundleRef bundle, CFStringRef key);
 
 // Run loop

@@ -5,18 +5,9 @@
 #include <CoreFoundation/CoreFoundation.h>
 
 typedef double CGFloat;
-typedef struct CGPoint {
-  CGFloat x;
-  CGFloat y;
-} CGPoint;
-typedef struct CGSize {
-  CGFloat width;
-  CGFloat height;
-} CGSize;
-typedef struct CGRect {
-  CGPoint origin;
-  CGSize size;
-} CGRect;
+struct CGPoint { CGFloat x, y; };
+struct CGSize { CGFloat width, height; };
+struct CGRect { CGPoint origin; CGSize size; };
 
 typedef struct CGColorSpace* CGColorSpaceRef;
 typedef struct CGContext* CGContextRef;
@@ -29,10 +20,8 @@ CF_ASSUME_NONNULL_BEGIN
 CF_IMPLICIT_BRIDGING_ENABLED
 CF_EXPORT const CFStringRef kCGColorSpaceSRGB;
 CF_EXPORT CGColorSpaceRef _Nullable CGColorSpaceCreateWithName(CFStringRef _Nullable name);
-CF_EXPORT CGContextRef _Nullable CGBitmapContextCreate(void* _Nullable data, size_t width,
-                                                       size_t height, size_t bitsPerComponent,
-                                                       size_t bytesPerRow,
-                                                       CGColorSpaceRef _Nullable space,
-                                                       uint32_t bitmapInfo);
+CF_EXPORT CGContextRef _Nullable CGBitmapContextCreate(
+    void* _Nullable data, size_t width, size_t height, size_t bitsPerComponent, size_t bytesPerRow,
+    CGColorSpaceRef _Nullable space, uint32_t bitmapInfo);
 CF_IMPLICIT_BRIDGING_DISABLED
 CF_ASSUME_NONNULL_END

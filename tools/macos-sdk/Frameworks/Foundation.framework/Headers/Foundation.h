@@ -18,12 +18,8 @@ NS_ASSUME_NONNULL_BEGIN
 typedef CGSize NSSize;
 typedef CGRect NSRect;
 CF_EXPORT const NSRect NSZeroRect;
-inline NSSize NSMakeSize(CGFloat width, CGFloat height) {
-  return {width, height};
-}
-inline NSRect NSMakeRect(CGFloat x, CGFloat y, CGFloat width, CGFloat height) {
-  return {{x, y}, {width, height}};
-}
+inline NSSize NSMakeSize(CGFloat w, CGFloat h) { return {w, h}; }
+inline NSRect NSMakeRect(CGFloat x, CGFloat y, CGFloat w, CGFloat h) { return {{x, y}, {w, h}}; }
 
 inline id _Nullable CFBridgingRelease(CFTypeRef CF_CONSUMED _Nullable object) {
   return (__bridge_transfer id)object;
@@ -54,8 +50,7 @@ CF_EXPORT NSString* const NSAppleScriptErrorNumber;
 
 @interface NSDistributedNotificationCenter : NSObject
 + (NSDistributedNotificationCenter*)defaultCenter;
-- (id<NSObject>)addObserverForName:(nullable NSString*)name
-                            object:(nullable id)object
+- (id<NSObject>)addObserverForName:(nullable NSString*)name object:(nullable id)object
                              queue:(nullable NSOperationQueue*)queue
                         usingBlock:(void (^)(NSNotification* notification))block;
 - (void)removeObserver:(id)observer;
