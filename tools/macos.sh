@@ -3,7 +3,8 @@
 # closely as a Mac's tools would. See docs/macos.md.
 #
 #   tools/macos.sh            build/macos/Orvane Installer.app, build/macos/OrvaneInstaller.zip
-#   tools/macos.sh --prove    then shows that a mistake of each kind is caught
+#   tools/macos.sh --prove    then shows that a mistake of each kind is caught, and that the
+#                             programs come out the same in another folder
 
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -11,13 +12,12 @@ readonly app='build/macos/Orvane Installer.app' archive=build/macos/OrvaneInstal
 readonly cache=${XDG_CACHE_HOME:-$HOME/.cache}/orvane-macos-check
 readonly tools=$cache/tools qt=$cache/qt/PySide6/Qt
 
-[[ "$*" == "" || "$*" == --prove ]] || {
-  echo "usage: tools/macos.sh [--prove]" >&2
-  exit 64
-}
+[[ "$*" == "" || "$*" == --prove ]] || { echo "usage: tools/macos.sh [--prove]" >&2 && exit 64; }
 tools/macos/get.sh "$cache"
 export ZIG_GLOBAL_CACHE_DIR=$cache/objects ZIG_LOCAL_CACHE_DIR=$cache/objects
 export PYTHONPATH=$tools PYTHONDONTWRITEBYTECODE=1
+# The times of files would come into the program with its screens.
+export SOURCE_DATE_EPOCH=1704067200
 # It would take a word of the compiler's name for a source.
 unset CMAKE_CXX_COMPILER_LAUNCHER
 
@@ -47,5 +47,15 @@ sh packaging/make_zip.sh "$app" "$PWD/$archive"
 rm -rf build/macos/unpacked && mkdir build/macos/unpacked
 bsdtar -xf "$archive" -C build/macos/unpacked
 python3 tools/macos/verify.py "build/macos/unpacked/${app##*/}" build/macos/list.json
-[[ "$*" == "" ]] || python3 tools/macos/check.py prove build/macos/arm64
+if [[ "$*" == --prove ]]; then
+  python3 tools/macos/check.py prove build/macos/arm64
+  # The name of this folder has another length.
+  rm -rf build/macos/elsewhere && mkdir build/macos/elsewhere
+  tar -c --exclude=./build --exclude=./.git . | tar -x -C build/macos/elsewhere
+  for architecture in arm64 x86_64; do
+    (cd build/macos/elsewhere && build "$architecture" orvane-installer orvane-install)
+    diff -r {,build/macos/elsewhere/}"build/macos/$architecture/${app##*/}/Contents/MacOS"
+  done
+fi
+sha256sum "$archive"
 echo "passed: $app ($(du -sh "$app" | cut -f 1)), $archive ($(du -h "$archive" | cut -f 1)), in $SECONDS s"

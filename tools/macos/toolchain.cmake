@@ -27,8 +27,10 @@ string(JOIN " " CMAKE_CXX_FLAGS_INIT
   -U_LIBCPP_DISABLE_VISIBILITY_ANNOTATIONS -U_LIBCXXABI_DISABLE_VISIBILITY_ANNOTATIONS
   -fno-sanitize=undefined
   "-iframework \"${sdk}/Frameworks\"" "-isystem \"${CMAKE_BINARY_DIR}/include\"")
-# One C++ library in the process, the system's: Qt uses it too.
-set(CMAKE_EXE_LINKER_FLAGS_INIT "-nostdlib++ -F \"${sdk}/Frameworks\" -Wl,-dead_strip")
+# One C++ library in the process, the system's: Qt uses it too. No debug map (-S): it would name the
+# folder of the build, and the linker makes the program's identifier over it. With -x, too, this
+# linker writes chance bytes.
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-nostdlib++ -F \"${sdk}/Frameworks\" -Wl,-dead_strip -Wl,-S")
 set(CMAKE_CXX_LINKER_LAUNCHER "${CMAKE_CURRENT_LIST_DIR}/link.sh")
 set(CMAKE_CXX_STANDARD_LIBRARIES "\"${sdk}/lib/libc++.tbd\" \"${sdk}/lib/libobjc.tbd\"")
 
