@@ -416,8 +416,8 @@ class Diagnosis {
       found.next =
           "在「系统设置 → 键盘 → "
           "输入法」中移除那一项，再重新添加「澄枫输入法」；看不到那一项时，运行 "
-          "defaults -currentHost delete com.apple.HIToolbox " +
-          entries.list + "，重新登录后再添加需要的输入法";
+          "defaults -currentHost delete com.apple.HIToolbox 列表名（上面的每个列表），"
+          "重新登录后再添加需要的输入法";
     } else if (entries.isDamaged) {
       found.wrong = "无法读取，或有不是输入法条目的内容";
       found.next =

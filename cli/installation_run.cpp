@@ -108,7 +108,9 @@ class InstallationRun {
     if (options_.goEnable) view_->userPressedGoEnable();
   }
 
-  void leaveWaiting() { leave(kLeftWhileWaiting, "已安装，尚未启用"); }
+  void leaveWaiting() {
+    leave(kLeftWhileWaiting, "已安装，尚未启用；以后运行 orvane-install activate 启用");
+  }
 
   /// Says this and leaves, once our own script has ended as well: the "finish" in the log
   /// may have been another installer's.
