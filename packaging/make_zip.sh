@@ -1,12 +1,12 @@
 #!/bin/sh
 # make_zip.sh BUNDLE ARCHIVE: zips a bundle so that the same files always give the same bytes.
 set -eu
-bundle=$1
+bundle=$(cd "$1" && pwd -P)
 archive=$2
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-name=$(basename "$bundle")
+name=$(basename "$1") # which may be a link
 if [ "$(uname -s)" = Darwin ]; then
   ditto "$bundle" "$work/$name" # with extended attributes, which cp drops
 else
