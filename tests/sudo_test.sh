@@ -23,6 +23,7 @@ fi
 app=$2 machine=$3
 # What is there is seen, and what is written goes to memory.
 mount -t tmpfs -o mode=755 tmpfs "$machine" && mkdir "$machine/upper" "$machine/work" &&
+  mknod "$machine/upper/Library" c 0 0 && # for an overlay: it is not there
   mount -t overlay -o "lowerdir=/,upperdir=$machine/upper,workdir=$machine/work" overlay "$machine" 2>/dev/null ||
   skip "no overlays here"
 mount --rbind /dev "$machine/dev" && mount -t proc proc "$machine/proc" &&
