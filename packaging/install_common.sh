@@ -9,7 +9,6 @@
 # shellcheck disable=SC2034,SC2154 # the scripts use what is set here, and set what is used here
 
 umask 022
-unset TMPDIR TAR_READER_OPTIONS COPYFILE_DISABLE OPENSSL_CONF PERL5OPT PERL5LIB PERLLIB POSIXLY_CORRECT
 exec </dev/null
 
 system=$(uname -s)
@@ -17,7 +16,7 @@ if [ "$system" = Darwin ]; then
   root=
   LC_ALL=en_US.UTF-8
 else
-  root=${INSTALL_ROOT:-}
+  root=${INSTALL_ROOT%/} # without one these are the real places
   LC_ALL=C.UTF-8
 fi
 export LC_ALL # without a UTF-8 locale bsdtar changes Chinese file names
@@ -59,10 +58,10 @@ step() {
 }
 
 fail() {
-  [ -z "$interrupted" ] || set -- "interrupted by SIG$interrupted"
+  [ -z "$interrupted" ] || set -- "被信号 SIG$interrupted 中断"
   ignore_signals
   [ -z "$child" ] || { kill -s KILL "$child" && wait "$child"; } 2>/dev/null
-  printf '%s.sh: %s\n' "$script" "$1" >&2
+  printf '%s\n' "$1" >&2
   log "error: $1"
   exit 1
 }
@@ -84,19 +83,33 @@ await() {
   return "$1"
 }
 
+# Waits until the disk has what was written below there, and what was renamed. On macOS sync may return before that.
+# There fsync hands each file to the disk, and F_FULLFSYNC, number 51, waits until the disk has kept all of it.
+flush() {
+  if [ "$system" = Darwin ]; then
+    # shellcheck disable=SC2016
+    start find "$1" -type f -exec perl -MIO::Handle -e '
+      open($file, "+<", $_) && $file->sync or exit 1 for @ARGV;
+      fcntl($file, 51, 0)' -- {} +
+  else
+    start sync
+  fi
+  await || fail '无法写入磁盘'
+}
+
 # One run at a time. The lock goes with the last process that holds it (a killed run's child, say). Only root can open
 # the file: an open folder can be locked by anyone who may read it. To open a FIFO would be to wait.
 lock() {
-  command -v perl >/dev/null || fail 'perl is missing'
-  mkdir -p "${lock_file%/*}" || fail 'cannot open the lock'
+  command -v perl >/dev/null || fail '缺少 perl'
+  mkdir -p "${lock_file%/*}" || fail '无法打开锁'
   exists "$lock_file" || (umask 077 && : >"$lock_file")
-  [ -f "$lock_file" ] && command exec 9<>"$lock_file" || fail 'cannot open the lock'
+  [ -f "$lock_file" ] && command exec 9<>"$lock_file" || fail '无法打开锁'
   # shellcheck disable=SC2016
   start perl -e '
     open(my $lock, "<&=", 9) or exit 1;
     for (1 .. 100) { exit 0 if flock($lock, 2 | 4); select(undef, undef, undef, 0.1) }
     exit 1'
-  await || fail 'another installation is running'
+  await || fail '另一个安装正在进行'
 }
 
 # ---- bundles
@@ -135,7 +148,7 @@ delete() {
 remove_staging() {
   ! exists "$staging/old" || rename "$staging/old" "$staging/trash" || return 1
   delete "$staging" && return 0
-  log 'a part of an old bundle could not be deleted'
+  log '旧版本有一部分删不掉'
   rename "$staging" "$leftover.$$"
 }
 
@@ -143,7 +156,7 @@ remove_staging() {
 # folder around it may have been open to others before.
 make_staging() {
   mkdir -p "$input_methods" && [ ! -L "$input_methods" ] && { [ -n "$root" ] || chown 0:0 "$input_methods"; } &&
-    chmod go-w "$input_methods" || fail 'cannot secure the folder of input methods'
+    chmod go-w "$input_methods" || fail '无法保护输入法文件夹'
   for old in "$leftover".*; do
     delete "$old"
   done
@@ -154,15 +167,16 @@ make_staging() {
       # While the new bundle is still in staging the old one counts, whatever others have put in its place.
       if exists "$staged" || exists "$staging/$name"; then
         delete "$staging/$name"
-        ! exists "$destination" || rename "$destination" "$staging/$name" || fail "cannot put back $name"
+        ! exists "$destination" || rename "$destination" "$staging/$name" || fail "无法还原 $name"
       fi
-      exists "$destination" || rename "$backup" "$destination" || fail "cannot put back $name"
+      exists "$destination" || rename "$backup" "$destination" || fail "无法还原 $name"
     done
     remove_staging
   else
     delete "$staging"
-  fi || fail 'cannot remove old staging'
-  mkdir -m 700 "$staging" && mkdir "$staging/new" "$staging/old" || fail 'cannot create staging'
+  fi || fail '无法清理旧的临时目录'
+  trap remove_staging EXIT
+  mkdir -m 700 "$staging" && mkdir "$staging/new" "$staging/old" || fail '无法建立临时目录'
 }
 
 quit() { [ -n "$root" ] || killall "$1" >/dev/null 2>&1; }
@@ -174,4 +188,4 @@ for signal in $signals; do
   trap "interrupted=$signal" "$signal"
 done
 [ -d "$root/tmp" ] || mkdir -p "$root/tmp"
-[ -n "$root" ] || [ "$(id -u)" = 0 ] || fail 'must be run as root'
+[ -n "$root" ] || [ "$(id -u)" = 0 ] || fail '需要管理员权限'

@@ -8,9 +8,11 @@
 # shellcheck disable=SC2015 # "A && B || fail" is meant: fail does not return
 
 set -u
-PATH=/usr/bin:/bin:/usr/sbin:/sbin
-export PATH
-unset CDPATH
+# As in install.sh.
+case ${1:-} in
+  clean) ;;
+  *) exec /usr/bin/env -i PATH=/usr/bin:/bin:/usr/sbin:/sbin INSTALL_ROOT="${INSTALL_ROOT:-}" /bin/sh "$0" clean ;;
+esac
 
 script=uninstall
 here=$(cd -- "$(dirname -- "$0")" && pwd -P) || exit 1
@@ -40,14 +42,13 @@ print_file() {
 is_ours() {
   [ ! -L "$destination" ] && [ -f "$archive" ] || return 1
   declared=$(bsdtar -xOf "$archive" "$name/Contents/Info.plist" | identifier)
-  [ -n "$declared" ] || fail "cannot read $zip"
+  [ -n "$declared" ] || fail "无法读取 $zip"
   [ "$(print_file "$destination/Contents/Info.plist" | identifier)" = "$declared" ]
 }
 
-[ -f "$here/Orvane.zip" ] || fail 'Orvane.zip is missing'
+[ -f "$here/Orvane.zip" ] || fail '缺少 Orvane.zip'
 lock
 make_staging
-trap remove_staging EXIT
 for app in Orvane Sondrel Cogwen; do
   locate "$app"
   exists "$destination" || continue
@@ -59,9 +60,10 @@ for app in Orvane Sondrel Cogwen; do
   quit "$app"
   [ "$app" != Orvane ] || quit OrvaneSettings
   step "remove $app"
-  rename "$destination" "$staging/$name" || fail "cannot remove $name"
+  rename "$destination" "$staging/$name" || fail "无法移除 $name"
   log "$app removed"
 done
 trap - EXIT
 remove_staging
+flush "$lock_file"
 log 'finish'

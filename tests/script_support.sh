@@ -27,9 +27,10 @@ run_cases() { # FUNCTION...
   finish
 }
 
+# Not begun anew: that would be another shell, without our variables.
 run_script() { # NAME RESOURCES
   # shellcheck disable=SC2086
-  INSTALL_ROOT=$root timeout -s KILL 60 $shell "$2/$1.sh" 2>"$work/stderr"
+  PATH=/usr/bin:/bin:/usr/sbin:/sbin INSTALL_ROOT=$root timeout -s KILL 60 $shell "$2/$1.sh" clean 2>"$work/stderr"
 }
 install() { run_script install "${1:-$resources}"; } # [RESOURCES]
 
@@ -40,7 +41,7 @@ start_from() { rm -rf "$root" && cp -R "$1" "$root" && mkdir -p "$root/tmp" "$ro
 copy_resources() { rm -rf "$copy" && cp -R "$resources" "$copy"; }
 failed_because() { tail -n 1 "$log" | grep -q "^error: .*$1" && grep -q "$1" "$work/stderr"; }
 # In a copy with functions for commands, the message on standard error may go where the command's would.
-interrupted_by() { tail -n 1 "$log" | grep -q "^error: interrupted by SIG$1"; }
+interrupted_by() { tail -n 1 "$log" | grep -q "^error: 被信号 SIG$1 中断"; }
 lock_is_free() { [ ! -e "$lock" ] || flock -w 10 "$lock" true; }
 
 # A copy whose scripts begin with these lines.
@@ -64,7 +65,8 @@ perl() { case $2 in *rename*) boundary ;; esac; command perl "$@"; }
 rm() { boundary; command rm "$@"; }
 bsdtar() { boundary; command bsdtar "$@"; }
 chmod() { boundary; command chmod "$@"; }
-mkdir() { boundary; command mkdir "$@"; }'
+mkdir() { boundary; command mkdir "$@"; }
+sync() { boundary; }'
 }
 
 stop_at() { # SCRIPT N SIGNAL; false if the run has no N-th boundary
@@ -74,13 +76,14 @@ stop_at() { # SCRIPT N SIGNAL; false if the run has no N-th boundary
   [ -e "$work/stopped" ]
 }
 
-# Stops a run at each of its boundaries, one after the other. The check looks at what each has left.
-at_every_boundary() { # SCRIPT TREE SIGNAL CHECK
+# Stops a run at each of its boundaries, by one signal after the other. The check looks at what each has left.
+at_every_boundary() { # SCRIPT TREE SIGNALS CHECK
   make_stopping_copy
-  n=1 signal=$3
+  n=1 signal=${3%% *}
   while start_from "$2" && stop_at "$1" "$n" "$signal"; do
     "$4" || { echo "$4: SIG$signal at boundary $n" && return 1; }
-    n=$((n + 1))
+    set -- "$1" "$2" "${3#* } $signal" "$4"
+    n=$((n + 1)) signal=${3%% *}
   done
   [ "$n" -gt 13 ]
 }

@@ -11,7 +11,7 @@ uninstall() { run_script uninstall "${1:-$resources}"; } # [RESOURCES]
 all_gone() { [ -z "$(find "$root/Library" "$root/Applications" -name '*.app*')" ]; }
 
 everything() {
-  start_from "$work/new" && uninstall && all_gone && [ "$(tail -n 1 "$log")" = finish ] &&
+  start_from "$work/new" && PERL_UNICODE=SD INSTALL_ROOT=$root "$resources/uninstall.sh" && all_gone && [ "$(tail -n 1 "$log")" = finish ] &&
     [ "$(grep -cE '^(kill|remove) |removed$' "$log")" = 9 ] && uninstall && all_gone && install && holds "$work/new"
 }
 
