@@ -121,6 +121,7 @@ locate() {
   archive=$here/$zip
   staged=$staging/new/$name
   backup=$staging/old/$name
+  held=$staging/old/$1.held
   case $1 in
     Orvane) destination=$input_methods/$name ;;
     *) destination=$root/Applications/$name ;;
@@ -134,6 +135,14 @@ rename() {
   chflags -h "$unlocked" "$1" >/dev/null 2>&1
   # shellcheck disable=SC2016
   ! exists "$2" && perl -e 'rename($ARGV[0], $ARGV[1]) or die "$!\n"' -- "$1" "$2"
+}
+
+# What uninstall.sh has taken from its place to look at goes back there. What has come there meanwhile stays as well.
+return_held() {
+  for app in Orvane Sondrel Cogwen; do
+    locate "$app"
+    ! exists "$held" || rename "$held" "$destination" || fail "无法还原 $name"
+  done
 }
 
 # Files of an old bundle may be locked, even for root.
@@ -161,6 +170,7 @@ make_staging() {
     delete "$old"
   done
   if [ -n "$(find "$staging" -prune -type d -user "$(id -u)" 2>/dev/null)" ]; then
+    return_held
     for app in Orvane Sondrel Cogwen; do
       locate "$app"
       exists "$backup" || continue

@@ -1,9 +1,10 @@
 #!/bin/sh
 # Removes the bundles that install.sh has put there and what killed runs have left, and notes each step in a log.
 #
-# A bundle goes to staging by one rename and is deleted there: whatever stops the script, its place holds the whole
-# bundle or none, and the next run does the rest. A bundle whose identifier is not that of the archive beside this
-# script is somebody else's, and stays.
+# A bundle goes to staging by one rename. There, where nobody can put another one in its place, it is looked at. One
+# with another identifier than that of the archive beside this script is somebody else's, and goes back; one that names
+# none is a damaged one of ours. All others are deleted together at the end: whatever stops the script, a place holds
+# the whole bundle, or none, and the next run puts that right.
 
 # shellcheck disable=SC2015 # "A && B || fail" is meant: fail does not return
 
@@ -19,50 +20,65 @@ here=$(cd -- "$(dirname -- "$0")" && pwd -P) || exit 1
 # shellcheck source-path=SCRIPTDIR source=install_common.sh
 . "$here/install_common.sh"
 
-# Prints the identifier in an information property list.
-identifier() {
-  if [ "$system" = Darwin ]; then
-    plutil -extract CFBundleIdentifier xml1 -o - -
-  else
-    python3 -Ic 'import plistlib, sys; print(plistlib.loads(sys.stdin.buffer.read())["CFBundleIdentifier"])'
-  fi 2>/dev/null
-}
-
-# Prints a file that anybody may have put there, if it is a regular file, and no more than a megabyte of it.
+# Prints a file that anybody may have made; nothing if it is missing or no regular file. It fails if it cannot be read,
+# or has a megabyte.
 print_file() {
   # shellcheck disable=SC2016 # perl has dollars too
   perl -e '
     use Fcntl;
-    my ($file, $text);
-    sysopen($file, $ARGV[0], O_NOFOLLOW | O_NONBLOCK) or exit;
-    print $text if -f $file && sysread($file, $text, 1 << 20);
+    sysopen(my $file, $ARGV[0], O_NONBLOCK) or exit !($!{ENOENT} || $!{ENOTDIR});
+    exit unless -f $file;
+    my $length = sysread($file, my $text, 1 << 20);
+    exit !(defined $length && $length < 1 << 20 && syswrite(STDOUT, $text) == $length);
   ' -- "$1"
 }
 
+# Sets identifier to the one in the information property list that the command prints; empty if it names none. It fails
+# if that cannot be told.
+identify() { # COMMAND...
+  "$@" >"$staging/Info.plist" || return
+  if [ "$system" = Darwin ]; then
+    identifier=$(plutil -extract CFBundleIdentifier xml1 -o - "$staging/Info.plist")
+  else
+    identifier=$(python3 -Ic 'import plistlib, sys; print(plistlib.load(sys.stdin.buffer)["CFBundleIdentifier"])' \
+      <"$staging/Info.plist")
+  fi 2>/dev/null
+  case $?:$identifier in
+    1:* | *'<string></string>'*) identifier= ;;
+    0:*) ;;
+    *) return 1 ;;
+  esac
+}
+
 is_ours() {
-  [ ! -L "$destination" ] && [ -f "$archive" ] || return 1
-  declared=$(bsdtar -xOf "$archive" "$name/Contents/Info.plist" | identifier)
-  [ -n "$declared" ] || fail "无法读取 $zip"
-  [ "$(print_file "$destination/Contents/Info.plist" | identifier)" = "$declared" ]
+  [ ! -L "$held" ] && [ -f "$archive" ] || return 1
+  identify bsdtar -xOf "$archive" "$name/Contents/Info.plist" && [ -n "$identifier" ] || fail "无法读取 $zip"
+  declared=$identifier
+  identify print_file "$held/Contents/Info.plist" || fail "无法读取 $name"
+  [ -z "$identifier" ] || [ "$identifier" = "$declared" ]
 }
 
 [ -f "$here/Orvane.zip" ] || fail '缺少 Orvane.zip'
 lock
 make_staging
+trap 'return_held && remove_staging' EXIT
 for app in Orvane Sondrel Cogwen; do
   locate "$app"
   exists "$destination" || continue
-  if ! is_ours; then
-    step "keep $app"
-    continue
+  step "移开 $app"
+  rename "$destination" "$held" || fail "无法移除 $name"
+  if is_ours; then
+    quit "$app"
+    [ "$app" != Orvane ] || quit OrvaneSettings
+  else
+    rename "$held" "$destination" || fail "无法还原 $name"
+    log "保留 $app"
   fi
-  step "kill $app"
-  quit "$app"
-  [ "$app" != Orvane ] || quit OrvaneSettings
-  step "remove $app"
-  rename "$destination" "$staging/$name" || fail "无法移除 $name"
-  log "$app removed"
 done
+step '删除移开的程序包'
+
+# From here on nothing goes back.
+ignore_signals
 trap - EXIT
 remove_staging
 flush "$lock_file"
