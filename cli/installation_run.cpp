@@ -109,7 +109,7 @@ class InstallationRun {
   }
 
   void leaveWaiting() {
-    leave(kLeftWhileWaiting, "已安装，尚未启用；以后运行 orvane-install activate 启用");
+    leave(kLeftWhileWaiting, "已安装，尚未启用\n以后运行 orvane-install activate 启用");
   }
 
   /// Says this and leaves, once our own script has ended as well: the "finish" in the log

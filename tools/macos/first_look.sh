@@ -62,8 +62,7 @@ as_root() {
 installing=('unzip package' 'kill Orvane' 'move app bundle to destination directory' 'permission change successful'
   'install Sondrel' 'move Sondrel to Applications' 'Sondrel installed successfully'
   'install Cogwen' 'move Cogwen to Applications' 'Cogwen installed successfully')
-removing=('kill Orvane' 'remove Orvane' 'Orvane removed' 'kill Sondrel' 'remove Sondrel' 'Sondrel removed'
-  'kill Cogwen' 'remove Cogwen' 'Cogwen removed')
+removing=('移开 Orvane' '移开 Sondrel' '移开 Cogwen' '删除移开的程序包')
 # What of the product lies there, and what a run would have left behind.
 on_disk() { ls -d '/Library/Input Methods/'{,.}*Orvane.app* /Applications/{Sondrel,Cogwen}.app 2>/dev/null; }
 # The three bundles as they were packed, each file of them root's, and nothing else.
