@@ -85,7 +85,8 @@ class InstallationRun {
     if (const auto at = log.rfind(kScriptFailed); at != std::string::npos) {
       std::string reason = log.substr(at + std::string_view(kScriptFailed).size());
       std::replace(reason.begin(), reason.end(), '\r', '\n');  // macOS ends the lines so
-      output_.complain(reason.substr(0, reason.find_last_not_of('\n') + 1));
+      reason.erase(reason.find_last_not_of('\n') + 1);
+      if (!reason.empty()) output_.complain(reason);
     }
     const auto file = platform::onDisk(kUILogPath);
     if (isActivation_ && !TessalInstaller().isInstalled())
