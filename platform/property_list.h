@@ -2,7 +2,6 @@
 
 #pragma once
 
-#include <cstdint>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -21,8 +20,8 @@ using PropertyListDictionary = std::map<std::string, PropertyListValue>;
 /// A value as the platform holds it.
 struct OpaqueObject;
 
-/// A value that the installer never edits: a real, a date, data, an integer from 2^63
-/// on, a dictionary with a key that is not a string. It is written back as it came.
+/// A value that the installer never edits: a number, a date, data, a dictionary with a key
+/// that is not a string. It is written back as it came.
 struct OpaqueValue {
   std::shared_ptr<const OpaqueObject> object;
   bool isDictionary = false;
@@ -30,8 +29,8 @@ struct OpaqueValue {
 /// Whether they hold the same value.
 bool operator==(const OpaqueValue& left, const OpaqueValue& right);
 
-/// One value of a property list. A boolean is not a number.
-class PropertyListValue : public std::variant<bool, std::int64_t, std::string, PropertyListArray,
+/// One value of a property list. A number is not a boolean.
+class PropertyListValue : public std::variant<bool, std::string, PropertyListArray,
                                               PropertyListDictionary, OpaqueValue> {
  public:
   using variant::variant;

@@ -57,7 +57,7 @@ TEST_F(TessalInstallerTest, ModeSourceIsTheLastByIdentifierThenByModeIdentifier)
 TEST_F(TessalInstallerTest, BaseCountsAsEnabledByIdentifierInTheEnabledList) {
   EXPECT_FALSE(installer.isBaseEnabledBestEffort());
   const auto base = platform.addSource(kBase, kBase);
-  base->properties[InputSourceProperty::isEnabled] = std::int64_t{1};  // a number is not a boolean
+  base->properties[InputSourceProperty::isEnabled] = OpaqueValue{};  // a number is not a boolean
   EXPECT_FALSE(installer.isBaseEnabledBestEffort());
   const auto foreign = platform.addSource("another.bundle", kBase);
   foreign->properties[InputSourceProperty::isEnabled] = true;
@@ -155,7 +155,7 @@ TEST_F(TessalInstallerTest, DefaultsGetTheEntryWhereItIsMissing) {
 
 TEST_F(TessalInstallerTest, RewrittenDefaultsAreCleaned) {
   platform.putInstalledBundle();
-  const PropertyListDictionary other = {{"Bundle ID", std::int64_t{4}}};
+  const PropertyListDictionary other = {{"Bundle ID", OpaqueValue{}}};
   const OpaqueValue foreignKeys{nullptr, /*isDictionary=*/true};
   platform.preferences = {{kEnabled, PropertyListArray{foreignKeys, other}},
                           {kSelected, PropertyListArray{foreignKeys, "text", other}},
@@ -179,13 +179,13 @@ TEST_F(TessalInstallerTest, DefaultsNameTheInstalledBundle) {
 TEST_F(TessalInstallerTest, RemovalTakesOwnEntriesAndKeepsTheRestInOrder) {
   const PropertyListDictionary other = {{"Bundle ID", "x"}, {"Input Mode", kPinyin}};
   const PropertyListDictionary base = {{"Bundle ID", kBase}};
-  platform.preferences = {{kEnabled, PropertyListArray{"text", entry(), other, base,
-                                                       entry("renamed"), std::int64_t{4}}},
-                          {kSelected, PropertyListArray{other}},
-                          {kHistory, "no list"}};
+  platform.preferences = {
+      {kEnabled, PropertyListArray{"text", entry(), other, base, entry("renamed"), OpaqueValue{}}},
+      {kSelected, PropertyListArray{other}},
+      {kHistory, "no list"}};
   const auto before = platform.preferences;
   EXPECT_EQ(removeOrvaneFromHIToolboxDefaults("renamed"), 3);
-  EXPECT_EQ(platform.preferences[kEnabled], list({"text", other, std::int64_t{4}}));
+  EXPECT_EQ(platform.preferences[kEnabled], list({"text", other, OpaqueValue{}}));
   EXPECT_EQ(platform.preferences[kSelected], before.at(kSelected));
   EXPECT_EQ(platform.preferences[kHistory], before.at(kHistory));
   EXPECT_EQ(platform.takeJournal(), (Lines{"set " + kEnabled, "synchronize"}));

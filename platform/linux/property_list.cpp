@@ -48,9 +48,6 @@ PropertyListValue readValue(QXmlStreamReader& xml, PropertyListBudget& budget,
   const QString text = xml.readElementText();
   if (name == u"string") return text.toStdString();
   if (name == u"true" || name == u"false") return name == u"true";
-  bool isInteger = false;
-  const std::int64_t integer = text.toLongLong(&isInteger);
-  if (name == u"integer" && isInteger) return integer;
   return OpaqueValue{std::make_shared<const OpaqueObject>(OpaqueObject{name, text})};
 }
 
@@ -75,9 +72,6 @@ std::string element(const std::string& name, const QString& text) {
 /// read back as the same value.
 struct Encoder {
   std::string operator()(bool value) const { return value ? "<true/>\n" : "<false/>\n"; }
-  std::string operator()(std::int64_t value) const {
-    return element("integer", QString::number(value));
-  }
   std::string operator()(const std::string& value) const {
     return element("string", QString::fromStdString(value));
   }

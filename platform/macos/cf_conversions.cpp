@@ -5,7 +5,6 @@
 #include <array>
 #include <climits>
 #include <cstddef>
-#include <cstdint>
 #include <utility>
 #include <variant>
 
@@ -26,9 +25,6 @@ namespace {
 struct ToCf {
   CfRef<CFPropertyListRef> operator()(bool value) const {
     return retain<CFPropertyListRef>(value ? kCFBooleanTrue : kCFBooleanFalse);
-  }
-  CfRef<CFPropertyListRef> operator()(std::int64_t value) const {
-    return adopt<CFPropertyListRef>(CFNumberCreate(nullptr, kCFNumberSInt64Type, &value));
   }
   CfRef<CFPropertyListRef> operator()(const std::string& value) const { return toCfString(value); }
   CfRef<CFPropertyListRef> operator()(const PropertyListArray& value) const {
@@ -72,11 +68,9 @@ class FromCf {
   PropertyListValue value(CFTypeRef object, std::size_t depth = 0) {
     take(depth);
     const CFTypeID type = CFGetTypeID(object);
-    // A CFBoolean is not a CFNumber, though NSNumber stands for both.
     if (type == CFBooleanGetTypeID()) {
       return CFBooleanGetValue(static_cast<CFBooleanRef>(object)) != 0;
     }
-    if (type == CFNumberGetTypeID()) return number(static_cast<CFNumberRef>(object));
     if (type == CFStringGetTypeID() && isWhole(static_cast<CFStringRef>(object))) {
       return text(static_cast<CFStringRef>(object));
     }
@@ -90,17 +84,6 @@ class FromCf {
   bool isBeyondLimits() const { return budget_.isExceeded(); }
 
  private:
-  static PropertyListValue number(CFNumberRef number) {
-    std::int64_t value = 0;
-    if (CFNumberIsFloatType(number) || !CFNumberGetValue(number, kCFNumberSInt64Type, &value)) {
-      return opaque(number);
-    }
-    // It cuts integers from 2^63 on, and says that it has the value.
-    const auto taken = adopt(CFNumberCreate(nullptr, kCFNumberSInt64Type, &value));
-    if (CFNumberCompare(number, taken.get(), nullptr) != kCFCompareEqualTo) return opaque(number);
-    return value;
-  }
-
   std::string text(CFStringRef text) {
     take(0, static_cast<std::size_t>(CFStringGetLength(text)));
     return toString(text);

@@ -56,20 +56,11 @@ CF_EXPORT CFIndex CFStringGetBytes(
     CFStringRef string, CFRange range, CFStringEncoding encoding, UInt8 lossByte,
     Boolean isExternalRepresentation, UInt8* buffer, CFIndex capacity, CFIndex* used);
 
-// Booleans, numbers, data
+// Booleans, data
 CF_EXPORT const CFBooleanRef kCFBooleanTrue;
 CF_EXPORT const CFBooleanRef kCFBooleanFalse;
 CF_EXPORT CFTypeID CFBooleanGetTypeID(void);
 CF_EXPORT Boolean CFBooleanGetValue(CFBooleanRef boolean);
-
-enum CFNumberType : CFIndex { kCFNumberSInt64Type = 4 };
-CF_EXPORT CFTypeID CFNumberGetTypeID(void);
-CF_EXPORT CFNumberRef CFNumberCreate(CFAllocatorRef, CFNumberType type, const void* value);
-CF_EXPORT Boolean CFNumberIsFloatType(CFNumberRef number);
-CF_EXPORT Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value);
-
-enum CFComparisonResult : CFIndex { kCFCompareEqualTo = 0 };
-CF_EXPORT CFComparisonResult CFNumberCompare(CFNumberRef number, CFNumberRef other, void* context);
 
 CF_EXPORT CFDataRef CFDataCreate(CFAllocatorRef allocator, const UInt8* bytes, CFIndex length);
 
