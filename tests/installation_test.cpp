@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/log_file.h"
 #include "tests/identifiers.h"
 #include "tests/view_test.h"
 
@@ -151,48 +152,42 @@ TEST_F(InstallationTest, MissingScriptAndMissingFollower) {
   EXPECT_EQ(calls({"execute"}), Lines{kExecute});
 }
 
+TEST_F(InstallationTest, OnlyAnOwnFileWithOneNameIsALog) {
+  const auto log = platform.root / "tmp/log";
+  const auto kept = platform.root / "tmp/private";
+  platform.putFile("/tmp/private", "kept");
+  std::vector<std::function<void()>> plants = {
+      [&] { std::filesystem::create_symlink(kept, log); },
+      [&] { std::filesystem::create_hard_link(kept, log); }, [&] { ::mkfifo(log.c_str(), 0600); }};
+  if (::geteuid() == 0)
+    plants.emplace_back([&] {
+      platform.putFile("/tmp/log", "kept");
+      EXPECT_EQ(::chown(log.c_str(), 54321, -1), 0);
+    });
+  for (const auto& plant : plants) {
+    plant();
+    platform::emptyLogFile(log);
+    platform::appendToLogFile(log, "more");
+    EXPECT_FALSE(platform::isOwnLogFile(log) || platform::readEndOfLogFile(log));
+    EXPECT_TRUE(!std::filesystem::is_regular_file(log) || platform.readFile("/tmp/log") == "kept");
+    std::filesystem::remove(log);
+  }
+}
+
 TEST_F(InstallationTest, LogOfSomebodyElseIsNotFollowed) {
   const auto log = platform.root / "tmp/tessal_installer.log";
-  const auto isFollowed = [&] {
-    view->userPressedInstall();
-    const bool isRunning = platform.runningChildren > 0;
-    EXPECT_EQ(uiLog().starts_with("无法启动日志跟踪: " + log.string() + ": "), !isRunning);
-    platform.runWorker();
-    EXPECT_EQ(status(),
-              InstallationStatus::Case::failed);  // nothing was installed; the run went on
-    return isRunning;
-  };
-  platform.putFile("/tmp/private", "finish");
-  std::filesystem::create_symlink("private", log);
-  EXPECT_FALSE(isFollowed());
-  std::filesystem::remove(log);
   platform.duringLaunch = [&] {
     std::filesystem::remove(log);
     std::filesystem::create_symlink("private", log);
   };
-  EXPECT_FALSE(isFollowed());
-  platform.duringLaunch = nullptr;
-  std::filesystem::remove(log);
-  EXPECT_TRUE(isFollowed());
-
-  const auto ownLog = platform.root / "tmp/tessal_installer_ui.log";
-  std::filesystem::remove(ownLog);
-  std::filesystem::create_hard_link(platform.root / "tmp/private", ownLog);
-  view->appendUILog("more");
-  std::filesystem::remove(ownLog);
-  ::mkfifo(ownLog.c_str(), 0600);
-  view->appendUILog("more");  // waits for no reader
-  EXPECT_EQ(platform.readFile("/tmp/private"), "finish");
-  std::filesystem::remove(ownLog);
-  view->appendUILog("");
-
-  // Only root can give files away.
-  for (const auto& file : {log, ownLog})
-    if (::chown(file.c_str(), 54321, -1) != 0) return;
-  const std::string before = uiLog();
-  view->userPressedInstall();
-  EXPECT_EQ(platform.runningChildren, 0);
-  EXPECT_EQ(uiLog(), before) << "a log of somebody else was written";
+  for (std::size_t runs = 1; runs <= 2; ++runs) {  // in the second one it is there from the start
+    view->userPressedInstall();
+    EXPECT_EQ(platform.runningChildren, 0);
+    EXPECT_TRUE(uiLog().starts_with("无法启动日志跟踪: " + log.string() + ": "));
+    platform.runWorker();
+    EXPECT_EQ(calls({"execute"}).size(), runs);
+  }
+  EXPECT_EQ(calls({"launch"}).size(), 1U);
 }
 
 TEST_F(InstallationTest, RefusalAndFailureKeepTheRunOnScreen) {

@@ -195,19 +195,15 @@ TEST(Contract, PropertyListsAreReadAndWrittenBackAsTheyCame) {
 /// A binary list: a dictionary of so many arrays in each other, each of which holds
 /// the next one twice, and the last one "true".
 std::string doubledList(char arrays) {
-  std::string bytes("bplist00\xD1\1\2Qa");
-  std::string offsets("\x08\x0B");
-  for (int i = 0; i < arrays; ++i) {
-    offsets += static_cast<char>(bytes.size());
-    const auto next = static_cast<char>(i + 3);
+  std::string bytes("bplist00\xD1\1\2Qa"), offsets("\x08\x0B");
+  for (char next = 3; next < arrays + 3; ++next) {
+    offsets += char(bytes.size());
     bytes += {'\xA2', next, next};
   }
-  offsets += static_cast<char>(bytes.size());
-  bytes += '\x09';
-  const auto table = static_cast<char>(bytes.size());
-  const auto number = [](char last) { return std::string(7, '\0') + last; };
-  return bytes + offsets + std::string(6, '\0') + "\1\1" +
-         number(static_cast<char>(offsets.size())) + number(0) + number(table);
+  offsets += char(bytes.size());
+  const auto number = [](std::size_t value) { return std::string(7, '\0') + char(value); };
+  return bytes + '\x09' + offsets + std::string(6, '\0') + "\1\1" + number(offsets.size()) +
+         number(0) + number(bytes.size() + 1);
 }
 
 TEST(Contract, ListsBeyondTheLimitsOrOfAnotherKindAreRefused) {

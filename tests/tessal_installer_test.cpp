@@ -73,7 +73,6 @@ TEST_F(TessalInstallerTest, BaseCountsAsEnabledByIdentifierInTheEnabledList) {
 TEST_F(TessalInstallerTest, SelectedMeansTheModeAndNotTheBase) {
   EXPECT_FALSE(installer.isSelected(Mode::pinyin));
   platform.addInputMethod();
-  EXPECT_FALSE(installer.isSelected(Mode::pinyin));
   platform.current = platform.base;
   EXPECT_FALSE(installer.isSelected(Mode::pinyin));
   platform.current = platform.mode;
@@ -139,41 +138,29 @@ TEST_F(TessalInstallerTest, ActionsDoWhatIsNeededStepByStep) {
 
 TEST_F(TessalInstallerTest, DefaultsGetTheEntryWhereItIsMissing) {
   platform.putInstalledBundle();
-  const PropertyListDictionary other = {{"Bundle ID", kBase}, {"Input Mode", "another"}};
+  const PropertyListDictionary other = {{"Bundle ID", kBase}, {"Input Mode", OpaqueValue{}}};
   const PropertyListDictionary known = {{"Bundle ID", kBase}, {"Input Mode", kPinyin}};
+  const OpaqueValue foreignKeys{nullptr, /*isDictionary=*/true};
   platform.preferences = {{kEnabled, PropertyListArray{"text", known}},
-                          {kSelected, PropertyListArray{other}},
-                          {kHistory, PropertyListArray{other}}};
+                          {kSelected, PropertyListArray{foreignKeys, other}},
+                          {kHistory, PropertyListArray{foreignKeys, "text", other}}};
   EXPECT_TRUE(installer.ensureOrvaneEnabledInHIToolboxDefaults(Mode::pinyin));
   EXPECT_EQ(platform.preferences[kEnabled], list({"text", known}));
-  EXPECT_EQ(platform.preferences[kSelected], list({entry(), other}));
+  EXPECT_EQ(platform.preferences[kSelected], list({entry(), PropertyListDictionary{}, other}));
   EXPECT_EQ(platform.preferences[kHistory], list({entry(), other}));
   EXPECT_EQ(platform.takeJournal(), (Lines{"set " + kSelected, "set " + kHistory, "synchronize"}));
   installer.ensureOrvaneEnabledInHIToolboxDefaults(Mode::pinyin);
   EXPECT_EQ(platform.journal, Lines{"synchronize"});
-}
 
-TEST_F(TessalInstallerTest, RewrittenDefaultsAreCleaned) {
-  platform.putInstalledBundle();
-  const PropertyListDictionary other = {{"Bundle ID", OpaqueValue{}}};
-  const OpaqueValue foreignKeys{nullptr, /*isDictionary=*/true};
-  platform.preferences = {{kEnabled, PropertyListArray{foreignKeys, other}},
-                          {kSelected, PropertyListArray{foreignKeys, "text", other}},
-                          {kHistory, "no list"}};
-  installer.ensureOrvaneEnabledInHIToolboxDefaults(Mode::pinyin);
-  EXPECT_EQ(platform.preferences[kEnabled], list({PropertyListDictionary{}, other, entry()}));
-  EXPECT_EQ(platform.preferences[kSelected], list({entry(), other}));
-  EXPECT_EQ(platform.preferences[kHistory], list({entry()}));
-}
-
-TEST_F(TessalInstallerTest, DefaultsNameTheInstalledBundle) {
-  platform.putInstalledBundle();
+  // The entry names the bundle that is installed.
+  platform.preferences[kHistory] = "no list";
   auto& info = platform.propertyLists.begin()->second;
   info["CFBundleIdentifier"] = "another";
   installer.ensureOrvaneEnabledInHIToolboxDefaults(Mode::pinyin);
+  EXPECT_EQ(platform.preferences[kEnabled], list({known, entry("another")}));
   info.clear();
   installer.ensureOrvaneEnabledInHIToolboxDefaults(Mode::pinyin);
-  EXPECT_EQ(platform.preferences[kEnabled], list({entry("another"), entry()}));
+  EXPECT_EQ(platform.preferences[kHistory], list({entry(), entry("another")}));
 }
 
 TEST_F(TessalInstallerTest, RemovalTakesOwnEntriesAndKeepsTheRestInOrder) {
