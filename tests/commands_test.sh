@@ -17,7 +17,9 @@ start() {
   : >"$work/out" # what an earlier run said must not be taken for this one's
   "$bundle/Contents/MacOS/orvane-install" --root "$root" "$@" >"$work/out" 2>"$work/err" & front=$!
 }
-says() { grep -q -- "$2" "$work/out" "$work/err" || fail "$1: nothing said of \"$2\": $(cat "$work/out" "$work/err")"; }
+says() { # says WHAT PATTERN [err]: on standard output, or on standard error.
+  grep -q -- "$2" "$work/${3:-out}" || fail "$1: nothing said of \"$2\": $(cat "$work/out" "$work/err")"
+}
 status_of() { # status_of EXPECTED COMMAND...
   expected=$1
   shift
@@ -28,6 +30,7 @@ started_run_ends() { # started_run_ends EXPECTED
   wait_for_end $front
   expect "status of the started run" $? "$1"
 }
+refused() { SUDO_ASKPASS=/bin/false; "$@"; SUDO_ASKPASS=/bin/true; }
 picture() { (cd "$root" && find . -type d -name tmp -prune -o -printf '%p %m %T@ %s %l\n' | sort); }
 changed() { ! picture | diff "$work/before" - >&2; }
 are_listed() { grep -qa $base "$root"/user/Preferences/ByHost/com.apple.HIToolbox*; }
@@ -42,6 +45,7 @@ scripted() {
 json_lines() {
   python3 -c "import json
 events = [json.loads(line) for line in open('$work/out')]
+of = lambda kind, key=None: [event[key or kind] for event in events if event['event'] == kind]
 $1" || fail "the lines: $(cat "$work/out")"
 }
 
@@ -49,7 +53,7 @@ echo usage
 for arguments in "--no-wait doctor" "uninstall --json" "instal" "--root" "doctor --json=5"; do
   # shellcheck disable=SC2086
   status_of 64 $arguments
-  says "wrong use" '--help 查看用法'
+  says "wrong use" '--help 查看用法' err
 done
 "$app/Contents/MacOS/orvane-install" --root "$work/none" doctor 2>/dev/null
 expect "status of a mistyped root" $? 64
@@ -58,16 +62,14 @@ expect "status of a mistyped root" $? 64
 expect "status without a root" $? 64
 "$app/Contents/MacOS/orvane-install" --root "$root" doctor --json 2>"$work/err" >/dev/full
 expect "status without room for the output" $? 1
-says "no room" 输出没有全部写完
+says "no room" 输出没有全部写完 err
 
 echo "installations that fail"
-SUDO_ASKPASS=/bin/false
-status_of 2 install
-says "a refused prompt" 未获得管理员授权
-SUDO_ASKPASS=/bin/true
+refused status_of 2 install
+says "a refused prompt" 未获得管理员授权 err
 scripted install 'printf "磁盘已满\033]0;x" >&2; exit 3'
 status_of 1 install
-says "a script that fails" '^磁盘已满␛]0;x'
+says "a script that fails" '^磁盘已满␛]0;x' err
 bundle=$app
 
 echo "a first installation, waited for"
@@ -78,14 +80,18 @@ started_run_ends 0
 expect "current source" "$(sources current)" $base.pinyin
 opened="$root/user/Library/Application Support/Orvane/opened.log"
 await "the settings" grep -q opened "$opened"
-scripted install 'echo finish >>"$INSTALL_ROOT/tmp/tessal_installer.log"; sleep 1; printf "满" >&2; exit 3'
-status_of 1 install # the "finish" was not its own script's
-says "a script that fails after it" '^满'
-bundle=$app
 info="$root/Library/Input Methods/Orvane.app/Contents/Info.plist"
 sed -i 's|<string>1.0.0</string>|<string>99.0</string>|' "$info"
-status_of 0
-says "an older version" '99.0 比安装器里的 1.0.0 新'
+scripted install 'echo finish >>"$INSTALL_ROOT/tmp/tessal_installer.log"; 
+  until grep -q finish "$INSTALL_ROOT/tmp/tessal_installer_ui.log"; do sleep 0.1; done; printf "满" >&2; exit 3'
+status_of 1 install --json # the "finish" was not its own script's
+json_lines '
+assert of("phase") == ["script", "activation"]
+assert of("status") == ["installing", "success", "failed"]
+assert of("message", "level") == ["info"] + ["error"] * 3
+assert of("message", "text") == ["已安装的版本 99.0 比安装器里的 1.0.0 新，现在换成安装器里的版本", "安装失败", "满", "日志：'"$ui_log"'"]
+assert events[-1] == {"event": "result", "command": "install", "exitStatus": 1}'
+bundle=$app
 
 echo "json lines of an installation"
 sources deny $base
@@ -93,13 +99,12 @@ status_of 3 install --no-wait --json
 json_lines '
 fields = {"phase": {"phase"}, "progress": {"progress"}, "status": {"status"}, "message": {"level", "text"},
           "result": {"command", "exitStatus"}}
-for event in events:
-    assert set(event) - {"event"} == fields[event["event"]], event
-assert events[-1] == {"event": "result", "command": "install", "exitStatus": 3}, events[-1]
-of = lambda kind: [event[kind] for event in events if event["event"] == kind]
-assert of("phase") == ["script", "activation"], of("phase")
-assert of("status") == ["installing", "waitingEnable"], of("status")
-assert of("progress")[-1] == 1 and all(0 <= value <= 1 for value in of("progress")), of("progress")'
+assert all(set(event) - {"event"} == fields[event["event"]] for event in events)
+assert events[-1] == {"event": "result", "command": "install", "exitStatus": 3}
+assert of("phase") == ["script", "activation"]
+assert of("status") == ["installing", "waitingEnable"]
+values = of("progress")
+assert values == sorted({0, *values, 1}), values  # no two of them equal'
 
 echo "a narrow terminal, and one that can do nothing"
 terminal() { script -qefc "stty cols 40; TERM=$1 '$app/Contents/MacOS/orvane-install' --root '$root' $2" /dev/null </dev/null; }
@@ -115,17 +120,11 @@ start --home "$work/second" activate --once
 await "the waiting phase" grep -q '请将「澄枫输入法」添加到输入法列表' "$work/out"
 kill -TERM $front
 started_run_ends 3
-stamp="$work/second/Library/Application Support/Orvane Installer/activated"
-mkdir -p "$(dirname "$stamp")"
-ln -s "$work/own" "$stamp"
 start --home "$work/second" activate --once --go-enable
 await "the keyboard settings" grep -qF 'openKeyboardSettings(): ' "$ui_log"
 sources --home "$work/second" allow $base || fail allow
 started_run_ends 0
 expect "settings opened, for the first account alone" "$(cat "$opened")" opened
-[ ! -e "$work/own" ] || fail "a note was written through a link"
-rm "$stamp"
-status_of 0 --home "$work/second" activate
 sources --home "$work/second" deny $base
 status_of 0 --home "$work/second" activate --no-wait --once
 SUDO_ASKPASS=/bin/true
@@ -133,25 +132,28 @@ SUDO_ASKPASS=/bin/true
 echo diagnosis
 rm "$ui_log" && mkfifo "$ui_log" # nothing waits for what comes out of it
 status_of 1 doctor
+says "what to do about it" '^       → 运行 orvane-install activate'
 status_of 0 doctor --machine
 rm "$ui_log"
 sources allow $base
 sed -i.whole "s/$base.pinyin/another.mode/" "$info"
 status_of 1 activate
-says "no mode" 拼音模式没有启用
+says "no mode" 拼音模式没有启用 err
 mv "$info.whole" "$info"
 sources select $base.pinyin
 TESSAL_INSTALLER_WRITE_HITOOLBOX_DEFAULTS=1 orvane
+status_of 0 activate --once
 are_listed || fail "no entries in the lists"
 picture >"$work/before"
 status_of 0 doctor
 ! changed || fail "doctor has changed something"
-mkdir "$root/Library/Input Methods/.Orvane.app.staging" "$root/Library/Input Methods/.Orvane.app.$(printf 'a\377')"
+mkdir "$root/Library/Input Methods/.Orvane.app.$(printf 'a\377').staging"
 status_of 1 doctor --json
 json_lines '
 assert events[-1] == {"event": "result", "command": "doctor", "exitStatus": 1}, events[-1]
 findings = [event for event in events if "check" in event]
-assert {event["scope"] for event in findings} == {"machine", "user"}
+scopes = [event["scope"] for event in findings]
+assert scopes == sorted(scopes) and findings[scopes.index("user")]["check"] == "settings", scopes
 assert all(event.keys() == {"event", "level", "scope", "check", "text", "next", "value"} for event in findings)
 assert [event["check"] for event in findings if event["level"] == "fail"] == ["leftovers"]'
 rmdir "$root/Library/Input Methods/.Orvane.app".*
@@ -161,16 +163,24 @@ picture >"$work/before"
 echo no | orvane uninstall
 expect "status of a no" $? 2
 status_of 2 uninstall </dev/null
-SUDO_ASKPASS=/bin/false
-status_of 2 uninstall --yes
-SUDO_ASKPASS=/bin/true
+refused status_of 2 uninstall --yes
 ! changed || fail "something was removed"
 
 echo "removal that fails"
 cp -a "$root" "$work/sound"
 scripted uninstall 'exit 0'
 status_of 1 uninstall --yes
-says "a bundle that stays" 输入法没有移除
+says "a bundle that stays" 输入法没有移除 err
+scripted uninstall 'printf 满 >&2; exit 3'
+status_of 1 uninstall --yes
+says "a script that fails" '^移除失败：满' err
+scripted uninstall 'touch "$INSTALL_ROOT/tmp/held"; exec sleep 50'
+start uninstall --yes
+await "the script" [ -e "$root/tmp/held" ]
+kill -INT $front
+started_run_ends 1
+says "an interruption" '^移除被中断' err
+! changed || fail "a removal that failed has changed something"
 scripted uninstall 'rm -rf "$INSTALL_ROOT/Library" "$INSTALL_ROOT/Applications"; exit 0'
 mv "$root/user/Library/Application Support" "$work/elsewhere"
 ln -s "$work/elsewhere" "$root/user/Library/Application Support"
@@ -195,10 +205,10 @@ rm -r "$root/Applications/Cogwen.app"
 mkdir "$root/Library/Input Methods/.Orvane.app.staging"
 status_of 0 uninstall --yes
 [ ! -e "$root/Library/Input Methods/.Orvane.app.staging" ] || fail "what a killed run has left stays"
-SUDO_ASKPASS=/bin/false # nothing is left that needs rights
-status_of 0 uninstall --yes --purge --json
-expect "what --purge leaves" "$(ls "$root/user/Library/Application Support")" ""
-SUDO_ASKPASS=/bin/true
+library=$root/user/Library
+mkdir -p "$library/Caches/$base" "$library/Preferences/$base.plist" "$library/Preferences/$base.settings.plist"
+refused status_of 0 uninstall --yes --purge --json # nothing is left that needs rights
+expect "what --purge leaves" "$(cd "$library" && find . -mindepth 2)" ""
 status_of 3 install --no-wait
 grep -q '启用路径：全新安装' "$ui_log" || fail "no fresh installation after a removal"
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "cli/diagnosis.h"
+#include "installer/log_files.h"
 #include "tests/identifiers.h"
 #include "tests/platform/test_platform.h"
 
@@ -27,6 +28,7 @@ class DoctorTest : public testing::Test {
       platform.putFile("/Applications/" + std::string(companion) + ".app/x", "");
     platform.putFile(kBundle + "/Contents/MacOS/OrvaneSettings.app/x", "");
     fs::permissions(program, fs::perms(0755));
+    platform.putFile("/Library/Input Methods/.DS_Store", "");
     platform.addInputMethod();
     platform.allow();
     platform.current = platform.mode;
@@ -37,19 +39,26 @@ class DoctorTest : public testing::Test {
   /// The checks that do not pass, such as "fail bundle, warn uiLog".
   std::string problems() {
     std::string problems;
+    said.clear();
     for (const Finding& finding : diagnose(/*machineOnly=*/false)) {
       const bool isPass = finding.level == Finding::Level::pass;
       EXPECT_FALSE(finding.text.empty() || finding.next.empty()) << finding.check;
       EXPECT_EQ(isPass, finding.next == Finding::nothingToDo) << finding.text;
+      said += finding.text + "→" + finding.next + "\n";
       if (isPass) continue;
       problems += problems.empty() ? "" : ", ";
-      problems += finding.level == Finding::Level::fail ? "fail " : "warn ";
-      problems += finding.check;
+      problems += (finding.level == Finding::Level::fail ? "fail " : "warn ") + finding.check;
     }
     return problems;
   }
 
+  bool says(const std::string& words) {
+    problems();
+    return said.find(words) != said.npos;
+  }
+
   test::Platform platform;
+  std::string said;  // the last time
   const fs::path bundle = platform.root / kBundleOnDisk;
   const fs::path program = bundle / "Contents/MacOS/Orvane";
 };
@@ -68,11 +77,20 @@ TEST_F(DoctorTest, SourcesAreToldApart) {
   EXPECT_EQ(problems(), "fail selectCapable");
   platform.allow(false);
   EXPECT_EQ(problems(), "fail enabled");
+  std::string log;
+  for (const auto& [line, why] : {std::pair{"", "还没有允许，或后来"},
+                                  {kEnableRequested, "已经请求过"},
+                                  {kModeSelected, "曾经启用过"},
+                                  {kEnableRequested, "已经请求过"},
+                                  {kOverwriteInstall, "曾经启用过"}}) {
+    platform.putFile("/tmp/tessal_installer_ui.log", log += line + std::string("\n"));
+    EXPECT_TRUE(says(why)) << log;
+  }
   platform.sources = {platform.base};
   EXPECT_EQ(problems(), "fail modeSource, fail enabled");
   platform.sources = {platform.mode};
   EXPECT_EQ(problems(), "fail baseSource");
-  platform.sources.clear();
+  platform.sources = {platform.addSource("another.bundle", kBase)};
   platform.isAdministrator = false;
   EXPECT_EQ(problems(), "fail registered, warn rights");
 }
@@ -92,18 +110,19 @@ TEST_F(DoctorTest, BundleOnDiskIsLookedThrough) {
   fs::remove_all(settings);
   fs::permissions(program, fs::perms(0744));
   EXPECT_EQ(problems(), "fail program, warn settings");
+  platform.applications[kBase + ".settings"] = "Elsewhere.app";
   fs::permissions(program, fs::perms(0755));
   platform.putFile(kBundle + "/Contents/MacOS/Orvane", "MZ");
   fs::remove_all(platform.root / "Applications/Cogwen.app");
-  EXPECT_EQ(problems(), "fail program, warn companions, warn settings");
+  EXPECT_EQ(problems(), "fail program, warn companions");
   platform.putFile("/Applications/Cogwen.app/x", "");
   // The faults of the sources have their reason in this one.
   info().erase("ComponentInputModeDict");
   platform.sources = {platform.base};
-  EXPECT_EQ(problems(), "fail mode, fail program, warn settings");
+  EXPECT_EQ(problems(), "fail mode, fail program");
   platform.propertyLists.clear();
   platform.sources.clear();
-  EXPECT_EQ(problems(), "fail info, warn settings");
+  EXPECT_EQ(problems(), "fail info");
   fs::remove_all(bundle);
   fs::create_directory_symlink("/", bundle);
   EXPECT_EQ(problems(), "fail bundle");
@@ -113,6 +132,8 @@ TEST_F(DoctorTest, IdentifierAndVersion) {
   platform.info["OrvanePayloadVersion"] = "1.11.0";
   EXPECT_EQ(problems(), "warn version");
   EXPECT_EQ(newerVersionNotice(), "");
+  platform.info["OrvanePayloadVersion"] = "1.10";
+  EXPECT_EQ(newerVersionNotice(), "") << "it is the same one";
   for (const char* older : {"1.9.1", "1.9"}) {
     platform.info["OrvanePayloadVersion"] = older;
     EXPECT_EQ(problems(), "") << "nobody is told to go back to " << older;
@@ -129,16 +150,23 @@ TEST_F(DoctorTest, PreferencesAndLeftoversAndLogs) {
   const PropertyListDictionary own = {{"Bundle ID", kBase}, {"Input Mode", kPinyin}};
   const PropertyListDictionary foreign = {{"Bundle ID", "x"}, {"Input Mode", kPinyin}};
   const PropertyListDictionary neighbour = {{"Bundle ID", "x"}, {"Input Mode", "x.mode"}};
-  platform.preferences = {{"AppleEnabledInputSources", PropertyListArray{neighbour, own}},
+  platform.preferences = {{"AppleEnabledInputSources", PropertyListArray{neighbour, own, "text"}},
                           {"AppleSelectedInputSources", PropertyListArray{own, foreign}},
                           {"AppleInputSourceHistory", "no list"}};
-  EXPECT_EQ(problems(), "fail AppleSelectedInputSources, fail AppleInputSourceHistory");
+  EXPECT_EQ(problems(),
+            "fail AppleEnabledInputSources, fail AppleSelectedInputSources, fail "
+            "AppleInputSourceHistory");
   platform.preferences = {{"AppleEnabledInputSources", PropertyListArray{own, own}}};
   platform.putFile("/Library/Input Methods/.Orvane.app.leftover.1/x", "");
   platform.putFile("/tmp/tessal_installer.log", "unzip package\nkill Orvane\n");
   fs::create_directory(platform.root / "tmp/tessal_installer_ui.log");
   EXPECT_EQ(problems(),
             "warn uiLog, warn installLog, warn leftovers, warn AppleEnabledInputSources");
+  EXPECT_TRUE(says("\nkill Orvane→上一次安装没有做完"));
+  platform.putFile("/tmp/tessal_installer.log", "a\nb\n\nc\nerror: full\n");
+  fs::last_write_time(platform.root / "tmp/tessal_installer.log",
+                      fs::file_time_type::clock::now() - std::chrono::hours(47));
+  EXPECT_TRUE(says("，47 小时前\nb\nc\nerror: full→上一次安装失败了，原因在最后一行；"));
   platform.preferences = {{"AppleEnabledInputSources", PropertyListArray{own}}};
   platform.putFile("/Library/Input Methods/.Orvane.app.staging/x", "");
   platform.putFile("/tmp/tessal_installer.log", "unzip package\nfinish\n");
