@@ -57,7 +57,7 @@ swap_in() {
 roll_back() {
   for app in $apps; do
     locate "$app"
-    ! exists "$staged" || exists "$backup" || continue
+    if exists "$staged" && ! exists "$backup"; then continue; fi # untouched so far
     ! exists "$destination" || rename "$destination" "$staging/$name"
     if exists "$backup" && ! rename "$backup" "$destination"; then
       printf '旧的 %s 还在 %s\n' "$name" "$backup" >&2

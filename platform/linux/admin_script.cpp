@@ -99,7 +99,7 @@ AdminScriptError cancelled() {
 
 /// The program that asks for the password in a window.
 std::string askpassProgram() {
-  if (const char* own = linux_::variable("SUDO_ASKPASS")) return own;
+  if (const char* own = linux_::environmentVariable("SUDO_ASKPASS")) return own;
   return (bundleLocation() / "Contents/Helpers/askpass").string();
 }
 
@@ -115,7 +115,7 @@ std::optional<AdminScriptError> runBelow(const std::filesystem::path& root,
 }
 
 std::optional<AdminScriptError> runWithSudo(const AdminScript& script) {
-  const bool usesTerminal = !linux_::variable("SUDO_ASKPASS") && !linux_::hasDisplay();
+  const bool usesTerminal = !linux_::environmentVariable("SUDO_ASKPASS") && !linux_::hasDisplay();
   // In a prompt of sudo a percent sign introduces an escape.
   std::string prompt;
   for (const char c : script.prompt) prompt.append(c == '%' ? 2 : 1, c);
