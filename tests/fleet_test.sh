@@ -31,17 +31,19 @@ cp "$work/installer.zip" "$work/broken/opt/orvane"
 ln -s "$work/elsewhere" "$work/planted/opt/orvane"
 printf '#!/bin/sh\necho "Sorry, user ansible is not allowed to execute this as root." >&2\nexit 255\n' >"$work/refuse"
 chmod 755 "$work/refuse"
+# Nothing reaches these. What has to be refused before would do harm elsewhere.
+far="ansible_connection=ssh ansible_ssh_executable=$work/refuse"
 cat >"$work/inventory" <<INVENTORY
 fresh       orvane_root='$work/$fresh'
 old         orvane_root=$work/old
 forced      orvane_root=$work/forced orvane_downgrade=true
 broken      orvane_root=$work/broken orvane_activate=false
 planted     orvane_root=$work/planted
-slash       orvane_root=$work orvane_folder=//./
-above       orvane_root=$work orvane_folder=$work/old/opt/../..
-relative    orvane_root=relative orvane_folder=$work/relative
+slash       orvane_root=$work orvane_folder=//./ $far
+above       orvane_root=$work orvane_folder=$work/old/opt/../.. $far
+relative    orvane_root=relative orvane_folder=$work/relative $far
 refuses     orvane_root=$work/refuses ansible_become=true ansible_become_exe=$work/refuse
-unreachable ansible_connection=ssh ansible_ssh_executable=$work/refuse
+unreachable $far
 [all:vars]
 ansible_connection=local
 ansible_become=false
@@ -105,7 +107,8 @@ expect "what stays" "$(cd "$work" && find "$fresh" old -name '*.app' -o -path '*
 echo "entries at the real places"
 role=$fleet/roles/orvane
 ansible localhost -c local -e "@$role/vars/main.yml" -e '{"orvane_root": "", "orvane_folder": "/a & <b>"}' -m debug \
-  -a "msg={{ query('template', '$role/templates/launch_agent.plist.j2', '$role/templates/autostart.desktop.j2') }}" >"$work/out" 2>&1
+  -a "msg={{ query('template', '$role/templates/launch_agent.plist.j2', '$role/templates/autostart.desktop.j2') }}" \
+  >"$work/out" 2>&1
 says '<string>/a &amp; &lt;b&gt;/Orvane Installer.app/Contents/MacOS/orvane-install</string>'
 says 'orvane-install\" --root \"/\" activate --once'
 
