@@ -241,9 +241,8 @@ TEST_F(ActivationTest, AutoAttemptIsMadeOnlyIfNoneWas) {
   platform.advance(7);
   view->enableWaitingViewDidAppear();
   EXPECT_EQ(calls({"enable"}).size(), 1U);
-  EXPECT_TRUE(
-      logText().ends_with("mode=[-8], base=-9）\n已调用 TISEnableInputSource（fresh:"
-                          "enableBase=0，trigger=auto）\n"));
+  EXPECT_TRUE(logText().ends_with(
+      "mode=[-8], base=-9）\n已调用 TISEnableInputSource（fresh:enableBase=0，trigger=auto）\n"));
   EXPECT_EQ(platform.liveTimers(), 1U);
 }
 

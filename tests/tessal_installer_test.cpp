@@ -31,16 +31,14 @@ class TessalInstallerTest : public testing::Test {
   }
 };
 
-TEST_F(TessalInstallerTest, BaseSourceIsTheFirstWithBothIdentifiers) {
+TEST_F(TessalInstallerTest, BaseSourceIsTheFirstAndModeSourceTheLast) {
   platform.addSource("another.bundle", kBase);
   EXPECT_EQ(installer.keyboardInputMethodSource(true), nullptr);
   const auto first = platform.addSource(kBase, kBase);
   platform.addSource(kBase, kBase);
   EXPECT_EQ(installer.keyboardInputMethodSource(true), first);
   EXPECT_EQ(installer.keyboardInputMethodSource(false), nullptr);
-}
 
-TEST_F(TessalInstallerTest, ModeSourceIsTheLastByIdentifierThenByModeIdentifier) {
   const auto byMode = platform.addSource("x", "other.id");
   byMode->properties[InputSourceProperty::inputModeID] = kPinyin;
   byMode->properties[InputSourceProperty::isEnabled] = true;
@@ -48,7 +46,7 @@ TEST_F(TessalInstallerTest, ModeSourceIsTheLastByIdentifierThenByModeIdentifier)
   EXPECT_TRUE(installer.enabledModes().empty());
 
   platform.addSource("x", kPinyin);
-  const auto last = platform.addSource("y", kPinyin);
+  const auto last = platform.addSource("y", kPinyin);  // by identifier before mode identifier
   EXPECT_EQ(installer.inputModeSource(Mode::pinyin, true), last);
   last->properties[InputSourceProperty::isEnabled] = true;
   EXPECT_EQ(installer.enabledModes(), std::vector{Mode::pinyin});
