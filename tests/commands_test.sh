@@ -120,10 +120,11 @@ start --home "$work/second" activate --once
 await "the waiting phase" grep -q '请将「澄枫输入法」添加到输入法列表' "$work/out"
 kill -TERM $front
 started_run_ends 3
-start --home "$work/second" activate --once --go-enable
+start --home "$work/second" activate --once --go-enable --json
 await "the keyboard settings" grep -qF 'openKeyboardSettings(): ' "$ui_log"
 sources --home "$work/second" allow $base || fail allow
 started_run_ends 0
+json_lines 'assert of("phase") == ["activation", "waiting"] and of("status")[-1] == "success"'
 expect "settings opened, for the first account alone" "$(cat "$opened")" opened
 sources --home "$work/second" deny $base
 status_of 0 --home "$work/second" activate --no-wait --once
@@ -132,6 +133,7 @@ SUDO_ASKPASS=/bin/true
 echo diagnosis
 rm "$ui_log" && mkfifo "$ui_log" # nothing waits for what comes out of it
 status_of 1 doctor
+says "a log that is none" '^\[警告] 安装器日志的位置上不是普通文件：'
 says "what to do about it" '^       → 运行 orvane-install activate'
 status_of 0 doctor --machine
 rm "$ui_log"
