@@ -10,7 +10,6 @@
 #include <random>
 #include <stdexcept>
 
-#include "inputsource/tessal_installer.h"
 #include "installer/content_view.h"
 #include "tests/identifiers.h"
 #include "tests/platform/test_platform.h"
@@ -84,7 +83,6 @@ class World {
     if (is(Status::waitingEnable)) return view_->userPressedGoEnable();
     if (view_->isInstalling || is(Status::success)) return;
     run_ = {};
-    run_.wasBundleThere = TessalInstaller().isInstalled();
     is(Status::needAdmin) ? view_->userPressedRetryAuthorisation() : view_->userPressedInstall();
   }
 
@@ -152,8 +150,6 @@ class World {
     if (begins("register")) require(++registrations_[line] == 1, "registration is once per window");
     if (begins("run") || begins("open application") || begins("disable"))
       require(++run_.calls[line] == 1, "agents, settings and disabling are once per run");
-    if (begins("open application"))
-      require(!run_.wasBundleThere, "settings open only after a first install");
     if (begins("disable")) require(!run_.enabledAt, "disabling comes before the first request");
     if (begins("activate") || begins("enable") || begins("select"))
       require(!status_.isOver() || !view_->installationStatus->isOver(),
@@ -184,7 +180,6 @@ class World {
 
   /// Since the button was pressed.
   struct Run {
-    bool wasBundleThere = false;
     std::map<std::string, int> calls;
     std::optional<double> enabledAt;
   } run_;
