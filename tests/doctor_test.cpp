@@ -138,9 +138,11 @@ TEST_F(DoctorTest, IdentifierAndVersion) {
     EXPECT_NE(newerVersionNotice(), "");
   }
   info().erase("CFBundleShortVersionString");
+  platform.preferences = {{"AppleEnabledInputSources", "no list"}};
   for (const char* identifier : {"", "com.tessal.inputmethodical.Orvane", "x.inputmethod.Orvane"}) {
     info()["CFBundleIdentifier"] = identifier;
     EXPECT_EQ(problems(), "fail identifier, warn version") << identifier;
+    EXPECT_EQ(says("缺少 inputmethod 一段"), std::string(identifier).starts_with("com"));
   }
 }
 
@@ -170,6 +172,7 @@ TEST_F(DoctorTest, PreferencesAndLeftoversAndLogs) {
   platform.putFile("/tmp/tessal_installer.log", "unzip package\nfinish\n");
   EXPECT_EQ(problems(), "warn uiLog, fail leftovers");
   fs::remove_all(bundle);
+  platform.putFile("/tmp/tessal_installer_ui.log", kNoScript);
   EXPECT_EQ(problems(), "warn uiLog, fail bundle, fail leftovers, warn AppleEnabledInputSources");
 }
 
